@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+/// The only place where a floating-point number becomes an integer.
+///
+/// Every rule has a name, so that a reader sees which one a formula uses. All of them give 0 for NaN and
+/// clamp to the range of the result, so no value of a script or a damaged file can cause undefined behaviour.
+namespace mc {
+
+/// Clamps an already integral value to the range of Int and converts it.
+template <class Int>
+constexpr Int clampToInt(double integral) noexcept
+{
+  if (!(integral == integral)) return 0;
+  // The double nearest to the largest 64-bit value lies above it, hence >=.
+  if (integral >= static_cast<double>(std::numeric_limits<Int>::max())) return std::numeric_limits<Int>::max();
+  if (integral <= static_cast<double>(std::numeric_limits<Int>::min())) return std::numeric_limits<Int>::min();
+  return static_cast<Int>(integral);
+}
+
+/// Towards zero: 1.9 and -1.9 give 1 and -1.
+inline int truncToInt(double v) noexcept { return clampToInt<int>(std::trunc(v)); }
+inline std::int64_t truncToInt64(double v) noexcept { return clampToInt<std::int64_t>(std::trunc(v)); }
+
+/// Downwards: -0.1 gives -1.
+inline int floorToInt(double v) noexcept { return clampToInt<int>(std::floor(v)); }
+inline std::int64_t floorToInt64(double v) noexcept { return clampToInt<std::int64_t>(std::floor(v)); }
+
+/// To the nearest, halves upwards: 2.5 gives 3, -2.5 gives -2.
+///
+/// A negative v is moved above zero by k = trunc(v - 1) first and truncated there.
+inline double roundHalfUpReal(double v) noexcept
+{
+  if (v >= 0.0) return std::trunc(v + 0.5);
+  const double k = std::trunc(v - 1.0);
+  return k + std::trunc(v - k + 0.5);
+}
+inline int roundHalfUp(double v) noexcept { return clampToInt<int>(roundHalfUpReal(v)); }
+
+/// Adds one half and truncates towards zero: the rule of a display value, wrong for negative numbers on
+/// purpose (-0.7 gives 0).
+inline int addHalfAndTrunc(double v) noexcept { return clampToInt<int>(std::trunc(v + 0.5)); }
+
+/// To the nearest, ties to even, clamped to the range of Int: the rule of every stored voxel.
+template <class Int>
+inline Int roundHalfEven(double v) noexcept
+{
+  return clampToInt<Int>(std::nearbyint(v));
+}
+
+/// 16.16 fixed point in 64 bits, halves upwards.
+///
+/// Clamped to +-2^45 so that a start plus 65,535 steps in each of two directions stays within 64 bits.
+inline std::int64_t toFixed16(double v) noexcept
+{
+  constexpr double limit = 35184372088832.0; // 2^45
+  const double r = roundHalfUpReal(v * 65536.0);
+  if (r >= limit) return static_cast<std::int64_t>(limit);
+  if (r <= -limit) return -static_cast<std::int64_t>(limit);
+  return clampToInt<std::int64_t>(r);
+}
+
+} // namespace mc

@@ -1,0 +1,1 @@
+#include "mc/McDMatrix.h"
