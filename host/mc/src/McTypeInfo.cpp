@@ -18,8 +18,8 @@ Registry& registry()
 
 } // namespace
 
-McTypeInfo::McTypeInfo(const char* name, std::vector<const McTypeInfo*> bases, Factory create)
-  : m_name(name), m_bases(std::move(bases)), m_create(create)
+McTypeInfo::McTypeInfo(const char* name, std::vector<const McTypeInfo*> bases, Factory factory)
+  : m_name(name), m_bases(std::move(bases)), m_create(factory)
 {
   Registry& r = registry();
   const std::lock_guard lock(r.mutex);

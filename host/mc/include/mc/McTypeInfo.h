@@ -15,7 +15,7 @@ class McTypeInfo {
 public:
   using Factory = McHandable* (*)();
 
-  McTypeInfo(const char* name, std::vector<const McTypeInfo*> bases, Factory create = nullptr);
+  McTypeInfo(const char* name, std::vector<const McTypeInfo*> bases, Factory factory = nullptr);
   McTypeInfo(const McTypeInfo&) = delete;
   McTypeInfo& operator=(const McTypeInfo&) = delete;
   ~McTypeInfo();
