@@ -1,0 +1,59 @@
+#pragma once
+
+#include "io/Volume.h"
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+/// What every file format gives to the library. Private to host/io.
+namespace io {
+
+/// An open volume file whose header has been checked against the file: sizes are plausible, the data are
+/// there in full where that can be known without decoding.
+class VolumeReader {
+public:
+  virtual ~VolumeReader() = default;
+  const VolumeInfo& info() const noexcept { return m_info; }
+  /// Reads slice k (counted from 0) in the type of info().shape into dst. Slices are asked for in rising
+  /// order. Throws Error when the data are damaged or short.
+  virtual void readSlice(int k, void* dst) = 0;
+
+protected:
+  VolumeInfo m_info;
+};
+
+/// One file format; stateless.
+class Format {
+public:
+  virtual ~Format() = default;
+  virtual const char* name() const noexcept = 0;
+  /// Name endings with their dot, lower case; the longest match of all formats decides when writing.
+  virtual std::vector<std::string> endings() const = 0;
+  /// True when a file that begins like this is of this format, or its name says so and its contents do not
+  /// say otherwise.
+  virtual bool claims(const std::string& path, std::span<const std::byte> head) const = 0;
+  /// Opens a file. Nothing of the size of the volume is allocated. Throws Error.
+  virtual std::unique_ptr<VolumeReader> open(const std::string& path) const = 0;
+
+  /// Empty, or why a volume of this shape cannot be held ("MRC cannot hold 32-bit integers").
+  virtual std::string cannotHold(const ZxLatticeShape& shape) const = 0;
+  /// True when the parameters are written into the file itself; else they go into <file>.params.json.
+  virtual bool holdsParameters() const noexcept { return false; }
+  /// Writes the volume. target is the final name (for headers that name a second file); temporary is the
+  /// name to write to, in the same folder. Polls the work area between slices. Throws Error, also when the
+  /// disk is full; the caller removes what is left.
+  virtual void write(const ZxSpatialData& data, const std::string& target, const std::string& temporary) const = 0;
+};
+
+std::unique_ptr<Format> makeTiffFormat();
+std::unique_ptr<Format> makeNrrdFormat();
+std::unique_ptr<Format> makeMrcFormat();
+std::unique_ptr<Format> makeMetaImageFormat();
+std::unique_ptr<Format> makeNiftiFormat();
+/// PNG, JPEG and BMP pictures: one slice a file.
+std::unique_ptr<Format> makePictureFormat();
+
+} // namespace io

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "zx/ZxData.h"
+#include "zx/ZxPort.h"
+
+#include <string_view>
+#include <vector>
+
+/// An object with ports that reacts to their changes.
+class ZxModule : public ZxObject {
+  std::vector<ZxPort*> m_ports; // registered by the ports themselves, which are members of the module
+
+public:
+  static const McTypeInfo& getClassTypeId();
+  const McTypeInfo& getTypeId() const override { return getClassTypeId(); }
+
+  /// The primary input.
+  ZxConnection portData;
+
+  /// Runs one pass: update(), then compute() with the changed ports new, then update(). A call from inside a
+  /// pass does nothing.
+  void fire();
+  /// Sets which ports are visible and sensitive.
+  virtual void update() {}
+  /// Reacts to the ports that are new.
+  virtual void compute() {}
+
+  /// Ports in the order of their creation, portData first.
+  const std::vector<ZxPort*>& getPorts() const noexcept { return m_ports; }
+  /// The port of that name, or null.
+  ZxPort* findPort(std::string_view name) const noexcept;
+  /// Disconnects every connection to an object and, when there was one, runs a pass.
+  void forgetData(const ZxData* data);
+
+protected:
+  /// The types that the primary input accepts.
+  explicit ZxModule(std::vector<const McTypeInfo*> dataTypes);
+
+private:
+  friend class ZxPort;
+  bool m_inPass = false;
+};
+
+/// A module that makes results from its input.
+class ZxCompModule : public ZxModule {
+public:
+  static const McTypeInfo& getClassTypeId();
+  const McTypeInfo& getTypeId() const override { return getClassTypeId(); }
+
+  /// The result in a slot, or null. A result that was removed from the pool is no result any more.
+  ZxData* getResult(int slot = 0) const noexcept;
+  /// Puts a result into a slot and into the pool.
+  void setResult(int slot, ZxData* result);
+
+protected:
+  using ZxModule::ZxModule;
+
+private:
+  std::vector<McHandle<ZxData>> m_results;
+};
