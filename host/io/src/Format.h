@@ -9,11 +9,13 @@
 #include <vector>
 
 /// What every file format gives to the library. Private to host/io.
-namespace io {
+namespace io
+{
 
 /// An open volume file whose header has been checked against the file: sizes are plausible, the data are
 /// there in full where that can be known without decoding.
-class VolumeReader {
+class VolumeReader
+{
 public:
   virtual ~VolumeReader() = default;
   const VolumeInfo& info() const noexcept { return m_info; }
@@ -26,7 +28,8 @@ protected:
 };
 
 /// One file format; stateless.
-class Format {
+class Format
+{
 public:
   virtual ~Format() = default;
   virtual const char* name() const noexcept = 0;
@@ -45,7 +48,8 @@ public:
   /// Writes the volume. target is the final name (for headers that name a second file); temporary is the
   /// name to write to, in the same folder. Polls the work area between slices. Throws Error, also when the
   /// disk is full; the caller removes what is left.
-  virtual void write(const ZxSpatialData& data, const std::string& target, const std::string& temporary) const = 0;
+  virtual void write(const ZxSpatialData& data, const std::string& target,
+                     const std::string& temporary) const = 0;
 };
 
 std::unique_ptr<Format> makeTiffFormat();

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <mutex>
 
-namespace {
+namespace
+{
 
 struct Registry {
   std::mutex mutex;

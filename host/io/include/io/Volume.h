@@ -8,16 +8,19 @@
 
 /// Reading and writing volumes. Everything here throws io::Error (io::Interrupted when the work area was
 /// interrupted) and reports its progress to the current work area when a working phase is on.
-namespace io {
+namespace io
+{
 
 /// What is known of a volume before its voxels are read.
 struct VolumeInfo {
-  std::string format;          ///< "TIFF", "NRRD", "MRC", "MetaImage", "NIfTI", "PNG" ...; of a sequence that of its slices
-  ZxLatticeShape shape;        ///< as it will be in memory
-  std::string storedType;      ///< as the file says, e.g. "int8", "RGB uint8"
-  ZxFileGeometry geometry;     ///< voxel size, origin, unit
-  ZxParamBundle parameters;    ///< that travel with the file
-  std::vector<std::string> remarks; ///< what a user should know, one sentence each: "... holds 2 volumes, the first one is read."
+  std::string
+      format; ///< "TIFF", "NRRD", "MRC", "MetaImage", "NIfTI", "PNG" ...; of a sequence that of its slices
+  ZxLatticeShape shape;     ///< as it will be in memory
+  std::string storedType;   ///< as the file says, e.g. "int8", "RGB uint8"
+  ZxFileGeometry geometry;  ///< voxel size, origin, unit
+  ZxParamBundle parameters; ///< that travel with the file
+  std::vector<std::string>
+      remarks; ///< what a user should know, one sentence each: "... holds 2 volumes, the first one is read."
 };
 
 /// What to do with slices of unequal size in a sequence.
@@ -36,7 +39,8 @@ VolumeInfo readInfo(const std::vector<std::string>& inputs, const ReadOptions& o
 McHandle<ZxField3> readVolume(const std::vector<std::string>& inputs, const ReadOptions& options = {});
 
 /// Reads a label field: one integer per voxel of 8, 16 or 32 bits; other types are refused.
-McHandle<ZxUniformLabelField3> readLabels(const std::vector<std::string>& inputs, const ReadOptions& options = {});
+McHandle<ZxUniformLabelField3> readLabels(const std::vector<std::string>& inputs,
+                                          const ReadOptions& options = {});
 
 /// Writes a volume with its parameters in the format of the name: .tif .tiff .nrrd .nhdr .mrc .mha .mhd .nii
 /// .nii.gz; a name with a number pattern (aligned_%04d.tif) or one that ends in '/' gives one file a slice.

@@ -4,7 +4,8 @@
 
 /// Dense matrix of rows x columns values, row-major.
 template <class T>
-class McDMatrix {
+class McDMatrix
+{
 public:
   McDMatrix() = default;
   McDMatrix(int rows, int columns) { resize(rows, columns); }

@@ -6,7 +6,8 @@
 ///
 /// The double versions of the C library differ in the last bit with and without fused multiply-add. These are
 /// computed in long double and narrowed.
-namespace mc {
+namespace mc
+{
 
 inline constexpr double kPi = 3.14159265358979323846;
 
@@ -31,10 +32,18 @@ inline void sinCosDegrees(double degrees, double& sine, double& cosine) noexcept
   const double c = static_cast<double>(std::cos(a));
   // remquo gives the low bits of the quotient with its sign; & 3 is the quadrant for negative ones, too.
   switch (quarter & 3) {
-  case 0: sine = s, cosine = c; break;
-  case 1: sine = c, cosine = -s; break;
-  case 2: sine = -s, cosine = -c; break;
-  default: sine = -c, cosine = s; break;
+  case 0:
+    sine = s, cosine = c;
+    break;
+  case 1:
+    sine = c, cosine = -s;
+    break;
+  case 2:
+    sine = -s, cosine = -c;
+    break;
+  default:
+    sine = -c, cosine = s;
+    break;
   }
 }
 

@@ -8,7 +8,8 @@
 ///
 /// Every rule has a name, so that a reader sees which one a formula uses. All of them give 0 for NaN and
 /// clamp to the range of the result, so no value of a script or a damaged file can cause undefined behaviour.
-namespace mc {
+namespace mc
+{
 
 /// Clamps an already integral value to the range of Int and converts it.
 template <class Int>
@@ -16,8 +17,10 @@ constexpr Int clampToInt(double integral) noexcept
 {
   if (!(integral == integral)) return 0;
   // The double nearest to the largest 64-bit value lies above it, hence >=.
-  if (integral >= static_cast<double>(std::numeric_limits<Int>::max())) return std::numeric_limits<Int>::max();
-  if (integral <= static_cast<double>(std::numeric_limits<Int>::min())) return std::numeric_limits<Int>::min();
+  if (integral >= static_cast<double>(std::numeric_limits<Int>::max()))
+    return std::numeric_limits<Int>::max();
+  if (integral <= static_cast<double>(std::numeric_limits<Int>::min()))
+    return std::numeric_limits<Int>::min();
   return static_cast<Int>(integral);
 }
 

@@ -28,15 +28,16 @@ struct ZxLatticeShape {
 /// A volume of voxels on a regular grid, with its bounding box. Slice 0 is the first, row 0 the top one.
 ///
 /// Not thread-safe: who shares it between threads holds a lock around every read.
-class ZxLattice {
+class ZxLattice
+{
 public:
   ZxLattice(const ZxLatticeShape& shape, std::unique_ptr<ZxVoxelSource> source);
   virtual ~ZxLattice();
   ZxLattice(const ZxLattice&) = delete;
   ZxLattice& operator=(const ZxLattice&) = delete;
 
-  /// Voxels in memory, all 0, for a lattice of the given shape. Null when it has no voxels, its size overflows
-  /// or it does not fit into the memory that is free.
+  /// Voxels in memory, all 0, for a lattice of the given shape. Null when it has no voxels, its size
+  /// overflows or it does not fit into the memory that is free.
   static std::unique_ptr<ZxVoxelSource> createMemory(const ZxLatticeShape& shape);
 
   const ZxLatticeShape& shape() const noexcept { return m_shape; }
@@ -69,7 +70,8 @@ private:
 };
 
 /// A lattice of grey or colour values.
-class ZxLattice3 : public ZxLattice {
+class ZxLattice3 : public ZxLattice
+{
 public:
   using ZxLattice::ZxLattice;
   /// A lattice in memory with all voxels 0 and the unit box (one unit per voxel), or null (createMemory()).
@@ -77,7 +79,8 @@ public:
 };
 
 /// A lattice of labels: one integer of 8, 16 or 32 bits per voxel, 0 meaning no label.
-class ZxLabelLattice : public ZxLattice {
+class ZxLabelLattice : public ZxLattice
+{
 public:
   using ZxLattice::ZxLattice;
   /// True for the types that a label can have.
@@ -85,7 +88,8 @@ public:
 };
 
 /// A three-dimensional label lattice.
-class ZxLabelLattice3 : public ZxLabelLattice {
+class ZxLabelLattice3 : public ZxLabelLattice
+{
 public:
   using ZxLabelLattice::ZxLabelLattice;
   /// Like ZxLattice3::create(); null also for a shape that is no label's.

@@ -3,7 +3,8 @@
 #include <mutex>
 
 /// A mutual exclusion; not recursive.
-class ZxMutex {
+class ZxMutex
+{
 public:
   void lock() { m_mutex.lock(); }
   void unlock() { m_mutex.unlock(); }

@@ -8,7 +8,8 @@
 
 /// Named parameters of a data object: integers, reals, strings and further bundles, in the order in which
 /// they were set. Names match without regard to (ASCII) case; the spelling of the first set() stays.
-class ZxParamBundle {
+class ZxParamBundle
+{
 public:
   using Ints = std::vector<int>;
   using Reals = std::vector<double>;

@@ -12,7 +12,8 @@ class ZxModule;
 ///
 /// Setting a port to the value that it has is not a change. A changed port is new to the next compute() pass
 /// of its module; what a pass writes itself is not new to anyone and starts no further pass.
-class ZxPort {
+class ZxPort
+{
 public:
   ZxPort(ZxModule* owner, const char* name, const char* label);
   virtual ~ZxPort();
@@ -51,7 +52,8 @@ private:
 };
 
 /// Connects a module to a data object of one of the accepted types. Holds a handle to its source.
-class ZxConnection : public ZxPort {
+class ZxConnection : public ZxPort
+{
 public:
   ZxConnection(ZxModule* owner, const char* name, std::vector<const McTypeInfo*> accepted);
 
@@ -72,7 +74,8 @@ private:
 };
 
 /// A row of float fields.
-class ZxPortFloatTextN : public ZxPort {
+class ZxPortFloatTextN : public ZxPort
+{
 public:
   struct Field {
     std::string label;
@@ -80,7 +83,10 @@ public:
   };
   ZxPortFloatTextN(ZxModule* owner, const char* name, const char* label, std::vector<Field> fields);
   int getNum() const noexcept { return static_cast<int>(m_fields.size()); }
-  const std::string& getFieldLabel(int i) const noexcept { return m_fields[static_cast<std::size_t>(i)].label; }
+  const std::string& getFieldLabel(int i) const noexcept
+  {
+    return m_fields[static_cast<std::size_t>(i)].label;
+  }
   float getValue(int i) const noexcept { return m_fields[static_cast<std::size_t>(i)].value; }
   void setValue(int i, float value);
 
@@ -89,7 +95,8 @@ private:
 };
 
 /// A choice of one entry.
-class ZxPortMultiMenu : public ZxPort {
+class ZxPortMultiMenu : public ZxPort
+{
 public:
   ZxPortMultiMenu(ZxModule* owner, const char* name, const char* label, std::vector<std::string> entries,
                   int index);
@@ -104,11 +111,15 @@ private:
 };
 
 /// A row of buttons. A press lasts for one compute() pass.
-class ZxPortButtonList : public ZxPort {
+class ZxPortButtonList : public ZxPort
+{
 public:
   ZxPortButtonList(ZxModule* owner, const char* name, const char* label, std::vector<std::string> buttons);
   int getNum() const noexcept { return static_cast<int>(m_buttons.size()); }
-  const std::string& getButtonLabel(int i) const noexcept { return m_buttons[static_cast<std::size_t>(i)].label; }
+  const std::string& getButtonLabel(int i) const noexcept
+  {
+    return m_buttons[static_cast<std::size_t>(i)].label;
+  }
   void setButtonLabel(int i, const char* label) { m_buttons[static_cast<std::size_t>(i)].label = label; }
   bool isButtonSensitive(int i) const noexcept { return m_buttons[static_cast<std::size_t>(i)].sensitive; }
   void setButtonSensitive(int i, bool on) { m_buttons[static_cast<std::size_t>(i)].sensitive = on; }

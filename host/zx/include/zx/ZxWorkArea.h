@@ -6,7 +6,8 @@
 ///
 /// There is one current work area, set by the program. Working phases do not nest: startWorking() inside a
 /// phase goes on with that phase, and stopWorking() ends it.
-class ZxWorkArea {
+class ZxWorkArea
+{
 public:
   virtual ~ZxWorkArea();
 

@@ -1,0 +1,66 @@
+#include "zx/ZxModule.h"
+
+#include "zx/ZxObjectPool.h"
+
+#include <algorithm>
+
+const McTypeInfo& ZxModule::getClassTypeId()
+{
+  static const McTypeInfo type("ZxModule", {&ZxObject::getClassTypeId()});
+  return type;
+}
+
+ZxModule::ZxModule(std::vector<const McTypeInfo*> dataTypes) : portData(this, "data", std::move(dataTypes)) {}
+
+void ZxModule::fire()
+{
+  if (m_inPass) return;
+  const McHandle<ZxModule> alive(this); // A pass may remove the module from the pool.
+  m_inPass = true;
+  update();
+  for (ZxPort* p : m_ports) p->beginPass();
+  compute();
+  for (ZxPort* p : m_ports) p->endPass();
+  update();
+  m_inPass = false;
+}
+
+ZxPort* ZxModule::findPort(std::string_view name) const noexcept
+{
+  const auto it =
+      std::find_if(m_ports.begin(), m_ports.end(), [&](const ZxPort* p) { return p->getName() == name; });
+  return it == m_ports.end() ? nullptr : *it;
+}
+
+void ZxModule::forgetData(const ZxData* data)
+{
+  bool found = false;
+  for (ZxPort* p : m_ports) {
+    auto* connection = dynamic_cast<ZxConnection*>(p);
+    if (!connection || !data || connection->getSource() != data) continue;
+    connection->disconnect();
+    found = true;
+  }
+  if (found) fire();
+}
+
+const McTypeInfo& ZxCompModule::getClassTypeId()
+{
+  static const McTypeInfo type("ZxCompModule", {&ZxModule::getClassTypeId()});
+  return type;
+}
+
+ZxData* ZxCompModule::getResult(int slot) const noexcept
+{
+  const auto i = static_cast<std::size_t>(slot);
+  if (i >= m_results.size() || !ZxObjectPool::getThePool().contains(m_results[i].get())) return nullptr;
+  return m_results[i].get();
+}
+
+void ZxCompModule::setResult(int slot, ZxData* result)
+{
+  const auto i = static_cast<std::size_t>(slot);
+  if (i >= m_results.size()) m_results.resize(i + 1);
+  m_results[i] = McHandle<ZxData>(result);
+  if (result) ZxObjectPool::getThePool().add(result);
+}

@@ -1,0 +1,61 @@
+#include "zx/ZxObjectPool.h"
+
+#include "zx/ZxModule.h"
+
+#include <algorithm>
+
+ZxObjectPool& ZxObjectPool::getThePool()
+{
+  static ZxObjectPool instance;
+  return instance;
+}
+
+void ZxObjectPool::add(ZxObject* object)
+{
+  if (!object || contains(object)) return;
+  const std::string base = object->getLabel().str();
+  for (int n = 2; find(object->getLabel().str()); ++n)
+    object->setLabel(McString(base + " (" + std::to_string(n) + ")"));
+  m_objects.emplace_back(object);
+}
+
+void ZxObjectPool::remove(ZxObject* object)
+{
+  const McHandle<ZxObject> alive(object);
+  std::erase(m_objects, alive);
+  const auto* data = dynamic_cast<ZxData*>(object);
+  if (!data) return;
+  const std::vector<McHandle<ZxObject>> others = m_objects; // A pass may change the pool.
+  for (const McHandle<ZxObject>& o : others)
+    if (auto* module = dynamic_cast<ZxModule*>(o.get())) module->forgetData(data);
+}
+
+void ZxObjectPool::clear()
+{
+  std::erase_if(m_objects,
+                [](const McHandle<ZxObject>& o) { return dynamic_cast<ZxModule*>(o.get()) != nullptr; });
+  m_objects.clear();
+}
+
+bool ZxObjectPool::contains(const ZxObject* object) const noexcept
+{
+  return object &&
+         std::any_of(m_objects.begin(), m_objects.end(), [&](const auto& o) { return o.get() == object; });
+}
+
+ZxObject* ZxObjectPool::find(std::string_view label) const noexcept
+{
+  const auto it = std::find_if(m_objects.begin(), m_objects.end(),
+                               [&](const auto& o) { return o->getLabel().str() == label; });
+  return it == m_objects.end() ? nullptr : it->get();
+}
+
+ZxObject* ZxObjectPool::create(std::string_view typeName)
+{
+  const McTypeInfo* type = McTypeInfo::find(typeName);
+  auto* object = type ? dynamic_cast<ZxObject*>(type->create()) : nullptr;
+  if (!object) return nullptr;
+  if (object->getLabel().isEmpty()) object->setLabel(McString(std::string(typeName)));
+  add(object);
+  return object;
+}
