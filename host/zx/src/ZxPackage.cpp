@@ -2,6 +2,7 @@
 
 #include "zx/ZxDSO.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <set>

@@ -1,6 +1,7 @@
 #include "zx/ZxParamBundle.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
