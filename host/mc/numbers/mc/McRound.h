@@ -8,8 +8,7 @@
 ///
 /// Every rule has a name, so that a reader sees which one a formula uses. All of them give 0 for NaN and
 /// clamp to the range of the result, so no value of a script or a damaged file can cause undefined behaviour.
-namespace mc
-{
+namespace mc {
 
 /// Clamps a value to the range of Int and converts it; a fraction is cut off.
 template <class Int>
