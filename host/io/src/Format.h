@@ -9,13 +9,11 @@
 #include <vector>
 
 /// What every file format gives to the library. Private to host/io.
-namespace io
-{
+namespace io {
 
 /// An open volume file whose header has been checked against the file: sizes are plausible, the data are
 /// there in full where that can be known without decoding.
-class VolumeReader
-{
+class VolumeReader {
 public:
   virtual ~VolumeReader() = default;
   const VolumeInfo& info() const noexcept { return m_info; }
@@ -28,8 +26,7 @@ protected:
 };
 
 /// One file format; stateless.
-class Format
-{
+class Format {
 public:
   virtual ~Format() = default;
   virtual const char* name() const noexcept = 0;

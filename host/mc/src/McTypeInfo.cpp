@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <mutex>
 
-namespace
-{
+namespace {
 
 struct Registry {
   std::mutex mutex;

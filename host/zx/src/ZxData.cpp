@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace
-{
+namespace {
 
 /// Keeps what the exact numbers of the file say as long as the box agrees with them; a box that someone has
 /// changed wins.

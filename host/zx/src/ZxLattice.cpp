@@ -8,8 +8,7 @@
 #include <limits>
 #include <vector>
 
-namespace
-{
+namespace {
 
 /// Widens [min, max] to the values of a run; NaN fails both comparisons.
 template <class T>

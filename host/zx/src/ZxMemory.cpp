@@ -8,8 +8,7 @@
 #include <limits>
 #include <string>
 
-namespace
-{
+namespace {
 
 /// The number of a line like "MemAvailable:   123 kB" of a file of /proc, in bytes; 0 when there is none.
 std::uint64_t kilobytesOf(const char* file, const std::string& key)

@@ -5,8 +5,7 @@
 #include <memory>
 
 /// Voxels in one block of memory, slice after slice.
-class ZxMemoryVoxels : public ZxVoxelSource
-{
+class ZxMemoryVoxels : public ZxVoxelSource {
 public:
   /// Takes over a block of shape.bytes() bytes.
   ZxMemoryVoxels(const ZxLatticeShape& shape, std::unique_ptr<std::byte[], void (*)(void*)> bytes);

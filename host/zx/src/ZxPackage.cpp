@@ -10,8 +10,7 @@
 
 namespace fs = std::filesystem;
 
-namespace
-{
+namespace {
 
 /// Where packages may lie, in order.
 std::vector<fs::path> packageFolders()

@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace
-{
+namespace {
 
 constexpr char lower(char c) noexcept { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
@@ -104,4 +103,9 @@ ZxParamBundle* ZxParamBundle::getBundle(std::string_view name)
 bool ZxParamBundle::remove(std::string_view name)
 {
   return std::erase_if(m_entries, [&](const Entry& e) { return sameName(e.name, name); }) > 0;
+}
+
+void ZxParamBundle::merge(const ZxParamBundle& other)
+{
+  for (const Entry& e : other.m_entries) set(e.name, copyOf(e.value));
 }

@@ -8,8 +8,7 @@
 #include <csignal>
 #include <cstdio>
 
-namespace
-{
+namespace {
 
 volatile std::sig_atomic_t interrupted = 0;
 

@@ -4,8 +4,7 @@
 
 #include <algorithm>
 
-namespace
-{
+namespace {
 
 ZxWorkArea& silent()
 {
@@ -66,4 +65,14 @@ bool ZxWorkArea::wasInterrupted(int processEvents)
 {
   if (processEvents) processPendingEvents();
   return interruptRequested();
+}
+
+ZxWorkingPhase::ZxWorkingPhase(const char* message) : m_started(!ZxWorkArea::getTheWorkArea()->isWorking())
+{
+  if (m_started) ZxWorkArea::getTheWorkArea()->startWorking(message);
+}
+
+ZxWorkingPhase::~ZxWorkingPhase()
+{
+  if (m_started) ZxWorkArea::getTheWorkArea()->stopWorking();
 }

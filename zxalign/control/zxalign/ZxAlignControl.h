@@ -50,8 +50,7 @@ struct ZxAlignSetting {
   const char* help;         ///< one sentence
 };
 
-class ZxAlignControl
-{
+class ZxAlignControl {
 public:
   virtual ~ZxAlignControl() = default;
 

@@ -8,8 +8,7 @@
 
 /// Reading and writing volumes. Everything here throws io::Error (io::Interrupted when the work area was
 /// interrupted) and reports its progress to the current work area when a working phase is on.
-namespace io
-{
+namespace io {
 
 /// What is known of a volume before its voxels are read.
 struct VolumeInfo {

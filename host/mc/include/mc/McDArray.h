@@ -10,8 +10,7 @@
 ///
 /// Growing keeps the elements and takes at least 1.5 times the old capacity, so that appending is cheap.
 template <class T>
-class McDArray
-{
+class McDArray {
 public:
   McDArray() = default;
   explicit McDArray(std::size_t n) : m_items(n) {}

@@ -4,8 +4,7 @@
 
 /// Dense matrix of rows x columns values, row-major.
 template <class T>
-class McDMatrix
-{
+class McDMatrix {
 public:
   McDMatrix() = default;
   McDMatrix(int rows, int columns) { resize(rows, columns); }

@@ -6,8 +6,7 @@
 /// Base of objects that are shared through counted handles (McHandle). Not copyable.
 ///
 /// The counter is atomic; the object itself is not thread-safe by that.
-class McHandable
-{
+class McHandable {
 public:
   McHandable() = default;
   McHandable(const McHandable&) = delete;
@@ -34,8 +33,7 @@ private:
 
 /// Counted handle to a McHandable; empty when default constructed.
 template <class T>
-class McHandle
-{
+class McHandle {
 public:
   McHandle() = default;
   McHandle(T* object) noexcept : m_object(object)

@@ -8,8 +8,7 @@
 ///
 /// The bin of v is floor((v - lo) / (hi - lo) * bins), computed in double; values outside the range and NaN
 /// are not counted, and v == hi belongs to the last bin.
-class McHistogram
-{
+class McHistogram {
 public:
   /// A histogram without a bin when bins <= 0 or hi <= lo.
   McHistogram(double lo, double hi, std::int64_t bins);

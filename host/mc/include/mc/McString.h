@@ -4,8 +4,7 @@
 #include <string_view>
 
 /// A string of bytes (UTF-8 by convention). Owns its characters.
-class McString
-{
+class McString {
 public:
   McString() = default;
   McString(const char* text) : m_text(text ? text : "") {}

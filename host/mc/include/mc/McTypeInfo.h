@@ -11,8 +11,7 @@ class McHandable;
 ///
 /// Records are registered for the life of the process when they are constructed; names are unique. Classes
 /// keep their record in a function-local static, which makes its creation happen once and thread-safe.
-class McTypeInfo
-{
+class McTypeInfo {
 public:
   using Factory = McHandable* (*)();
 

@@ -6,8 +6,7 @@
 ///
 /// The double versions of the C library differ in the last bit with and without fused multiply-add. These are
 /// computed in long double and narrowed.
-namespace mc
-{
+namespace mc {
 
 inline constexpr double kPi = 3.14159265358979323846;
 

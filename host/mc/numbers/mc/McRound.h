@@ -8,25 +8,31 @@
 ///
 /// Every rule has a name, so that a reader sees which one a formula uses. All of them give 0 for NaN and
 /// clamp to the range of the result, so no value of a script or a damaged file can cause undefined behaviour.
-namespace mc
-{
+namespace mc {
 
-/// Clamps an already integral value to the range of Int and converts it.
+/// Clamps a value to the range of Int and converts it; a fraction is cut off.
 template <class Int>
-constexpr Int clampToInt(double integral) noexcept
+constexpr Int clampToInt(double v) noexcept
 {
-  if (!(integral == integral)) return 0;
+  if (!(v == v)) return 0;
   // The double nearest to the largest 64-bit value lies above it, hence >=.
-  if (integral >= static_cast<double>(std::numeric_limits<Int>::max()))
-    return std::numeric_limits<Int>::max();
-  if (integral <= static_cast<double>(std::numeric_limits<Int>::min()))
-    return std::numeric_limits<Int>::min();
-  return static_cast<Int>(integral);
+  if (v >= static_cast<double>(std::numeric_limits<Int>::max())) return std::numeric_limits<Int>::max();
+  if (v <= static_cast<double>(std::numeric_limits<Int>::min())) return std::numeric_limits<Int>::min();
+  return static_cast<Int>(v);
 }
 
-/// Towards zero: 1.9 and -1.9 give 1 and -1.
-inline int truncToInt(double v) noexcept { return clampToInt<int>(std::trunc(v)); }
-inline std::int64_t truncToInt64(double v) noexcept { return clampToInt<std::int64_t>(std::trunc(v)); }
+/// Towards zero: 1.9 and -1.9 give 1 and -1. The conversion of the language truncates by itself.
+inline int truncToInt(double v) noexcept { return clampToInt<int>(v); }
+inline std::int64_t truncToInt64(double v) noexcept { return clampToInt<std::int64_t>(v); }
+
+/// Towards zero, clamped to 0 ... 255: the last step to a display value. Written without branches, so that
+/// loops over pixels become vector code.
+inline std::uint8_t truncToByte(float v) noexcept
+{
+  const float notNegative = v > 0.0f ? v : 0.0f; // also for NaN
+  const float clamped = notNegative < 255.0f ? notNegative : 255.0f;
+  return static_cast<std::uint8_t>(static_cast<int>(clamped));
+}
 
 /// Downwards: -0.1 gives -1.
 inline int floorToInt(double v) noexcept { return clampToInt<int>(std::floor(v)); }
@@ -51,7 +57,16 @@ inline int addHalfAndTrunc(double v) noexcept { return clampToInt<int>(std::trun
 template <class Int>
 inline Int roundHalfEven(double v) noexcept
 {
-  return clampToInt<Int>(std::nearbyint(v));
+  if constexpr (sizeof(Int) > 4) {
+    return clampToInt<Int>(std::nearbyint(v));
+  } else {
+    // At 1.5 * 2^52 neighbouring doubles are 1 apart, so the sum is rounded as wanted, without a call.
+    constexpr double ones = 6755399441055744.0;
+    constexpr double low = std::numeric_limits<Int>::min();
+    constexpr double high = std::numeric_limits<Int>::max();
+    const double clamped = v > high ? high : v < low ? low : v;
+    return v == v ? static_cast<Int>((clamped + ones) - ones) : Int{0};
+  }
 }
 
 /// 16.16 fixed point in 64 bits, halves upwards.

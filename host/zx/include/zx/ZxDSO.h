@@ -7,8 +7,7 @@ class QLibrary;
 
 /// Loads a shared library and finds symbols in it. Libraries stay loaded for the life of the process: they
 /// may have registered classes, and libraries with toolkit code cannot be unloaded safely.
-class ZxDSO
-{
+class ZxDSO {
 public:
   ZxDSO();
   ~ZxDSO();

@@ -8,8 +8,7 @@
 #include <string>
 
 /// A data object: something that modules read, with a bundle of parameters that is saved with it.
-class ZxData : public ZxObject
-{
+class ZxData : public ZxObject {
 public:
   static const McTypeInfo& getClassTypeId();
   const McTypeInfo& getTypeId() const override { return getClassTypeId(); }
@@ -32,8 +31,7 @@ private:
 };
 
 /// Data in space. Where it is a volume on a grid it gives its lattice.
-class ZxSpatialData : public ZxData
-{
+class ZxSpatialData : public ZxData {
 public:
   static const McTypeInfo& getClassTypeId();
   const McTypeInfo& getTypeId() const override { return getClassTypeId(); }

@@ -5,22 +5,19 @@
 #include <memory>
 
 /// The interface type "lattice": whatever gives a ZxLattice derives its type record from this one.
-class ZxLatticeInterface
-{
+class ZxLatticeInterface {
 public:
   static const McTypeInfo& getClassTypeId();
 };
 
 /// The interface type "label lattice": its lattice is a ZxLabelLattice.
-class ZxLabelLatticeInterface
-{
+class ZxLabelLatticeInterface {
 public:
   static const McTypeInfo& getClassTypeId();
 };
 
 /// A field on a three-dimensional grid. Owns its lattice, which is never null.
-class ZxField3 : public ZxSpatialData
-{
+class ZxField3 : public ZxSpatialData {
 public:
   static const McTypeInfo& getClassTypeId();
   const McTypeInfo& getTypeId() const override { return getClassTypeId(); }
@@ -36,8 +33,7 @@ private:
 };
 
 /// A field of one (or several) scalar values per voxel, equally spaced.
-class ZxRegScalarField3 : public ZxField3
-{
+class ZxRegScalarField3 : public ZxField3 {
 public:
   using ZxField3::ZxField3;
   static const McTypeInfo& getClassTypeId();
@@ -45,8 +41,7 @@ public:
 };
 
 /// A field of scalars whose slices lie at positions of their own.
-class ZxStackedScalarField3 : public ZxField3
-{
+class ZxStackedScalarField3 : public ZxField3 {
 public:
   using ZxField3::ZxField3;
   static const McTypeInfo& getClassTypeId();
@@ -54,8 +49,7 @@ public:
 };
 
 /// A field of colours: four values of 8 bits per voxel.
-class ZxUniformColorField3 : public ZxField3
-{
+class ZxUniformColorField3 : public ZxField3 {
 public:
   using ZxField3::ZxField3;
   static const McTypeInfo& getClassTypeId();
@@ -63,8 +57,7 @@ public:
 };
 
 /// A volume whose voxels stay in a file and are read slice by slice.
-class ZxExternalData : public ZxField3
-{
+class ZxExternalData : public ZxField3 {
 public:
   using ZxField3::ZxField3;
   static const McTypeInfo& getClassTypeId();
@@ -72,8 +65,7 @@ public:
 };
 
 /// A field of labels. Owns its lattice, which is never null.
-class ZxUniformLabelField3 : public ZxSpatialData
-{
+class ZxUniformLabelField3 : public ZxSpatialData {
 public:
   static const McTypeInfo& getClassTypeId();
   const McTypeInfo& getTypeId() const override { return getClassTypeId(); }

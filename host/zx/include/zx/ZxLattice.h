@@ -28,8 +28,7 @@ struct ZxLatticeShape {
 /// A volume of voxels on a regular grid, with its bounding box. Slice 0 is the first, row 0 the top one.
 ///
 /// Not thread-safe: who shares it between threads holds a lock around every read.
-class ZxLattice
-{
+class ZxLattice {
 public:
   ZxLattice(const ZxLatticeShape& shape, std::unique_ptr<ZxVoxelSource> source);
   virtual ~ZxLattice();
@@ -70,8 +69,7 @@ private:
 };
 
 /// A lattice of grey or colour values.
-class ZxLattice3 : public ZxLattice
-{
+class ZxLattice3 : public ZxLattice {
 public:
   using ZxLattice::ZxLattice;
   /// A lattice in memory with all voxels 0 and the unit box (one unit per voxel), or null (createMemory()).
@@ -79,8 +77,7 @@ public:
 };
 
 /// A lattice of labels: one integer of 8, 16 or 32 bits per voxel, 0 meaning no label.
-class ZxLabelLattice : public ZxLattice
-{
+class ZxLabelLattice : public ZxLattice {
 public:
   using ZxLattice::ZxLattice;
   /// True for the types that a label can have.
@@ -88,8 +85,7 @@ public:
 };
 
 /// A three-dimensional label lattice.
-class ZxLabelLattice3 : public ZxLabelLattice
-{
+class ZxLabelLattice3 : public ZxLabelLattice {
 public:
   using ZxLabelLattice::ZxLabelLattice;
   /// Like ZxLattice3::create(); null also for a shape that is no label's.

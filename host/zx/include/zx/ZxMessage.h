@@ -6,8 +6,7 @@
 /// The message console: one line per message, for the person at the program.
 ///
 /// The programs decide where lines go (a window, standard error, a recorder in tests) by setting a sink.
-class ZxMessage
-{
+class ZxMessage {
 public:
   using Sink = std::function<void(const std::string& line)>;
 

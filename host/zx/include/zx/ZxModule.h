@@ -7,8 +7,7 @@
 #include <vector>
 
 /// An object with ports that reacts to their changes.
-class ZxModule : public ZxObject
-{
+class ZxModule : public ZxObject {
   std::vector<ZxPort*> m_ports; // registered by the ports themselves, which are members of the module
 
 public:
@@ -43,8 +42,7 @@ private:
 };
 
 /// A module that makes results from its input.
-class ZxCompModule : public ZxModule
-{
+class ZxCompModule : public ZxModule {
 public:
   static const McTypeInfo& getClassTypeId();
   const McTypeInfo& getTypeId() const override { return getClassTypeId(); }

@@ -3,8 +3,7 @@
 #include <mutex>
 
 /// A mutual exclusion; not recursive.
-class ZxMutex
-{
+class ZxMutex {
 public:
   void lock() { m_mutex.lock(); }
   void unlock() { m_mutex.unlock(); }

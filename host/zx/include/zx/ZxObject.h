@@ -5,8 +5,7 @@
 #include "mc/McTypeInfo.h"
 
 /// Everything that the object pool can hold: data and modules. Owned by handles.
-class ZxObject : public McHandable
-{
+class ZxObject : public McHandable {
 public:
   static const McTypeInfo& getClassTypeId();
   virtual const McTypeInfo& getTypeId() const { return getClassTypeId(); }

@@ -6,8 +6,7 @@
 #include <vector>
 
 /// The objects of a session, in the order in which they were added. Owns them through handles.
-class ZxObjectPool
-{
+class ZxObjectPool {
 public:
   static ZxObjectPool& getThePool();
 

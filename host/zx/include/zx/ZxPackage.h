@@ -7,8 +7,7 @@
 inline constexpr int kZxBuildId = 1;
 
 /// Loads packages: shared libraries that register classes with the type system.
-class ZxPackage
-{
+class ZxPackage {
 public:
   /// Loads the package of that name and calls its entry point `orvelpackage_<name>_init`. Loading it again
   /// does nothing. Looks in the folders of the environment variable ZX_PACKAGE_PATH (separated by ':'), then

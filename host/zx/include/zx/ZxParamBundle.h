@@ -8,8 +8,7 @@
 
 /// Named parameters of a data object: integers, reals, strings and further bundles, in the order in which
 /// they were set. Names match without regard to (ASCII) case; the spelling of the first set() stays.
-class ZxParamBundle
-{
+class ZxParamBundle {
 public:
   using Ints = std::vector<int>;
   using Reals = std::vector<double>;
@@ -46,6 +45,8 @@ public:
   const std::vector<Entry>& entries() const noexcept { return m_entries; }
   int getNumEntries() const noexcept { return static_cast<int>(m_entries.size()); }
   bool remove(std::string_view name);
+  /// Copies every entry of another bundle into this one, replacing entries of the same name.
+  void merge(const ZxParamBundle& other);
   void removeAll() noexcept { m_entries.clear(); }
 
 private:

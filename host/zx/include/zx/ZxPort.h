@@ -12,8 +12,7 @@ class ZxModule;
 ///
 /// Setting a port to the value that it has is not a change. A changed port is new to the next compute() pass
 /// of its module; what a pass writes itself is not new to anyone and starts no further pass.
-class ZxPort
-{
+class ZxPort {
 public:
   ZxPort(ZxModule* owner, const char* name, const char* label);
   virtual ~ZxPort();
@@ -52,8 +51,7 @@ private:
 };
 
 /// Connects a module to a data object of one of the accepted types. Holds a handle to its source.
-class ZxConnection : public ZxPort
-{
+class ZxConnection : public ZxPort {
 public:
   ZxConnection(ZxModule* owner, const char* name, std::vector<const McTypeInfo*> accepted);
 
@@ -74,8 +72,7 @@ private:
 };
 
 /// A row of float fields.
-class ZxPortFloatTextN : public ZxPort
-{
+class ZxPortFloatTextN : public ZxPort {
 public:
   struct Field {
     std::string label;
@@ -95,8 +92,7 @@ private:
 };
 
 /// A choice of one entry.
-class ZxPortMultiMenu : public ZxPort
-{
+class ZxPortMultiMenu : public ZxPort {
 public:
   ZxPortMultiMenu(ZxModule* owner, const char* name, const char* label, std::vector<std::string> entries,
                   int index);
@@ -111,8 +107,7 @@ private:
 };
 
 /// A row of buttons. A press lasts for one compute() pass.
-class ZxPortButtonList : public ZxPort
-{
+class ZxPortButtonList : public ZxPort {
 public:
   ZxPortButtonList(ZxModule* owner, const char* name, const char* label, std::vector<std::string> buttons);
   int getNum() const noexcept { return static_cast<int>(m_buttons.size()); }

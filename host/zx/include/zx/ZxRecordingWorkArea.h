@@ -6,8 +6,7 @@
 #include <vector>
 
 /// Work area for tests: records what is shown and interrupts where it is told to.
-class ZxRecordingWorkArea : public ZxWorkArea
-{
+class ZxRecordingWorkArea : public ZxWorkArea {
 public:
   /// Makes itself the current work area until it is destroyed.
   ZxRecordingWorkArea() { setTheWorkArea(this); }

@@ -9,8 +9,7 @@
 ///
 /// Ctrl+C is the interruption. The first one asks the work to stop; a second one ends the program at once,
 /// as it would without this object. One such object at a time.
-class ZxTerminalWorkArea : public ZxWorkArea
-{
+class ZxTerminalWorkArea : public ZxWorkArea {
 public:
   enum class Display { WhenTerminal, Never };
   explicit ZxTerminalWorkArea(Display display = Display::WhenTerminal);

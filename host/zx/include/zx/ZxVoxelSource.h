@@ -8,8 +8,7 @@
 /// stand in for one in memory.
 ///
 /// A slice is height rows of width voxels; a voxel is its data values side by side in native byte order.
-class ZxVoxelSource
-{
+class ZxVoxelSource {
 public:
   virtual ~ZxVoxelSource() = default;
 

@@ -6,8 +6,7 @@
 ///
 /// There is one current work area, set by the program. Working phases do not nest: startWorking() inside a
 /// phase goes on with that phase, and stopWorking() ends it.
-class ZxWorkArea
-{
+class ZxWorkArea {
 public:
   virtual ~ZxWorkArea();
 
@@ -50,4 +49,17 @@ private:
   float m_fraction = 0.0f;
   int m_busy = 0;
   bool m_working = false;
+};
+
+/// A working phase for the time that this object lives. Inside a phase that someone else has started it
+/// changes nothing, so that work can be part of larger work.
+class ZxWorkingPhase {
+public:
+  explicit ZxWorkingPhase(const char* message);
+  ~ZxWorkingPhase();
+  ZxWorkingPhase(const ZxWorkingPhase&) = delete;
+  ZxWorkingPhase& operator=(const ZxWorkingPhase&) = delete;
+
+private:
+  bool m_started;
 };
