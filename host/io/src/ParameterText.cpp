@@ -136,12 +136,15 @@ void flattenInto(TextPairs& out, const ZxParamBundle& bundle, const std::string&
   }
 }
 
+/// Bundles are copied and deleted by recursion: a hostile path must not nest them without end.
+constexpr int maxDepth = 64;
+
 /// The bundle that a path leads to, created on the way, and the last name. Null when the path is damaged or
 /// one of its folders is taken by a plain value.
 ZxParamBundle* openPath(std::string_view path, ZxParamBundle& top, std::string& name)
 {
   ZxParamBundle* bundle = &top;
-  while (bundle) {
+  for (int depth = 0; bundle && depth < maxDepth; ++depth) {
     const std::size_t slash = path.find('/');
     const std::string_view part = path.substr(0, slash);
     const std::optional<std::string> decoded = part == "%" ? std::string() : decode(part);
