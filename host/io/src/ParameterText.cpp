@@ -1,15 +1,14 @@
 #include "ParameterText.h"
 
+#include "PercentEncoding.h"
 #include "zx/ZxData.h"
 
 #include <charconv>
 #include <optional>
 #include <string_view>
 
-namespace io
-{
-namespace
-{
+namespace io {
+namespace {
 
 enum class Place { Name, Text };
 
@@ -19,49 +18,19 @@ bool isPlain(char c, Place place)
   return place == Place::Text || (c != '/' && c != ':' && c != '=');
 }
 
-void appendEncoded(std::string& out, char c)
-{
-  constexpr char digits[] = "0123456789ABCDEF";
-  const auto byte = static_cast<unsigned char>(c);
-  out += '%';
-  out += digits[byte / 16];
-  out += digits[byte % 16];
-}
-
 std::string encode(std::string_view text, Place place)
 {
-  std::string out;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool outerSpace = text[i] == ' ' && (i == 0 || i + 1 == text.size());
-    if (isPlain(text[i], place) && !outerSpace)
-      out += text[i];
-    else
-      appendEncoded(out, text[i]);
-  }
-  return out;
+  const char* last = text.data() + text.size() - 1;
+  const char* at = text.data();
+  return percentEncode(text, [&](char c) {
+    const bool outerSpace = c == ' ' && (at == text.data() || at == last);
+    ++at;
+    return isPlain(c, place) && !outerSpace;
+  });
 }
 
 /// An empty name has to leave a mark in a path: a lone '%', which is no encoded character.
 std::string encodeName(std::string_view name) { return name.empty() ? "%" : encode(name, Place::Name); }
-
-std::optional<std::string> decode(std::string_view text)
-{
-  std::string out;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] != '%') {
-      out += text[i];
-      continue;
-    }
-    unsigned value = 0;
-    const std::string_view digits = text.substr(i + 1, 2);
-    const char* end = digits.data() + digits.size();
-    const auto [stop, error] = std::from_chars(digits.data(), end, value, 16);
-    if (digits.size() != 2 || error != std::errc{} || stop != end) return std::nullopt;
-    out += static_cast<char>(value);
-    i += 2;
-  }
-  return out;
-}
 
 template <class T>
 std::string numbersText(const char* type, const std::vector<T>& values)
@@ -147,7 +116,7 @@ ZxParamBundle* openPath(std::string_view path, ZxParamBundle& top, std::string& 
   for (int depth = 0; bundle && depth < maxDepth; ++depth) {
     const std::size_t slash = path.find('/');
     const std::string_view part = path.substr(0, slash);
-    const std::optional<std::string> decoded = part == "%" ? std::string() : decode(part);
+    const std::optional<std::string> decoded = part == "%" ? std::string() : percentDecode(part);
     if (!decoded || part.empty()) return nullptr;
     if (slash == std::string_view::npos) {
       name = *decoded;
@@ -172,7 +141,7 @@ bool setTyped(ZxParamBundle& bundle, const std::string& name, const Typed& typed
     return values.has_value();
   }
   if (typed.type == "bundle") return typed.rest.empty() && bundle.getBundle(name);
-  auto text = decode(typed.rest.empty() ? typed.rest : typed.rest.substr(1));
+  auto text = percentDecode(typed.rest.empty() ? typed.rest : typed.rest.substr(1));
   if (text) bundle.setString(name, std::move(*text));
   return text.has_value();
 }

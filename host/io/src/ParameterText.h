@@ -16,8 +16,7 @@
 ///
 /// What other programs wrote comes back as a string under its whole key, and is written that way again where
 /// it needs no encoding.
-namespace io
-{
+namespace io {
 
 using TextPairs = std::vector<std::pair<std::string, std::string>>;
 
