@@ -15,18 +15,15 @@
 #include <system_error>
 #include <vector>
 
-namespace io
-{
+namespace io {
 
-namespace
-{
+namespace {
 
 constexpr std::size_t chunkBytes = 1 << 16;
 /// Headers with the parameters of some 100,000 slices stay well below.
 constexpr std::uint64_t headerLimit = std::uint64_t{1} << 28;
 
-class FileStream final : public ByteStream
-{
+class FileStream final : public ByteStream {
 public:
   FileStream(const std::string& path, std::uint64_t offset)
     : m_path(path), m_file(std::fopen(path.c_str(), "rb"), &std::fclose)
@@ -57,11 +54,10 @@ enum class UnpackState { More, StreamEnd, Damaged };
 
 /// What the two unpackers share: packed bytes come in by chunks, and a stream may be followed by the next.
 ///
-/// A codec unpacks one stream: step(in, out) moves both spans on and says how the stream stands; begins() tells
-/// whether bytes after the end of a stream are the next one.
+/// A codec unpacks one stream: step(in, out) moves both spans on and says how the stream stands; begins()
+/// tells whether bytes after the end of a stream are the next one.
 template <class Codec>
-class UnpackStream final : public ByteStream
-{
+class UnpackStream final : public ByteStream {
 public:
   UnpackStream(const std::string& path, std::uint64_t offset)
     : m_path(path), m_file(path, offset), m_chunk(chunkBytes)
@@ -70,7 +66,8 @@ public:
   std::size_t read(void* dst, std::size_t size) override
   {
     std::span out(static_cast<std::byte*>(dst), size);
-    while (!out.empty() && unpack(out)) {}
+    while (!out.empty() && unpack(out)) {
+    }
     return size - out.size();
   }
 
@@ -116,8 +113,7 @@ void handOver(std::span<std::byte> bytes, Byte*& next, Size& available)
   available = static_cast<Size>(std::min(bytes.size(), most));
 }
 
-class Inflater
-{
+class Inflater {
 public:
   Inflater()
   {
@@ -145,8 +141,7 @@ private:
   z_stream m_stream{};
 };
 
-class Bunzipper
-{
+class Bunzipper {
 public:
   Bunzipper()
   {
@@ -196,6 +191,14 @@ std::uint64_t fileSize(const std::string& path)
   return size;
 }
 
+Packing detectPacking(const std::string& path)
+{
+  fileSize(path); // refuses what is no regular file
+  std::array<std::byte, 2> magic{};
+  FileStream(path, 0).read(magic.data(), magic.size());
+  return magic == std::array{std::byte{0x1f}, std::byte{0x8b}} ? Packing::Deflate : Packing::None;
+}
+
 std::uint64_t unpackedLimit(std::uint64_t fileBytes, Packing packing) noexcept
 {
   // deflate: 258 bytes in 2 bits. bzip2: a block of 900,000 runs of at most 259 / 5 bytes in some 37 bytes.
@@ -207,9 +210,12 @@ std::uint64_t unpackedLimit(std::uint64_t fileBytes, Packing packing) noexcept
 std::unique_ptr<ByteStream> openBytes(const std::string& path, std::uint64_t offset, Packing packing)
 {
   switch (packing) {
-  case Packing::Deflate: return std::make_unique<UnpackStream<Inflater>>(path, offset);
-  case Packing::Bzip2: return std::make_unique<UnpackStream<Bunzipper>>(path, offset);
-  default: return std::make_unique<FileStream>(path, offset);
+  case Packing::Deflate:
+    return std::make_unique<UnpackStream<Inflater>>(path, offset);
+  case Packing::Bzip2:
+    return std::make_unique<UnpackStream<Bunzipper>>(path, offset);
+  default:
+    return std::make_unique<FileStream>(path, offset);
   }
 }
 

@@ -6,12 +6,10 @@
 #include <span>
 #include <string>
 
-namespace io
-{
+namespace io {
 
 /// Bytes read from front to back. Throws Error when the file cannot be read or its contents are damaged.
-class ByteStream
-{
+class ByteStream {
 public:
   virtual ~ByteStream() = default;
   /// Reads up to size bytes and returns how many: fewer only at the end.
@@ -30,6 +28,9 @@ enum class Packing {
 /// Bytes of a regular file. Throws Error, also for what is no regular file: a pipe or a device never ends.
 std::uint64_t fileSize(const std::string& path);
 
+/// Deflate for a regular file that begins like gzip, else None.
+Packing detectPacking(const std::string& path);
+
 /// Bytes that a file of so many bytes can hold at most when it is unpacked.
 std::uint64_t unpackedLimit(std::uint64_t fileBytes, Packing packing) noexcept;
 
@@ -37,8 +38,7 @@ std::uint64_t unpackedLimit(std::uint64_t fileBytes, Packing packing) noexcept;
 std::unique_ptr<ByteStream> openBytes(const std::string& path, std::uint64_t offset, Packing packing);
 
 /// Reads a stream line by line, with lines that end in LF or CR LF, up to a limit over all lines.
-class LineReader
-{
+class LineReader {
 public:
   LineReader(ByteStream& stream, std::string path) : m_stream(stream), m_path(std::move(path)) {}
   /// Reads the next line without its end. False at the end of the stream.

@@ -4,8 +4,7 @@
 
 #include <string>
 
-namespace io
-{
+namespace io {
 
 /// Throws Error: `Cannot read "stack.nrrd": <reason>.`
 [[noreturn]] inline void cannotRead(const std::string& path, const std::string& reason)

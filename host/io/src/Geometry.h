@@ -3,8 +3,7 @@
 #include <optional>
 #include <string>
 
-namespace io
-{
+namespace io {
 
 /// Length of a unit in metres, by the names that file formats give it ("um", "micron", "nm", "Angstrom" ...);
 /// nothing for a name that is none of them.

@@ -6,11 +6,9 @@
 #include <cstring>
 #include <string_view>
 
-namespace io
-{
+namespace io {
 
-namespace
-{
+namespace {
 
 constexpr std::string_view separators = " \t\r\n\v\f,";
 /// A double with all digits that it can have, written without an exponent, stays below.
@@ -29,17 +27,28 @@ bool parseValue(std::string_view word, void* dst)
 bool parse(StoredType type, std::string_view word, void* dst)
 {
   switch (type) {
-  case StoredType::Int8: return parseValue<std::int8_t>(word, dst);
-  case StoredType::UInt8: return parseValue<std::uint8_t>(word, dst);
-  case StoredType::Int16: return parseValue<std::int16_t>(word, dst);
-  case StoredType::UInt16: return parseValue<std::uint16_t>(word, dst);
-  case StoredType::Int32: return parseValue<std::int32_t>(word, dst);
-  case StoredType::UInt32: return parseValue<std::uint32_t>(word, dst);
-  case StoredType::Int64: return parseValue<std::int64_t>(word, dst);
-  case StoredType::UInt64: return parseValue<std::uint64_t>(word, dst);
-  case StoredType::Float: return parseValue<float>(word, dst);
-  case StoredType::Double: return parseValue<double>(word, dst);
-  default: return false; // no format writes half floats as text
+  case StoredType::Int8:
+    return parseValue<std::int8_t>(word, dst);
+  case StoredType::UInt8:
+    return parseValue<std::uint8_t>(word, dst);
+  case StoredType::Int16:
+    return parseValue<std::int16_t>(word, dst);
+  case StoredType::UInt16:
+    return parseValue<std::uint16_t>(word, dst);
+  case StoredType::Int32:
+    return parseValue<std::int32_t>(word, dst);
+  case StoredType::UInt32:
+    return parseValue<std::uint32_t>(word, dst);
+  case StoredType::Int64:
+    return parseValue<std::int64_t>(word, dst);
+  case StoredType::UInt64:
+    return parseValue<std::uint64_t>(word, dst);
+  case StoredType::Float:
+    return parseValue<float>(word, dst);
+  case StoredType::Double:
+    return parseValue<double>(word, dst);
+  default:
+    return false; // no format writes half floats as text
   }
 }
 

@@ -5,14 +5,15 @@
 
 #include <vector>
 
-namespace io
-{
+namespace io {
 
 /// Characters of a stream one at a time.
-class CharacterStream
-{
+class CharacterStream {
 public:
-  explicit CharacterStream(std::unique_ptr<ByteStream> stream) : m_stream(std::move(stream)), m_buffer(1 << 16) {}
+  explicit CharacterStream(std::unique_ptr<ByteStream> stream)
+    : m_stream(std::move(stream)), m_buffer(1 << 16)
+  {
+  }
   /// The next character, or -1 at the end.
   int next();
 
@@ -24,8 +25,7 @@ private:
 };
 
 /// The values of decimal numbers, between white space or commas, in this machine's byte order.
-class TextStream final : public ByteStream
-{
+class TextStream final : public ByteStream {
 public:
   TextStream(std::unique_ptr<ByteStream> text, std::string path, StoredType type)
     : m_text(std::move(text)), m_path(std::move(path)), m_type(type)
@@ -43,10 +43,12 @@ private:
 };
 
 /// The bytes of pairs of hexadecimal digits.
-class HexStream final : public ByteStream
-{
+class HexStream final : public ByteStream {
 public:
-  HexStream(std::unique_ptr<ByteStream> text, std::string path) : m_text(std::move(text)), m_path(std::move(path)) {}
+  HexStream(std::unique_ptr<ByteStream> text, std::string path)
+    : m_text(std::move(text)), m_path(std::move(path))
+  {
+  }
   std::size_t read(void* dst, std::size_t size) override;
 
 private:

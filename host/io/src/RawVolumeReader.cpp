@@ -1,18 +1,16 @@
 #include "RawVolumeReader.h"
 
+#include "DataFileName.h"
 #include "FileError.h"
 #include "NumberStream.h"
 #include "SliceWriter.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <limits>
 
-namespace io
-{
+namespace io {
 
-namespace
-{
+namespace {
 
 std::uint64_t product(const std::string& path, std::initializer_list<std::uint64_t> factors)
 {
@@ -30,9 +28,12 @@ std::uint64_t capacity(const DataFile& file, std::size_t valueBytes)
   const std::uint64_t unpacked = unpackedLimit(packed, file.packing);
   const std::uint64_t rest = unpacked - std::min(unpacked, file.skip);
   switch (file.notation) {
-  case Notation::Hex: return rest / 2;
-  case Notation::Text: return (rest / 2 + 1) * valueBytes; // one digit and one space each
-  default: return rest;
+  case Notation::Hex:
+    return rest / 2;
+  case Notation::Text:
+    return (rest / 2 + 1) * valueBytes; // one digit and one space each
+  default:
+    return rest;
   }
 }
 
@@ -41,9 +42,12 @@ std::unique_ptr<ByteStream> open(const DataFile& file, StoredType type)
   std::unique_ptr<ByteStream> stream = openBytes(file.path, file.offset, file.packing);
   stream->skip(file.skip);
   switch (file.notation) {
-  case Notation::Text: return std::make_unique<TextStream>(std::move(stream), file.path, type);
-  case Notation::Hex: return std::make_unique<HexStream>(std::move(stream), file.path);
-  default: return stream;
+  case Notation::Text:
+    return std::make_unique<TextStream>(std::move(stream), file.path, type);
+  case Notation::Hex:
+    return std::make_unique<HexStream>(std::move(stream), file.path);
+  default:
+    return stream;
   }
 }
 
@@ -53,7 +57,8 @@ ZxDims checkedDims(const std::string& path, std::int64_t width, std::int64_t hei
 {
   const auto size = [&](std::int64_t n) {
     if (n < 1) cannotRead(path, "its size " + std::to_string(n) + " is not positive");
-    if (n > std::numeric_limits<int>::max()) cannotRead(path, "its size " + std::to_string(n) + " is too large");
+    if (n > std::numeric_limits<int>::max())
+      cannotRead(path, "its size " + std::to_string(n) + " is too large");
     return static_cast<int>(n);
   };
   return {size(width), size(height), size(slices)};
@@ -68,8 +73,8 @@ RawVolumeReader::RawVolumeReader(RawVolume volume, VolumeInfo info) : m_volume(s
   m_info.shape.primType = findType();
   m_info.storedType = m_volume.voxels.describe();
   if (m_volume.volumes > 1)
-    m_info.remarks.push_back("\"" + std::filesystem::path(m_volume.path).filename().string() + "\" holds " +
-                             std::to_string(m_volume.volumes) + " volumes, the first one is read.");
+    m_info.remarks.push_back("\"" + fileName(m_volume.path) + "\" holds " + std::to_string(m_volume.volumes) +
+                             " volumes, the first one is read.");
 }
 
 void RawVolumeReader::checkFiles()
@@ -83,7 +88,8 @@ void RawVolumeReader::checkFiles()
   if (files == 0 || all % files != 0)
     cannotRead(m_volume.path, "its voxels cannot be spread over " + std::to_string(files) + " files evenly");
   m_shareBytes = all / files;
-  for (const DataFile& file : m_volume.files) {
+  for (DataFile& file : m_volume.files) {
+    if (file.place == Place::AtEnd) file.offset = std::max(fileSize(file.path), m_shareBytes) - m_shareBytes;
     const std::uint64_t held = capacity(file, sizeOf(m_volume.voxels.type));
     if (held < m_shareBytes)
       cannotRead(file.path, "the file is truncated: it must hold " + std::to_string(m_shareBytes) +

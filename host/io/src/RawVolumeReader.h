@@ -9,8 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace io
-{
+namespace io {
 
 /// How the voxels of a data file are written down.
 enum class Notation {
@@ -19,17 +18,24 @@ enum class Notation {
   Hex   ///< two digits a byte, white space passed over
 };
 
+/// Where the voxels stand in a data file.
+enum class Place {
+  AtOffset,
+  AtEnd ///< the last voxel ends the file; what stands before is passed over
+};
+
 /// Where voxels are stored: a file from an offset on.
 struct DataFile {
   std::string path;
   std::uint64_t offset = 0;
+  Place place = Place::AtOffset;
   Packing packing = Packing::None;
   Notation notation = Notation::Binary;
   std::uint64_t skip = 0; ///< unpacked bytes before the first voxel
 };
 
-/// Which integer types of a file are given the smallest type in memory that holds their values. For types that
-/// have none of their own the values decide anyway.
+/// Which integer types of a file are given the smallest type in memory that holds their values. For types
+/// that have none of their own the values decide anyway.
 enum class Narrowing { None, ToValues };
 
 /// What the header of a file says of its voxels: x fastest, then y, then slices, then further volumes.
@@ -46,8 +52,7 @@ struct RawVolume {
 ZxDims checkedDims(const std::string& path, std::int64_t width, std::int64_t height, std::int64_t slices);
 
 /// Reads voxels that lie in files one after the other, packed or not. Holds one slice at a time.
-class RawVolumeReader final : public VolumeReader
-{
+class RawVolumeReader final : public VolumeReader {
 public:
   /// Takes format, geometry, parameters and remarks from info and fills in the rest. Throws Error when the
   /// files are too short, as far as that shows without unpacking them.
@@ -65,9 +70,9 @@ private:
   std::uint64_t m_shareBytes = 0; ///< of one file
   std::vector<std::byte> m_buffer;
   std::unique_ptr<ByteStream> m_stream;
-  std::size_t m_file = 0;           ///< the next one to be opened
-  std::uint64_t m_shareLeft = 0;    ///< bytes of the open file
-  int m_next = 0;                   ///< slice that the stream stands at
+  std::size_t m_file = 0;        ///< the next one to be opened
+  std::uint64_t m_shareLeft = 0; ///< bytes of the open file
+  int m_next = 0;                ///< slice that the stream stands at
 };
 
 } // namespace io

@@ -10,11 +10,9 @@
 #include <system_error>
 #include <vector>
 
-namespace io
-{
+namespace io {
 
-namespace
-{
+namespace {
 
 gzFile handle(void* file) { return static_cast<gzFile>(file); }
 
@@ -27,7 +25,8 @@ void throwIfInterrupted()
   if (ZxWorkArea::getTheWorkArea()->wasInterrupted(1)) throw Interrupted();
 }
 
-OutputFile::OutputFile(const std::string& path, std::string target, Packing packing) : m_target(std::move(target))
+OutputFile::OutputFile(const std::string& path, std::string target, Packing packing)
+  : m_target(std::move(target))
 {
   errno = 0;
   m_file = gzopen(path.c_str(), packing == Packing::Gzip ? "wb" : "wbT"); // T: as it is
@@ -80,6 +79,18 @@ void forEachSlice(const ZxSpatialData& data, const std::string& target,
     }
     f({static_cast<const std::byte*>(slice), sliceBytes});
   }
+}
+
+void writeVoxels(const ZxSpatialData& data, const std::string& target, OutputFile& file)
+{
+  forEachSlice(data, target, [&](std::span<const std::byte> slice) { file.write(slice); });
+}
+
+void writeVoxels(const ZxSpatialData& data, const std::string& target, const std::string& temporary)
+{
+  OutputFile file(temporary, target);
+  writeVoxels(data, target, file);
+  file.close();
 }
 
 } // namespace io

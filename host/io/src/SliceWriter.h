@@ -7,16 +7,14 @@
 #include <span>
 #include <string>
 
-namespace io
-{
+namespace io {
 
 /// Throws Interrupted when the user asked the current work to stop.
 void throwIfInterrupted();
 
-/// A file that is written from front to back, packed with gzip or not. Throws Error as soon as bytes cannot be
-/// stored.
-class OutputFile
-{
+/// A file that is written from front to back, packed with gzip or not. Throws Error as soon as bytes cannot
+/// be stored.
+class OutputFile {
 public:
   enum class Packing { None, Gzip };
 
@@ -39,5 +37,9 @@ private:
 /// shown the progress and asked for an interruption. Throws Error when a slice cannot be read.
 void forEachSlice(const ZxSpatialData& data, const std::string& target,
                   const std::function<void(std::span<const std::byte>)>& f);
+
+/// Writes all slices to an open file, or to a file of their own.
+void writeVoxels(const ZxSpatialData& data, const std::string& target, OutputFile& file);
+void writeVoxels(const ZxSpatialData& data, const std::string& target, const std::string& temporary);
 
 } // namespace io

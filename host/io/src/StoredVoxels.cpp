@@ -7,11 +7,9 @@
 #include <limits>
 #include <type_traits>
 
-namespace io
-{
+namespace io {
 
-namespace
-{
+namespace {
 
 /// A floating-point number of 16 bits: sign, 5 bits of exponent, 10 of mantissa.
 struct Half {
@@ -35,17 +33,28 @@ template <class F>
 decltype(auto) visit(StoredType type, F&& f)
 {
   switch (type) {
-  case StoredType::Int8: return f(std::int8_t{});
-  case StoredType::UInt8: return f(std::uint8_t{});
-  case StoredType::Int16: return f(std::int16_t{});
-  case StoredType::UInt16: return f(std::uint16_t{});
-  case StoredType::Int32: return f(std::int32_t{});
-  case StoredType::UInt32: return f(std::uint32_t{});
-  case StoredType::Int64: return f(std::int64_t{});
-  case StoredType::UInt64: return f(std::uint64_t{});
-  case StoredType::Half: return f(Half{});
-  case StoredType::Float: return f(float{});
-  default: return f(double{});
+  case StoredType::Int8:
+    return f(std::int8_t{});
+  case StoredType::UInt8:
+    return f(std::uint8_t{});
+  case StoredType::Int16:
+    return f(std::int16_t{});
+  case StoredType::UInt16:
+    return f(std::uint16_t{});
+  case StoredType::Int32:
+    return f(std::int32_t{});
+  case StoredType::UInt32:
+    return f(std::uint32_t{});
+  case StoredType::Int64:
+    return f(std::int64_t{});
+  case StoredType::UInt64:
+    return f(std::uint64_t{});
+  case StoredType::Half:
+    return f(Half{});
+  case StoredType::Float:
+    return f(float{});
+  default:
+    return f(double{});
   }
 }
 
@@ -72,9 +81,10 @@ void convertValues(const StoredVoxels& stored, const std::byte* src, std::size_t
       if constexpr (std::is_integral_v<S>) dst[i] = static_cast<T>(value);
     } else {
       if (stored.isScaled())
-        dst[i] = static_cast<T>(static_cast<double>(static_cast<std::conditional_t<
-                                    std::is_same_v<S, Half>, float, S>>(value)) * stored.slope +
-                                stored.intercept);
+        dst[i] = static_cast<T>(
+            static_cast<double>(static_cast<std::conditional_t<std::is_same_v<S, Half>, float, S>>(value)) *
+                stored.slope +
+            stored.intercept);
       else
         dst[i] = static_cast<T>(value);
     }
@@ -131,15 +141,22 @@ std::optional<McPrimType> StoredVoxels::typeInMemory() const noexcept
                     type == StoredType::UInt64 || type == StoredType::Double;
   if (isScaled()) return wide ? McPrimType::Double : McPrimType::Float;
   switch (type) {
-  case StoredType::UInt8: return McPrimType::UInt8;
+  case StoredType::UInt8:
+    return McPrimType::UInt8;
   case StoredType::Int8:
-  case StoredType::Int16: return McPrimType::Int16;
-  case StoredType::UInt16: return McPrimType::UInt16;
-  case StoredType::Int32: return McPrimType::Int32;
+  case StoredType::Int16:
+    return McPrimType::Int16;
+  case StoredType::UInt16:
+    return McPrimType::UInt16;
+  case StoredType::Int32:
+    return McPrimType::Int32;
   case StoredType::Half:
-  case StoredType::Float: return McPrimType::Float;
-  case StoredType::Double: return McPrimType::Double;
-  default: return std::nullopt;
+  case StoredType::Float:
+    return McPrimType::Float;
+  case StoredType::Double:
+    return McPrimType::Double;
+  default:
+    return std::nullopt;
   }
 }
 
@@ -158,8 +175,10 @@ void StoredVoxels::extendRange(void* voxels, std::size_t count, IntegerRange& ra
     if constexpr (std::is_integral_v<S>)
       for (std::size_t i = 0; i < count; ++i) {
         const S value = load<S>(bytes + i * sizeof(S));
-        if (std::is_signed_v<S> && value < S{}) range.min = std::min(range.min, static_cast<std::int64_t>(value));
-        else range.max = std::max(range.max, static_cast<std::uint64_t>(value));
+        if (std::is_signed_v<S> && value < S{})
+          range.min = std::min(range.min, static_cast<std::int64_t>(value));
+        else
+          range.max = std::max(range.max, static_cast<std::uint64_t>(value));
       }
   });
 }

@@ -7,8 +7,7 @@
 #include <optional>
 #include <string>
 
-namespace io
-{
+namespace io {
 
 /// What one value can be in a file. More than the types of a voxel in memory.
 enum class StoredType { Int8, UInt8, Int16, UInt16, Int32, UInt32, Int64, UInt64, Half, Float, Double };
@@ -30,7 +29,7 @@ std::optional<McPrimType> smallestTypeFor(const IntegerRange& range) noexcept;
 /// How the voxels of a file are stored: values side by side, and what they mean.
 struct StoredVoxels {
   StoredType type = StoredType::UInt8;
-  int channels = 1; ///< 1, or 3 or 4 for colours of 8 bits
+  int channels = 1;     ///< 1, or 3 or 4 for colours of 8 bits
   bool swapped = false; ///< stored in the other byte order than this machine's
   double slope = 1.0;   ///< a value means slope * stored + intercept
   double intercept = 0.0;
