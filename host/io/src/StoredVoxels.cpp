@@ -72,23 +72,29 @@ void swapValues(std::byte* values, std::size_t count, std::size_t bytes) noexcep
   for (std::size_t i = 0; i < count; ++i, values += bytes) std::reverse(values, values + bytes);
 }
 
+template <class S>
+S arithmetic(S value) noexcept
+{
+  return value;
+}
+float arithmetic(Half value) noexcept { return static_cast<float>(value); }
+
+/// Converts values between types of which the second holds those of the first, or floating-point ones.
 template <class S, class T>
 void convertValues(const StoredVoxels& stored, const std::byte* src, std::size_t count, T* dst)
 {
-  for (std::size_t i = 0; i < count; ++i) {
-    const S value = load<S>(src + i * sizeof(S));
-    if constexpr (std::is_integral_v<T>) {
-      if constexpr (std::is_integral_v<S>) dst[i] = static_cast<T>(value);
-    } else {
-      if (stored.isScaled())
-        dst[i] = static_cast<T>(
-            static_cast<double>(static_cast<std::conditional_t<std::is_same_v<S, Half>, float, S>>(value)) *
-                stored.slope +
-            stored.intercept);
+  constexpr bool possible = !std::is_integral_v<T> || std::is_integral_v<S>;
+  const bool scaled = stored.isScaled();
+  if constexpr (possible)
+    for (std::size_t i = 0; i < count; ++i) {
+      const auto value = arithmetic(load<S>(src + i * sizeof(S)));
+      if constexpr (std::is_integral_v<T>)
+        dst[i] = static_cast<T>(value);
+      else if (scaled)
+        dst[i] = static_cast<T>(static_cast<double>(value) * stored.slope + stored.intercept);
       else
         dst[i] = static_cast<T>(value);
     }
-  }
 }
 
 void addAlpha(const std::byte* src, std::size_t count, std::byte* dst) noexcept
