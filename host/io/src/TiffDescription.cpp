@@ -14,8 +14,10 @@ std::optional<T> number(std::string_view text, int base = 10)
 {
   T value{};
   std::from_chars_result result{};
-  if constexpr (std::is_floating_point_v<T>) result = std::from_chars(text.data(), text.data() + text.size(), value);
-  else result = std::from_chars(text.data(), text.data() + text.size(), value, base);
+  if constexpr (std::is_floating_point_v<T>)
+    result = std::from_chars(text.data(), text.data() + text.size(), value);
+  else
+    result = std::from_chars(text.data(), text.data() + text.size(), value, base);
   if (result.ec != std::errc{} || result.ptr != text.data() + text.size()) return std::nullopt;
   return value;
 }
@@ -47,7 +49,8 @@ std::string unitText(std::string_view text)
 {
   std::string out;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto escaped = text.substr(i, 2) == "\\u" ? number<unsigned>(text.substr(i + 2, 4), 16) : std::nullopt;
+    const auto escaped =
+        text.substr(i, 2) == "\\u" ? number<unsigned>(text.substr(i + 2, 4), 16) : std::nullopt;
     const auto byte = static_cast<unsigned char>(text[i]);
     const bool afterLead = i > 0 && static_cast<unsigned char>(text[i - 1]) >= 0xC0;
     if (escaped) {
@@ -62,7 +65,8 @@ std::string unitText(std::string_view text)
   return out;
 }
 
-/// The start tag of the first element of a name from a position on, without its brackets, and what follows it.
+/// The start tag of the first element of a name from a position on, without its brackets, and what follows
+/// it.
 struct Tag {
   std::string_view attributes;
   std::size_t end = 0;
@@ -80,7 +84,8 @@ std::optional<Tag> findTag(std::string_view xml, std::string_view name, std::siz
     const std::size_t close = rest.find('>');
     if (close == std::string_view::npos) return std::nullopt;
     const std::string_view attributes = rest.substr(name.size(), close - name.size());
-    return Tag{attributes, static_cast<std::size_t>(rest.data() + close + 1 - xml.data()), attributes.ends_with('/')};
+    return Tag{attributes, static_cast<std::size_t>(rest.data() + close + 1 - xml.data()),
+               attributes.ends_with('/')};
   }
   return std::nullopt;
 }
@@ -124,7 +129,8 @@ std::vector<PageBlock> pageBlocks(std::string_view pixels, std::size_t filePages
     block.first = {count(*tag, "FirstZ", 0), count(*tag, "FirstC", 0), count(*tag, "FirstT", 0)};
     const std::size_t end = pixels.find('<', tag->end);
     const auto uuid = tag->isEmpty ? std::nullopt : findTag(pixels, "UUID", end);
-    if (uuid && end != std::string_view::npos && uuid->attributes.data() < pixels.data() + pixels.find('>', end)) {
+    if (uuid && end != std::string_view::npos &&
+        uuid->attributes.data() < pixels.data() + pixels.find('>', end)) {
       block.fileName = attribute(*uuid, "FileName");
     }
     blocks.push_back(block);
@@ -179,11 +185,16 @@ std::optional<ImageJDescription> ImageJDescription::parse(std::string_view descr
     if (equals == std::string_view::npos) continue;
     const std::string_view key = line.substr(0, equals);
     const std::string_view value = trimmed(line.substr(equals + 1));
-    if (key == "images") result.images = number<std::size_t>(value).value_or(1);
-    else if (key == "channels") result.channels = number<std::size_t>(value).value_or(1);
-    else if (key == "frames") result.frames = number<std::size_t>(value).value_or(1);
-    else if (key == "spacing") result.spacing = number<double>(value);
-    else if (key == "unit") result.unit = unitText(value);
+    if (key == "images")
+      result.images = number<std::size_t>(value).value_or(1);
+    else if (key == "channels")
+      result.channels = number<std::size_t>(value).value_or(1);
+    else if (key == "frames")
+      result.frames = number<std::size_t>(value).value_or(1);
+    else if (key == "spacing")
+      result.spacing = number<double>(value);
+    else if (key == "unit")
+      result.unit = unitText(value);
   }
   return result;
 }
@@ -192,7 +203,8 @@ std::optional<OmeDescription> OmeDescription::parse(std::string_view description
 {
   const auto tag = findTag(description, "Pixels");
   if (!findTag(description, "OME") || !tag) return std::nullopt;
-  const std::string_view pixels = description.substr(tag->end, description.find("Pixels>", tag->end) - tag->end);
+  const std::string_view pixels =
+      description.substr(tag->end, description.find("Pixels>", tag->end) - tag->end);
   OmeDescription ome;
   ome.sizeZ = count(*tag, "SizeZ", 1);
   ome.sizeC = count(*tag, "SizeC", 1);
@@ -207,7 +219,7 @@ std::optional<OmeDescription> OmeDescription::parse(std::string_view description
   for (int i = 0; i < 3; ++i) {
     ome.physicalSize[i] = number<double>(attribute(*tag, axes[i].first)).value_or(0.0);
     const std::string_view unit = attribute(*tag, axes[i].second);
-    if (ome.physicalSize[i] > 0 && ome.unit.empty()) ome.unit = unit.empty() ? "\u00B5m" : std::string(unit);
+    ome.units[i] = unit.empty() ? "\u00B5m" : std::string(unit);
   }
   if (ome.sizeZ == 0 || ome.sizeC == 0 || ome.sizeT == 0 || ome.sizeZ > pages) return ome;
   ome.firstVolume = findFirstVolume(pageBlocks(pixels, pages), {ome.sizeZ, ome.sizeC, ome.sizeT},

@@ -10,7 +10,7 @@ namespace io {
 
 /// What ImageJ writes into the description of the first page: lines of key=value.
 struct ImageJDescription {
-  std::size_t images = 1;   ///< slices x channels x frames
+  std::size_t images = 1; ///< slices x channels x frames
   std::size_t channels = 1;
   std::size_t frames = 1;
   std::optional<double> spacing; ///< distance of slices in unit
@@ -25,7 +25,7 @@ struct OmeDescription {
   std::size_t sizeC = 1; ///< channels that have pages of their own: colours in one page are one
   std::size_t sizeT = 1;
   double physicalSize[3] = {0, 0, 0}; ///< 0 where it is not given
-  std::string unit;                   ///< of the first size that is given
+  std::string units[3];               ///< of the sizes, UTF-8
   /// Page (counted from 0) of each slice of channel 0 at time 0; empty when the pages do not hold all of
   /// them.
   std::vector<std::size_t> firstVolume;
