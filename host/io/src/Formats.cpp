@@ -3,8 +3,10 @@
 #include "ByteStream.h"
 #include "FileError.h"
 #include "FormatNames.h"
+#include "ParameterJson.h"
 #include "SliceWriter.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fstream>
 #include <system_error>
@@ -75,6 +77,18 @@ std::string writableEndings()
     for (const std::string& ending : format->endings()) text += (text.empty() ? "" : ", ") + ending;
   }
   return text;
+}
+
+std::string parametersText(const ZxSpatialData& data)
+{
+  ZxParamBundle parameters = data.parameters();
+  parameters.remove(ZxFileGeometry::bundleName);
+  const ZxFileGeometry geometry = ZxFileGeometry::of(data);
+  const ZxFileGeometry unknown;
+  const bool isKnown = !geometry.unit.empty() || !std::ranges::equal(geometry.origin, unknown.origin) ||
+                       !std::ranges::equal(geometry.voxelSize, unknown.voxelSize);
+  if (isKnown) geometry.store(parameters);
+  return parameters.entries().empty() ? std::string() : toJson(parameters);
 }
 
 std::string readText(const std::string& path)

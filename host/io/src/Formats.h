@@ -18,6 +18,9 @@ std::string writableEndings();
 
 /// Where the parameters of a file are that it cannot hold itself.
 inline std::string parametersBeside(const std::string& path) { return path + ".params.json"; }
+/// What stands there for data: their parameters and their exact origin, voxel size and unit. Empty when all
+/// of this is what data have that nothing is known of.
+std::string parametersText(const ZxSpatialData& data);
 /// The text of a file. Throws Error.
 std::string readText(const std::string& path);
 /// Writes a text. Throws Error that names target.

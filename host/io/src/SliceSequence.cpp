@@ -22,12 +22,8 @@ constexpr const char* sidecarEnding = ".params.json";
 bool isPicture(const std::string& name)
 {
   const char* endings[] = {".tif", ".tiff", ".png", ".jpg", ".jpeg", ".bmp"};
-  return std::any_of(std::begin(endings), std::end(endings), [&](const char* e) { return hasEnding(name, e); });
-}
-
-std::string sizeText(const SliceSize& size)
-{
-  return std::to_string(size.width) + " x " + std::to_string(size.height);
+  return std::any_of(std::begin(endings), std::end(endings),
+                     [&](const char* e) { return hasEnding(name, e); });
 }
 
 /// Folder with its '/' and name of a path.
@@ -36,6 +32,18 @@ std::pair<std::string, std::string> split(const std::string& path)
   const std::size_t slash = path.rfind('/');
   const std::size_t start = slash == std::string::npos ? 0 : slash + 1;
   return {path.substr(0, start), path.substr(start)};
+}
+
+/// The names in a folder; none when it cannot be read.
+std::vector<std::string> namesIn(const std::string& folder)
+{
+  std::vector<std::string> names;
+  std::error_code error;
+  for (fs::directory_iterator it(folder.empty() ? "." : folder, error), end; !error && it != end;
+       it.increment(error)) {
+    names.push_back(it->path().filename().string());
+  }
+  return names;
 }
 
 /// One slice of a lattice as a lattice of its own.
@@ -88,7 +96,8 @@ std::vector<std::string> slicesInFolder(const std::string& folder)
   for (fs::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
     const std::string name = it->path().filename().string();
     std::error_code ignored;
-    if (!name.starts_with('.') && isPicture(name) && !it->is_directory(ignored)) files.push_back(it->path().string());
+    if (!name.starts_with('.') && isPicture(name) && !it->is_directory(ignored))
+      files.push_back(it->path().string());
   }
   if (error) cannotRead(folder, error.message());
   if (files.empty()) cannotRead(folder, "the folder holds no TIFF, PNG, JPEG or BMP pictures");
@@ -192,16 +201,14 @@ std::optional<SequenceTarget> SequenceTarget::of(const std::string& path)
   const std::string text = name.empty() && !folder.empty() ? "slice_%04d.tif" : name;
   if (text.find('%') == std::string::npos) return std::nullopt;
   const auto pattern = NumberPattern::parse(text);
-  if (!pattern) cannotWrite(path, "a name with % must hold one place for the slice's number, like slice_%04d.tif");
+  if (!pattern)
+    cannotWrite(path, "a name with % must hold one place for the slice's number, like slice_%04d.tif");
   return SequenceTarget{folder, text, *pattern};
 }
 
 std::string SequenceTarget::problem(int slices) const
 {
-  std::error_code error;
-  for (fs::directory_iterator it(folder.empty() ? "." : folder, error), end; !error && it != end;
-       it.increment(error)) {
-    const std::string name = it->path().filename().string();
+  for (const std::string& name : namesIn(folder)) {
     if (pattern.numberIn(name) >= slices) return "\"" + name + "\" of a longer sequence is there already";
   }
   return {};
@@ -219,23 +226,25 @@ void SequenceTarget::write(const ZxSpatialData& data, const Format& format) cons
     format.write(*sliceOf(data, k), folder + name, files.temporary(name));
   }
   const std::string beside = text + sidecarEnding;
-  writeText(toJson(data.parameters()), folder + beside, files.temporary(beside));
+  const std::string parameters = parametersText(data);
+  if (!parameters.empty()) writeText(parameters, folder + beside, files.temporary(beside));
   files.commit(beside);
+  std::error_code error;
+  if (parameters.empty()) fs::remove(folder + beside, error); // Those of slices that are no more.
 }
 
-std::optional<std::string> parametersOfSequence(const std::vector<std::string>& files)
+std::optional<std::string> parametersOfSequence(const std::vector<std::string>& files,
+                                                std::vector<std::string>& remarks)
 {
   const auto [folder, first] = split(files.front());
-  std::error_code error;
-  for (fs::directory_iterator it(folder.empty() ? "." : folder, error), end; !error && it != end;
-       it.increment(error)) {
-    const std::string sidecar = it->path().filename().string();
+  for (const std::string& sidecar : namesIn(folder)) {
     const auto pattern = patternOfSidecar(sidecar);
     if (!pattern || pattern->name(0) != first) continue;
-    for (std::size_t i = 0; i < files.size(); ++i) {
-      if (files[i] != folder + pattern->name(static_cast<int>(i))) return std::nullopt;
-    }
-    return folder + sidecar;
+    int number = 0;
+    const auto fits = [&](const std::string& file) { return file == folder + pattern->name(number++); };
+    if (std::all_of(files.begin(), files.end(), fits)) return folder + sidecar;
+    remarks.push_back("The parameters in \"" + folder + sidecar +
+                      "\" are not used: they belong to other slices.");
   }
   return std::nullopt;
 }

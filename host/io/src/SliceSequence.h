@@ -11,12 +11,12 @@
 /// Volumes whose slices are files of their own.
 namespace io {
 
-/// The pictures in a folder (TIFF, PNG, JPEG, BMP by their names) in natural order; hidden and other files are
-/// passed over. Throws Error when there is none.
+/// The pictures in a folder (TIFF, PNG, JPEG, BMP by their names) in natural order; hidden and other files
+/// are passed over. Throws Error when there is none.
 std::vector<std::string> slicesInFolder(const std::string& folder);
 
-/// The order in which a list of files is read: as given, but a list in the order of its bytes, which is what a
-/// shell makes of a pattern like *.png, is put into natural order.
+/// The order in which a list of files is read: as given, but a list in the order of its bytes, which is what
+/// a shell makes of a pattern like *.png, is put into natural order.
 std::vector<std::string> orderOfList(std::vector<std::string> files);
 
 /// Files read one after the other as one volume. A file with several slices gives all of them. All files must
@@ -72,7 +72,8 @@ struct SequenceTarget {
 };
 
 /// The file beside the slices that holds the parameters of a sequence, found by the pattern it is called
-/// after. Nothing unless the files are exactly the slices 0, 1, 2, ... of that pattern.
-std::optional<std::string> parametersOfSequence(const std::vector<std::string>& files);
+/// after. Nothing, and a remark, unless the files are exactly the slices 0, 1, 2, ... of that pattern.
+std::optional<std::string> parametersOfSequence(const std::vector<std::string>& files,
+                                                std::vector<std::string>& remarks);
 
 } // namespace io

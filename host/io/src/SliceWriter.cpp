@@ -69,7 +69,9 @@ void forEachSlice(const ZxSpatialData& data, const std::string& target,
   ZxWorkArea* area = ZxWorkArea::getTheWorkArea();
   for (int k = 0; k < slices; ++k) {
     throwIfInterrupted();
-    if (area->isWorking()) area->setProgressFraction(static_cast<float>(k) / static_cast<float>(slices));
+    // A slice of its own is a step of someone else's work.
+    if (area->isWorking() && slices > 1)
+      area->setProgressFraction(static_cast<float>(k) / static_cast<float>(slices));
     const void* slice = lattice.sliceInMemory(k);
     if (!slice) {
       buffer.resize(sliceBytes);
