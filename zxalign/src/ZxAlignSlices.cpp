@@ -25,6 +25,13 @@ std::vector<const McTypeInfo*> inputTypes()
 
 bool sameDims(const ZxLattice* a, const ZxLattice& b) { return a && a->getDims() == b.getDims(); }
 
+/// A stored output size; that of the input where there is none, or one that no volume can have.
+int storedSize(const ZxParamBundle& parameters, const char* name, int inputSize)
+{
+  int size = 0;
+  return parameters.findNums(name, 1, &size) && size > 0 ? size : inputSize;
+}
+
 } // namespace
 
 const McTypeInfo& ZxAlignSlices::getClassTypeId()
@@ -139,10 +146,8 @@ void ZxAlignSlices::initTransforms()
 {
   const ZxParamBundle& parameters = *m_data->getParameters();
   const ZxDims& dims = m_data->getDims();
-  m_settings.outputWidth = dims.width;
-  m_settings.outputHeight = dims.height;
-  parameters.findNums("OutputImageWidth", 1, &m_settings.outputWidth);
-  parameters.findNums("OutputImageHeigth", 1, &m_settings.outputHeight);
+  m_settings.outputWidth = storedSize(parameters, "OutputImageWidth", dims.width);
+  m_settings.outputHeight = storedSize(parameters, "OutputImageHeigth", dims.height);
   for (McDArray<SliceInfo>* slices : {&m_slices, &m_appliedLabelSlices}) {
     slices->resize(static_cast<std::size_t>(dims.slices));
     for (SliceInfo& slice : *slices) slice.setXForm(SliceXForm());
