@@ -4,9 +4,11 @@
 
 #include <cstddef>
 
-namespace kernels {
+namespace kernels
+{
 
-namespace {
+namespace
+{
 
 struct Rows {
   const std::uint8_t* pixels;

@@ -1,6 +1,7 @@
 #pragma once
 
-namespace kernels {
+namespace kernels
+{
 
 /// Columns [begin, end) of a row; none when begin >= end.
 struct ColumnRange {

@@ -12,9 +12,11 @@
 #include <type_traits>
 #include <vector>
 
-namespace kernels {
+namespace kernels
+{
 
-namespace {
+namespace
+{
 
 // The rule of every stored value.
 template <class T>
@@ -34,7 +36,8 @@ bool isFinite(const Affine& m)
 }
 
 // Positions in the slice along one output row.
-class RowPositions {
+class RowPositions
+{
 public:
   RowPositions(const ResampleFrame& frame, int row, double shift)
     : m_inverse(frame.inverse), m_left(frame.left), m_y(static_cast<double>(row) - frame.top), m_shift(shift)

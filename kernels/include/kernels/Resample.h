@@ -4,7 +4,8 @@
 
 #include <cstdint>
 
-namespace kernels {
+namespace kernels
+{
 
 enum class Interpolation : std::uint8_t { Nearest, Linear };
 

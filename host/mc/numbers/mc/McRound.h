@@ -43,7 +43,7 @@ inline std::int64_t floorToInt64(double v) noexcept { return clampToInt<std::int
 /// A negative v is moved above zero by k = trunc(v - 1) first and truncated there.
 inline double roundHalfUpReal(double v) noexcept
 {
-  if (v >= 0.0) return std::trunc(v + 0.5);
+  if (v >= 0.0 || std::isinf(v)) return std::trunc(v + 0.5);
   const double k = std::trunc(v - 1.0);
   return k + std::trunc(v - k + 0.5);
 }
