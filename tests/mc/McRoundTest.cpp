@@ -75,12 +75,16 @@ TEST(McRound, StoresVoxelsToTheirLimits)
   EXPECT_EQ(mc::roundHalfEven<std::int32_t>(-2147483648.0), std::numeric_limits<std::int32_t>::min());
 }
 
-TEST(McRound, DisplayBytesAreCutOff)
+TEST(McRound, BytesAndIndicesAreCutOff)
 {
   EXPECT_EQ(mc::truncToByte(-0.9f), 0);
   EXPECT_EQ(mc::truncToByte(1.99f), 1);
   EXPECT_EQ(mc::truncToByte(254.99f), 254);
   EXPECT_EQ(mc::truncToByte(1e30f), 255);
+  EXPECT_EQ(mc::truncToIndex(-0.9), 0);
+  EXPECT_EQ(mc::truncToIndex(65534.99), 65534);
+  EXPECT_EQ(mc::truncToIndex(1e300), 2147483647);
+  EXPECT_EQ(mc::truncToIndex(kNaN), 0);
 }
 
 TEST(McRound, FixedPointRoundsHalvesUpwards)
