@@ -8,8 +8,7 @@
 
 #include <benchmark/benchmark.h>
 
-namespace
-{
+namespace {
 
 using kernels::Affine16;
 using kernels::PairDifference;

@@ -10,8 +10,7 @@
 
 #include <vector>
 
-namespace
-{
+namespace {
 
 using kernels::Interpolation;
 using kernels::ResampleFrame;

@@ -4,11 +4,9 @@
 
 #include <cstddef>
 
-namespace kernels
-{
+namespace kernels {
 
-namespace
-{
+namespace {
 
 struct Rows {
   const std::uint8_t* pixels;

@@ -1,7 +1,6 @@
 #pragma once
 
-namespace kernels
-{
+namespace kernels {
 
 /// Columns [begin, end) of a row; none when begin >= end.
 struct ColumnRange {

@@ -4,11 +4,9 @@
 
 #include <cstring>
 
-namespace kernels
-{
+namespace kernels {
 
-namespace
-{
+namespace {
 
 std::uint8_t greyOf(float v, float min, float scale) { return mc::truncToByte((v - min) * scale + 0.5f); }
 

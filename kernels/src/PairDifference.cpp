@@ -8,11 +8,9 @@
 #include <cstddef>
 #include <vector>
 
-namespace kernels
-{
+namespace kernels {
 
-namespace
-{
+namespace {
 
 constexpr int kMaxSide = 65535;
 constexpr int kBlock = 256;
@@ -140,8 +138,7 @@ PairDifference plainRow(const Walk& wa, const Walk& wb, std::int64_t n)
 }
 
 // The two terms of a mask index, for every row and every column of the compared image.
-class MaskIndex
-{
+class MaskIndex {
 public:
   MaskIndex(const PairImage& image, const PairMask& mask)
     : m_bytes(mask.bytes), m_size(std::int64_t{image.width} * image.height),

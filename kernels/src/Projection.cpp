@@ -7,11 +7,9 @@
 #include <algorithm>
 #include <array>
 
-namespace kernels
-{
+namespace kernels {
 
-namespace
-{
+namespace {
 
 // Index of trunc(position + 0.5) within 0 ... size - 1, or -1.
 std::int64_t nearestWithin(double position, int size)

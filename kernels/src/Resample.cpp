@@ -12,11 +12,9 @@
 #include <type_traits>
 #include <vector>
 
-namespace kernels
-{
+namespace kernels {
 
-namespace
-{
+namespace {
 
 // The rule of every stored value.
 template <class T>

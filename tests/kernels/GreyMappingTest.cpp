@@ -8,8 +8,7 @@
 #include <limits>
 #include <vector>
 
-namespace
-{
+namespace {
 
 std::uint8_t grey(float v, float min, float scale)
 {

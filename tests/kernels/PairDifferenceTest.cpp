@@ -13,8 +13,7 @@ using kernels::PairDifference;
 using kernels::PairImage;
 using kernels::PairMask;
 
-namespace
-{
+namespace {
 
 constexpr std::int64_t kLimit = std::int64_t{1} << 45;
 

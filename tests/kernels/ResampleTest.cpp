@@ -15,8 +15,7 @@ using kernels::Affine;
 using kernels::Interpolation;
 using kernels::ResampleFrame;
 
-namespace
-{
+namespace {
 
 // Values over the whole range of a type, so that rounding, clamping and the way through float show.
 template <class T>
@@ -81,8 +80,7 @@ void expectPlainResult(const ResampleFrame& frame, const std::vector<T>& source,
 }
 
 template <class T>
-class ResampleOf : public testing::Test
-{
+class ResampleOf : public testing::Test {
 };
 using VoxelTypes = testing::Types<std::uint8_t, std::int16_t, std::int32_t, float, double, std::uint16_t>;
 TYPED_TEST_SUITE(ResampleOf, VoxelTypes);

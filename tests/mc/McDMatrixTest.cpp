@@ -7,8 +7,7 @@
 #include <cmath>
 #include <vector>
 
-namespace
-{
+namespace {
 
 using Matrix = McDMatrix<float>;
 

@@ -4,8 +4,7 @@
 
 #include <limits>
 
-namespace
-{
+namespace {
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();

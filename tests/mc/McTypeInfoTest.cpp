@@ -6,12 +6,9 @@
 
 #include <algorithm>
 
-namespace
-{
+namespace {
 
-class Thing : public McHandable
-{
-};
+class Thing : public McHandable {};
 
 McHandable* makeThing() { return new Thing; }
 

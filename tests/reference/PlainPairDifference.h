@@ -5,8 +5,7 @@
 #include <cstddef>
 
 /// The plain loop over all grid points that kernels::pairDifference must equal; null masks = no masks.
-namespace reference
-{
+namespace reference {
 
 inline bool contains(const kernels::PairImage& image, std::int64_t x, std::int64_t y)
 {

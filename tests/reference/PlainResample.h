@@ -8,8 +8,7 @@
 #include <type_traits>
 
 /// The plain loop with a test of every pixel that kernels::resampleRows must equal.
-namespace reference
-{
+namespace reference {
 
 template <class T>
 T stored(float v)

@@ -6,8 +6,7 @@
 #include <vector>
 
 /// Numbers that are the same in every run and on every machine (the distributions of the library are not).
-class Random
-{
+class Random {
 public:
   explicit Random(std::uint32_t seed) : m_engine(seed) {}
 

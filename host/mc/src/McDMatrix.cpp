@@ -6,8 +6,7 @@
 #include <limits>
 #include <vector>
 
-namespace
-{
+namespace {
 
 // Plane rotation that turns (a, b) into (length, 0).
 struct Rotation {
@@ -42,8 +41,7 @@ double reflectedLength(double squares, double first)
 
 // The decomposition in double; m_u starts as the matrix and holds the reflections until they are accumulated.
 // m_w is the diagonal and m_e the superdiagonal of the bidiagonal form: m_e[i] stands above m_w[i].
-class GolubReinsch
-{
+class GolubReinsch {
 public:
   GolubReinsch(const McDMatrix<double>& matrix)
     : m_rows(matrix.nRows()), m_columns(matrix.nCols()), m_u(matrix), m_v(m_columns, m_columns),

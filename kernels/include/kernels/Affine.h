@@ -1,7 +1,6 @@
 #pragma once
 
-namespace kernels
-{
+namespace kernels {
 
 /// Affine mapping of the plane in double precision, row-vector convention; x to the right, y downwards, in
 /// pixels.

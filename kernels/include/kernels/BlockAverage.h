@@ -2,8 +2,7 @@
 
 #include <cstdint>
 
-namespace kernels
-{
+namespace kernels {
 
 /// Reduces an 8-bit image with interleaved channels by whole blocks of factor x factor pixels.
 ///

@@ -3,8 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace kernels
-{
+namespace kernels {
 
 /// Maps n values to display grey levels: (v - min) * scale in float, to the nearest by adding 0.5 and
 /// truncating, clamped to 0 ... 255; NaN gives 0.

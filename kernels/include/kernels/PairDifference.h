@@ -2,8 +2,7 @@
 
 #include <cstdint>
 
-namespace kernels
-{
+namespace kernels {
 
 /// Affine mapping in 16.16 fixed point, row-vector convention: grid point (i, j) maps to
 /// x = dx + i * m11 + j * m21, y = dy + i * m12 + j * m22.

@@ -14,8 +14,7 @@
 ///
 /// How the rows are cut into bands depends on the number of threads, so nothing that a function computes may
 /// depend on the band it is called with.
-namespace kernels
-{
+namespace kernels {
 
 /// Rows of a band that make starting a task worth while, for rows of a given number of points.
 inline int rowGrain(int pointsPerRow) noexcept { return std::max(1, 32768 / std::max(1, pointsPerRow)); }

@@ -5,8 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace kernels
-{
+namespace kernels {
 
 /// Adds one slice to a maximum-intensity projection: every pixel (x, y) of image keeps the larger of its
 /// value and the slice's value at (trunc(sx + 0.5), trunc(sy + 0.5)), where (sx, sy) = inverse(x, y).

@@ -4,8 +4,7 @@
 
 #include <cstdint>
 
-namespace kernels
-{
+namespace kernels {
 
 enum class Interpolation : std::uint8_t { Nearest, Linear };
 
