@@ -15,6 +15,9 @@
 
 namespace {
 
+// What positions in 16.16 fixed point reach.
+constexpr int maxSide = 65535;
+
 enum Action { ActionEdit, ActionResample, ActionResampleToResult };
 
 std::vector<const McTypeInfo*> inputTypes()
@@ -110,6 +113,11 @@ bool ZxAlignSlices::acceptInput(ZxSpatialData* data, ZxLattice* lattice)
   }
   if (lattice->getDims().slices < 2) {
     ZxMessage::getTheMsg()->printf("At least 2 slices required");
+    rejectInput();
+    return false;
+  }
+  if (std::max(lattice->getDims().width, lattice->getDims().height) > maxSide) {
+    ZxMessage::getTheMsg()->printf("Slices of more than %d pixels a side cannot be aligned", maxSide);
     rejectInput();
     return false;
   }
