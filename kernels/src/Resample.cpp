@@ -33,47 +33,65 @@ bool isFinite(const Affine& m)
   return true;
 }
 
-// Positions in the slice along one output row.
-class RowPositions {
-public:
-  RowPositions(const ResampleFrame& frame, int row, double shift)
-    : m_inverse(frame.inverse), m_left(frame.left), m_y(static_cast<double>(row) - frame.top), m_shift(shift)
-  {
-  }
-  double x(int column) const { return m_inverse.mapX(static_cast<double>(column) - m_left, m_y) + m_shift; }
-  double y(int column) const { return m_inverse.mapY(static_cast<double>(column) - m_left, m_y) + m_shift; }
+// Positions in the slice along one output row, moved by shift.
+struct RowPositions {
+  Affine inverse;
+  double left, y, shift;
+
+  double xAt(int column) const { return inverse.mapX(static_cast<double>(column) - left, y) + shift; }
+  double yAt(int column) const { return inverse.mapY(static_cast<double>(column) - left, y) + shift; }
 
   // The columns with 0 <= x < limitX and 0 <= y < limitY.
   ColumnRange inside(ColumnRange all, double limitX, double limitY) const
   {
     // A product that overflows makes a position infinite or not a number; neither is inside.
-    if (!std::isfinite(m_inverse.m21 * m_y) || !std::isfinite(m_inverse.m22 * m_y)) return {};
+    if (!std::isfinite(inverse.m21 * y) || !std::isfinite(inverse.m22 * y)) return {};
     const auto above = [](double v) { return v >= 0.0; };
     const auto inX = columnsInside(
-        all, m_inverse.m11 >= 0.0, [this](int i) { return x(i); }, above,
+        all, inverse.m11 >= 0.0, [this](int i) { return xAt(i); }, above,
         [limitX](double v) { return v < limitX; });
     return columnsInside(
-        inX, m_inverse.m12 >= 0.0, [this](int i) { return y(i); }, above,
+        inX, inverse.m12 >= 0.0, [this](int i) { return yAt(i); }, above,
         [limitY](double v) { return v < limitY; });
   }
-
-private:
-  const Affine& m_inverse;
-  double m_left;
-  double m_y;
-  double m_shift;
 };
 
 // Adding one half first makes the nearest pixel the truncated position.
-constexpr double shiftOf(Interpolation interpolation)
+RowPositions positionsOf(const ResampleFrame& frame, Interpolation interpolation, int row)
 {
-  return interpolation == Interpolation::Nearest ? 0.5 : 0.0;
+  const double shift = interpolation == Interpolation::Nearest ? 0.5 : 0.0;
+  return {frame.inverse, static_cast<double>(frame.left), static_cast<double>(row) - frame.top, shift};
 }
 
+// The columns of a row that the slice reaches; empty ranges begin at 0.
 ColumnRange columnsOf(const ResampleFrame& frame, Interpolation interpolation, const RowPositions& positions)
 {
+  if (!isFinite(frame.inverse)) return {};
   const int beyond = interpolation == Interpolation::Linear ? 1 : 0;
-  return positions.inside({0, frame.outWidth}, frame.width - beyond, frame.height - beyond);
+  const ColumnRange columns =
+      positions.inside({0, frame.outWidth}, frame.width - beyond, frame.height - beyond);
+  return columns.begin < columns.end ? columns : ColumnRange{};
+}
+
+// Some pixels of a row: where they fall into the slice. Found before the look-up, so that it becomes vector
+// code.
+constexpr int kBlock = 128;
+struct Block {
+  int count;
+  int x[kBlock], y[kBlock];
+  float fx[kBlock], fy[kBlock]; // how far the position lies beyond the pixel, 0 ... 1
+};
+
+void locate(const RowPositions& positions, int column, Block& block)
+{
+  for (int k = 0; k < block.count; ++k) {
+    const double x = positions.xAt(column + k);
+    const double y = positions.yAt(column + k);
+    block.x[k] = mc::truncToIndex(x);
+    block.y[k] = mc::truncToIndex(y);
+    block.fx[k] = static_cast<float>(x - block.x[k]);
+    block.fy[k] = static_cast<float>(y - block.y[k]);
+  }
 }
 
 template <class T>
@@ -81,37 +99,60 @@ struct Samples {
   const T* values;
   std::size_t width, channels;
 
-  const T* at(std::size_t x, std::size_t y) const { return values + (y * width + x) * channels; }
+  const T* at(int x, int y) const
+  {
+    return values + (static_cast<std::size_t>(y) * width + static_cast<std::size_t>(x)) * channels;
+  }
 };
 
-// floor of a position that is known to lie inside the slice.
-std::size_t pixelOf(double position) { return static_cast<std::size_t>(mc::truncToInt(position)); }
-
 template <class T>
-void sampleNearest(const Samples<T>& slice, double x, double y, T* out)
+void storeValues(const float* values, int count, T* out, std::size_t step)
 {
-  const T* p = slice.at(pixelOf(x), pixelOf(y));
-  for (std::size_t c = 0; c < slice.channels; ++c) out[c] = storedAs<T>(static_cast<float>(p[c]));
+  if (step == 1)
+    for (int k = 0; k < count; ++k) out[k] = storedAs<T>(values[k]);
+  else
+    for (int k = 0; k < count; ++k) out[static_cast<std::size_t>(k) * step] = storedAs<T>(values[k]);
 }
 
 template <class T>
-void sampleLinear(const Samples<T>& slice, double x, double y, T* out)
+void copyNearest(const Samples<T> slice, const Block& block, T* out)
 {
-  const std::size_t ix = pixelOf(x);
-  const std::size_t iy = pixelOf(y);
-  const float fx = static_cast<float>(x - static_cast<double>(ix));
-  const float fy = static_cast<float>(y - static_cast<double>(iy));
-  const float w00 = (1.0f - fx) * (1.0f - fy);
-  const float w10 = fx * (1.0f - fy);
-  const float w01 = (1.0f - fx) * fy;
-  const float w11 = fx * fy;
-  const T* p = slice.at(ix, iy);
-  const T* below = slice.at(ix, iy + 1);
   const std::size_t n = slice.channels;
-  for (std::size_t c = 0; c < n; ++c) {
-    const float v = w00 * static_cast<float>(p[c]) + w10 * static_cast<float>(p[c + n]) +
-                    w01 * static_cast<float>(below[c]) + w11 * static_cast<float>(below[c + n]);
-    out[c] = storedAs<T>(v);
+  for (int k = 0; k < block.count; ++k) {
+    const T* const p = slice.at(block.x[k], block.y[k]);
+    for (std::size_t c = 0; c < n; ++c) out[static_cast<std::size_t>(k) * n + c] = p[c];
+  }
+}
+
+template <class T>
+void sampleNearest(const Samples<T> slice, const Block& block, T* out)
+{
+  // What has no more than the 24 bits of a float comes back from it unchanged.
+  if constexpr (sizeof(T) <= 2 || std::is_same_v<T, float>) return copyNearest(slice, block, out);
+  float values[kBlock];
+  for (std::size_t c = 0; c < slice.channels; ++c) {
+    for (int k = 0; k < block.count; ++k) values[k] = static_cast<float>(slice.at(block.x[k], block.y[k])[c]);
+    storeValues(values, block.count, out + c, slice.channels);
+  }
+}
+
+template <class T>
+void sampleLinear(const Samples<T> slice, const Block& block, T* out)
+{
+  const std::size_t right = slice.channels;
+  const std::size_t below = slice.channels * slice.width;
+  float values[kBlock];
+  for (std::size_t c = 0; c < slice.channels; ++c) {
+    for (int k = 0; k < block.count; ++k) {
+      const T* const p = slice.at(block.x[k], block.y[k]) + c;
+      const float fx = block.fx[k];
+      const float fy = block.fy[k];
+      values[k] = (1.0f - fx) * (1.0f - fy) * static_cast<float>(p[0]) +
+                  fx * (1.0f - fy) * static_cast<float>(p[right]) +
+                  (1.0f - fx) * fy * static_cast<float>(p[below]) +
+                  fx * fy * static_cast<float>(p[below + right]);
+    }
+    storeValues(values, block.count, out + c, slice.channels);
   }
 }
 
@@ -125,25 +166,22 @@ void fill(T* out, std::size_t pixels, const std::vector<T>& background)
       std::copy(background.begin(), background.end(), out);
 }
 
-// Writes the output rows: background outside the slice, sample(x, y, out) inside.
+// Writes one output row: the background outside the slice, sample(block, out) inside.
 template <class T, class Sample>
-void resampleBand(const ResampleFrame& frame, Interpolation interpolation, const std::vector<T>& background,
-                  T* output, int rowBegin, int rowEnd, const Sample& sample)
+void resampleRow(const ResampleFrame& frame, Interpolation interpolation, const std::vector<T>& background,
+                 T* out, int row, const Sample& sample)
 {
-  const bool usable = isFinite(frame.inverse);
-  const auto outWidth = static_cast<std::size_t>(frame.outWidth);
-  const std::size_t channels = background.size();
-  for (int row = rowBegin; row < rowEnd; ++row) {
-    const RowPositions positions(frame, row, shiftOf(interpolation));
-    ColumnRange columns = usable ? columnsOf(frame, interpolation, positions) : ColumnRange{};
-    if (columns.begin >= columns.end) columns = {};
-    T* const out = output + static_cast<std::size_t>(row) * outWidth * channels;
-    fill(out, static_cast<std::size_t>(columns.begin), background);
-    for (int i = columns.begin; i < columns.end; ++i)
-      sample(positions.x(i), positions.y(i), out + static_cast<std::size_t>(i) * channels);
-    const auto end = static_cast<std::size_t>(columns.end);
-    fill(out + end * channels, outWidth - end, background);
+  const RowPositions positions = positionsOf(frame, interpolation, row);
+  const ColumnRange columns = columnsOf(frame, interpolation, positions);
+  const auto at = [&](int column) { return out + static_cast<std::size_t>(column) * background.size(); };
+  fill(out, static_cast<std::size_t>(columns.begin), background);
+  Block block;
+  for (int column = columns.begin; column < columns.end; column += kBlock) {
+    block.count = std::min(kBlock, columns.end - column);
+    locate(positions, column, block);
+    sample(block, at(column));
   }
+  fill(at(columns.end), static_cast<std::size_t>(frame.outWidth - columns.end), background);
 }
 
 template <class T, class Sample>
@@ -151,8 +189,11 @@ void resampleAll(const ResampleFrame& frame, Interpolation interpolation, const 
                  T* output, int rowBegin, int rowEnd, const Sample& sample)
 {
   if (frame.outWidth <= 0) return;
+  const std::size_t rowSize = static_cast<std::size_t>(frame.outWidth) * background.size();
   forRows(rowBegin, rowEnd, rowGrain(frame.outWidth), [&](int begin, int end) {
-    resampleBand(frame, interpolation, background, output, begin, end, sample);
+    for (int row = begin; row < end; ++row)
+      resampleRow(frame, interpolation, background, output + static_cast<std::size_t>(row) * rowSize, row,
+                  sample);
   });
 }
 
@@ -167,10 +208,10 @@ void resampleRows(const ResampleFrame& frame, const T* source, int channels, Int
   const Samples<T> slice{source, static_cast<std::size_t>(frame.width), outside.size()};
   if (interpolation == Interpolation::Linear)
     resampleAll(frame, interpolation, outside, output, rowBegin, rowEnd,
-                [&slice](double x, double y, T* out) { sampleLinear(slice, x, y, out); });
+                [&slice](const Block& block, T* out) { sampleLinear(slice, block, out); });
   else
     resampleAll(frame, interpolation, outside, output, rowBegin, rowEnd,
-                [&slice](double x, double y, T* out) { sampleNearest(slice, x, y, out); });
+                [&slice](const Block& block, T* out) { sampleNearest(slice, block, out); });
 }
 
 template <class T>
@@ -178,7 +219,7 @@ void resampleLabelRows(const ResampleFrame& frame, const T* source, T* output, i
 {
   const Samples<T> slice{source, static_cast<std::size_t>(frame.width), 1};
   resampleAll(frame, Interpolation::Nearest, std::vector<T>(1), output, rowBegin, rowEnd,
-              [&slice](double x, double y, T* out) { *out = *slice.at(pixelOf(x), pixelOf(y)); });
+              [&slice](const Block& block, T* out) { copyNearest(slice, block, out); });
 }
 
 #define ZX_RESAMPLE(T)                                                                                       \

@@ -40,8 +40,8 @@ struct SliceXForm {
   McVec2f mapInverse(const McVec2f& p, float cx, float cy) const;
 
   /// Turns the whole transform by an angle in degrees about a pivot given relative to the rotation centre:
-  /// t = R(t - q) + q with R in the sense of the forward mapping, rotation += angle. About its own translation
-  /// a slice turns in place.
+  /// t = R(t - q) + q with R in the sense of the forward mapping, rotation += angle. About its own
+  /// translation a slice turns in place.
   void rotate(float degrees, float pivotX, float pivotY);
 
   /// Negates translation and rotation; the flip stays. Deliberately not the inverse of the mapping when the

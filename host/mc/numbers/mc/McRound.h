@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <type_traits>
 
 /// The only place where a floating-point number becomes an integer.
 ///
@@ -34,6 +35,13 @@ inline std::uint8_t truncToByte(float v) noexcept
   return static_cast<std::uint8_t>(static_cast<int>(clamped));
 }
 
+/// Towards zero, clamped to 0 ... 2^31 - 1: an index along one axis. Written without branches, too.
+inline int truncToIndex(double v) noexcept
+{
+  const double notNegative = v > 0.0 ? v : 0.0; // also for NaN
+  return static_cast<int>(notNegative < 2147483647.0 ? notNegative : 2147483647.0);
+}
+
 /// Downwards: -0.1 gives -1.
 inline int floorToInt(double v) noexcept { return clampToInt<int>(std::floor(v)); }
 inline std::int64_t floorToInt64(double v) noexcept { return clampToInt<std::int64_t>(std::floor(v)); }
@@ -43,7 +51,7 @@ inline std::int64_t floorToInt64(double v) noexcept { return clampToInt<std::int
 /// A negative v is moved above zero by k = trunc(v - 1) first and truncated there.
 inline double roundHalfUpReal(double v) noexcept
 {
-  if (v >= 0.0) return std::trunc(v + 0.5);
+  if (v >= 0.0 || std::isinf(v)) return std::trunc(v + 0.5);
   const double k = std::trunc(v - 1.0);
   return k + std::trunc(v - k + 0.5);
 }
@@ -57,15 +65,17 @@ inline int addHalfAndTrunc(double v) noexcept { return clampToInt<int>(std::trun
 template <class Int>
 inline Int roundHalfEven(double v) noexcept
 {
-  if constexpr (sizeof(Int) > 4) {
+  if constexpr (sizeof(Int) > 4 || std::is_same_v<Int, std::uint32_t>) {
     return clampToInt<Int>(std::nearbyint(v));
   } else {
     // At 1.5 * 2^52 neighbouring doubles are 1 apart, so the sum is rounded as wanted, without a call.
     constexpr double ones = 6755399441055744.0;
     constexpr double low = std::numeric_limits<Int>::min();
     constexpr double high = std::numeric_limits<Int>::max();
-    const double clamped = v > high ? high : v < low ? low : v;
-    return v == v ? static_cast<Int>((clamped + ones) - ones) : Int{0};
+    const double notAbove = v < high ? v : high;
+    const double clamped = notAbove > low ? notAbove : low;
+    const double rounded = (v == v ? clamped : 0.0) + ones - ones;
+    return static_cast<Int>(static_cast<std::int32_t>(rounded));
   }
 }
 

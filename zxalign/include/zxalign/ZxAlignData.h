@@ -1,0 +1,99 @@
+#pragma once
+
+#include "mc/McDArray.h"
+#include "mc/McPrimType.h"
+#include "mc/McString.h"
+#include "zx/ZxBox3.h"
+#include "zx/ZxMutex.h"
+
+#include <cstdint>
+#include <vector>
+
+class ZxAlignSlices;
+class ZxLabelLattice;
+class ZxLattice;
+class ZxParamBundle;
+class ZxSpatialData;
+
+/// The slices of the module's input as 8-bit images: of the editable and of the reference slice, grey through
+/// the module's data window, and as RGBA copies of colour input; besides the raw data and the mask of any
+/// slice.
+///
+/// Images are row-major without padding. The data mutex is held while the lattice is read and while the
+/// images are written; it is not recursive.
+class ZxAlignData {
+public:
+  /// The module owns this object and is where window, transforms and projection settings are read.
+  explicit ZxAlignData(ZxAlignSlices* module);
+  ~ZxAlignData();
+
+  /// Takes a new input and allocates the buffers. No slice is chosen and no mask set afterwards, so that the
+  /// next choice is mapped into the new buffers whatever its number. False, with everything released, when a
+  /// pointer is null or there is not enough memory.
+  bool init(ZxSpatialData* data, ZxLattice* lattice);
+  /// Forgets the input.
+  void reset();
+  /// Releases the buffers alone.
+  void resetData();
+
+  ZxLattice* getLattice() const noexcept { return m_lattice; }
+  ZxSpatialData* getSpatialData() const noexcept { return m_data; }
+  const ZxDims& getDims() const noexcept { return m_dims; }
+  int getNumDataVars() const noexcept;
+  McPrimType getPrimType() const noexcept;
+  bool isColorField() const noexcept;
+  /// The parameters of the input, or null without one.
+  ZxParamBundle* getParameters() const noexcept;
+  McString getInputDataName() const;
+  /// Marks the input as changed after its parameters were written.
+  void touchInputData();
+
+  int getEditableSlice() const noexcept { return m_editableSlice; }
+  int getReferenceSlice() const noexcept { return m_referenceSlice; }
+  /// Choose a slice and map it, when it is another one than before.
+  void setEditableSlice(int slice);
+  void setReferenceSlice(int slice);
+  void setMaskLattice(ZxLabelLattice* mask);
+  ZxLabelLattice* getMaskLattice() const noexcept { return m_mask; }
+  /// Maps the editable slice, then the reference slice.
+  void mapSlices();
+
+  unsigned char* getEditableSlicePtr() noexcept { return m_editableImage.data(); }
+  unsigned char* getReferenceSlicePtr() noexcept { return m_referenceImage.data(); }
+  /// RGBA copies. Without a colour field both are the editable slice's grey image.
+  unsigned char* getEditableColorPtr() noexcept;
+  unsigned char* getReferenceColorPtr() noexcept;
+
+  /// Copies a whole slice in its own type into a buffer of this object, which the next call overwrites. Null,
+  /// after a message, when it cannot be read. Takes the data mutex.
+  unsigned char* getOriginalDataPtr(int slice);
+  /// Bit y * width + x (lowest bit of a byte first) is set where the mask's label is not 0; empty without a
+  /// mask. Takes the data mutex.
+  std::vector<std::uint8_t> getMaskBitfield(int slice);
+
+  ZxMutex& dataMutex() noexcept { return m_mutex; }
+
+private:
+  /// Maps one slice, or the projection that stands for it.
+  enum class Role { Editable, Reference };
+  void mapSlice(Role role);
+  void mapNormally(int slice, McDArray<unsigned char>& grey, McDArray<unsigned char>& colour);
+  void mapGrey(const unsigned char* raw, float min, float scale, McDArray<unsigned char>& grey) const;
+  void project(int first, int last, McDArray<unsigned char>& grey);
+  void projectionRange(Role role, int& first, int& last) const;
+  void window(float& min, float& scale) const;
+
+  ZxAlignSlices* m_module; // borrowed
+  ZxLattice* m_lattice = nullptr;
+  ZxDims m_dims;
+  ZxSpatialData* m_data = nullptr;
+  ZxLabelLattice* m_mask = nullptr;
+  McDArray<unsigned char> m_editableImage;
+  McDArray<unsigned char> m_referenceImage;
+  McDArray<unsigned char> m_editableColour;
+  McDArray<unsigned char> m_referenceColour;
+  McDArray<unsigned char> m_rawSlice;
+  int m_editableSlice = -1;
+  int m_referenceSlice = -1;
+  ZxMutex m_mutex;
+};

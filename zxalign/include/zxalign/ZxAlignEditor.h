@@ -1,0 +1,25 @@
+#pragma once
+
+struct SliceInfo;
+
+/// What the module asks of its editor window. The window implements it; the module works without one.
+class ZxAlignEditor {
+public:
+  virtual ~ZxAlignEditor() = default;
+
+  /// Redraws all views of the pair.
+  virtual void updateViews() = 0;
+  /// Shows another transform of the editable slice.
+  virtual void setSliceInfo(const SliceInfo& info) = 0;
+  /// Takes up a new input.
+  virtual void reinitialise() = 0;
+  virtual void setUseMaxIntProjection(bool on) = 0;
+  /// Shows and activates the window, or puts it away.
+  virtual void setActive(bool active) = 0;
+  /// Closes the window after asking what to do with unsaved changes; false when it stays open.
+  virtual bool cancel() = 0;
+  /// Records the present state so that the next change can be taken back.
+  virtual void saveUndoState() = 0;
+  /// Repaints the slice view at once.
+  virtual void repaintSliceView() = 0;
+};

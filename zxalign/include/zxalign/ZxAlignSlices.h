@@ -1,0 +1,201 @@
+#pragma once
+
+#include "mc/McDArray.h"
+#include "zx/ZxField3.h"
+#include "zx/ZxModule.h"
+#include "zxalign/SliceInfo.h"
+#include "zxalign/ZxAlignControl.h"
+#include "zxalign/ZxAlignSettings.h"
+
+#include <QPoint>
+#include <QTransform>
+
+#include <memory>
+
+class ZxAlignData;
+class ZxAlignEditor;
+class ZxAutoAlignMethodFabrique;
+class ZxLabelLattice;
+
+/// The module that aligns the slices of a volume. Owns one SliceInfo per slice, the access to the slice
+/// images, the settings and, when open, the editor window.
+///
+/// The editable slice is aligned to the reference slice beside it. Editable side +1: the editable slice is
+/// the upper one of the pair and the slices beyond it are those above; -1: the lower one and those below.
+/// While the transform-all flag is on, the slices beyond follow every move of the editable one.
+class ZxAlignSlices : public ZxCompModule, public ZxAlignControl {
+public:
+  ZxAlignSlices();
+  ~ZxAlignSlices() override;
+
+  static const McTypeInfo& getClassTypeId();
+  static void initClass();
+  static McHandable* createInstance();
+  const McTypeInfo& getTypeId() const override { return getClassTypeId(); }
+  void update() override;
+  void compute() override;
+
+  ZxConnection portMask;
+  ZxConnection portLabelField;
+  ZxConnection portReference;
+  ZxPortFloatTextN portLinearRange;     ///< grey-value window that maps slices to 8 bits
+  ZxPortMultiMenu portDisplayMode;      ///< plain slice or maximum-intensity projection
+  ZxPortFloatTextN portMaxIntNumSlices; ///< projected slices: reference, editable
+  ZxPortMultiMenu portResampleMethod;   ///< 0 nearest neighbour, 1 linear
+  ZxPortButtonList portAction;          ///< edit, resample, resample into the existing result
+
+  /// Opens or closes the editor window; with activate it is shown.
+  void doIt(int activate);
+
+  // The pair and its images.
+  int getEditableSlice() const noexcept { return m_editableSlice; }
+  int getReferenceSlice() const noexcept { return m_referenceSlice; }
+  int getEditableSide() const noexcept { return m_editableSide; }
+  void setEditableSide(int side) noexcept { m_editableSide = side; }
+  /// Choose a slice; it is mapped to 8 bits when it is another one than before.
+  void setSlice(int slice);
+  void setReferenceSlice(int slice);
+  void mapSlices();
+  void updateViews();
+  /// Writes the data window, maps both slices and redraws.
+  void setRangeCurrent(float min, float max);
+  void setUseMaxIntProjection(bool on);
+  bool usesMaxIntProjection() const noexcept { return m_useMaxIntProjection; }
+  int getReferenceProjectionThickness() const noexcept { return m_referenceThickness; }
+  int getEditableProjectionThickness() const noexcept { return m_editableThickness; }
+  /// The input lattice, or null.
+  ZxLattice* getDataLattice() const noexcept;
+  ZxAlignData& sliceData() noexcept { return *m_data; }
+  unsigned char* getComputedEditableSlicePtr();
+  unsigned char* getComputedReferenceSlicePtr();
+  /// The mutex that guards the input lattice and the images; not recursive.
+  void lockDataMutex();
+  void unlockDataMutex();
+
+  /// Runs the automatic method of an align mode on the current pair; 1 when there is such a method, else 0.
+  int doLayout(int mode);
+  /// Frames per second of ten repaints of the editor's slice view; 0 without an editor.
+  float performanceTest();
+
+  // Settings and state.
+  ZxAlignSettings& alignSettings() noexcept { return m_settings; }
+  const ZxAlignSettings& alignSettings() const noexcept { return m_settings; }
+  const SliceInfo& getSlice(int slice) const noexcept { return m_slices[static_cast<std::size_t>(slice)]; }
+  SliceInfo& getSlice(int slice) noexcept { return m_slices[static_cast<std::size_t>(slice)]; }
+  const McDArray<SliceInfo>& getSlices() const noexcept { return m_slices; }
+  /// The transforms with which the label field was last realigned.
+  const McDArray<SliceInfo>& getAppliedLabelSlices() const noexcept { return m_appliedLabelSlices; }
+  bool isReferenceFixed() const noexcept { return m_fixReference; }
+  void setReferenceFixed(bool fixed) noexcept { m_fixReference = fixed; }
+  bool transformsAll() const noexcept { return m_transformAll; }
+  void setTransformAll(bool all) noexcept { m_transformAll = all; }
+  bool isModified() const noexcept { return m_modified; }
+  void setModified(bool modified) noexcept { m_modified = modified; }
+
+  // Whole-stack operations. Angles in degrees, distances in pixels, y downwards.
+
+  /// Moves the editable slice and, with the transform-all flag, those beyond it.
+  void translateAll(float dx, float dy);
+  /// Turns the same slices about the editable slice's displayed centre.
+  void rotateAll(float angle);
+  /// Turns them about a pivot given relative to the slice centre.
+  void rotateAll(float angle, float pivotX, float pivotY);
+  /// Gives the editable slice this translation; all moves the whole stack with it.
+  void translate(float x, float y, bool all);
+  /// Gives the editable slice this rotation; all turns the whole stack with it.
+  void rotate(float angle, bool all);
+  /// Changes that can be taken back; only while the editor is open.
+  void translateRelative(float dx, float dy);
+  void rotateRelative(float angle);
+  /// The smallest output size in pixels that holds every transformed slice.
+  void calcMinBox(int* width, int* height) const;
+  /// Borders (first, last) in x and y that place the slices' common box in the output; width and height of
+  /// the input are used where one of them is 0.
+  void calculateOrigin(int* xBorders, int* yBorders, int width, int height) const;
+
+  // Landmarks: every slice has the same number, each operation changes all slices. Indices are not checked.
+  void addPoint(QPoint p);
+  void removePoint(int index);
+  void movePoints(QPoint offset, int index);
+  /// Adds two, at a quarter and three quarters of width and height.
+  void createDefaultPoints();
+  /// The rigid motion from the points a to the points b, as displayed.
+  QTransform getTransform(const McDArray<QPoint>& a, const McDArray<QPoint>& b) const;
+
+  // Storage in the parameters of data.
+  bool saveTransform(ZxParamBundle& target, McDArray<SliceInfo>& slices);
+  bool savePoints(ZxParamBundle& target, McDArray<SliceInfo>& slices);
+  void readTransform();
+  void readPoints();
+  void readReference(ZxField3* reference);
+
+  /// Resamples the input and a connected label field with the current transforms. reuse writes into the
+  /// existing results where their size fits.
+  void apply(bool reuse);
+  void computeMostFrequentColor(const unsigned char* data, int width, int height, int channels,
+                                McPrimType type, McDArray<float>& color) const;
+
+  /// Quality (0 to 1) of two images of one size under two transforms; channels 1 or 4.
+  float computeQuality(const unsigned char* image0, const unsigned char* image1, int width, int height,
+                       int channels, const SliceXForm& xform0, const SliceXForm& xform1) const;
+  /// Quality of the current pair.
+  float computeQuality();
+  /// Shows the quality of the current pair in the status line, unless the work area is busy.
+  void updateQuality();
+
+  // ZxAlignControl
+  std::span<const ZxAlignSetting> settings() const override;
+  std::string setSetting(const std::string& name, const std::string& value) override;
+  std::string getSetting(const std::string& name) const override;
+  std::vector<Method> methods() const override;
+  int numSlices() const override;
+  int referenceSlice() const override { return m_referenceSlice; }
+  std::vector<ZxAlignTransform> transforms() const override;
+  bool setTransforms(std::span<const ZxAlignTransform> transforms) override;
+  int alignAll(int method, int reference, const std::function<void(const ZxAlignPairResult&)>& done) override;
+  double pairQuality(int lower) override;
+  double maskedPairQuality(int lower) override;
+  void minimalSize(int& width, int& height) const override { calcMinBox(&width, &height); }
+  bool saveAlignment() override;
+
+private:
+  friend class ZxAlignResampler;
+
+  // Steps of compute(), one per port.
+  /// False when the pass ends here.
+  bool computeData();
+  bool acceptInput(ZxSpatialData* data, ZxLattice* lattice);
+  void rejectInput();
+  void checkAuxiliaryInputs(const ZxLattice& lattice);
+  void initDataWindow(ZxLattice& lattice);
+  void initTransforms();
+  void initPair();
+  void computeMask();
+  void computeReference();
+  void computeAction();
+  void computeMaxIntNumSlices();
+
+  /// The slices that a change of the editable one affects: calls change for each, the editable one first.
+  template <class Change>
+  void forAffectedSlices(Change change);
+  void showEditableSlice();
+  void selectPair(const ZxAlignPair& pair);
+  ZxAlignPairResult alignPair(const ZxAlignPair& pair, int method);
+
+  std::unique_ptr<ZxAlignData> m_data;
+  ZxAutoAlignMethodFabrique* m_methods; // the process's registry
+  std::unique_ptr<ZxAlignEditor> m_editor;
+  bool m_fixReference = false;
+  int m_editableSide = 1;
+  int m_editableSlice = 0;
+  int m_referenceSlice = 0;
+  McDArray<SliceInfo> m_slices;
+  McDArray<SliceInfo> m_appliedLabelSlices;
+  bool m_transformAll = true;
+  bool m_modified = false;
+  bool m_useMaxIntProjection = false;
+  int m_referenceThickness = 10;
+  int m_editableThickness = 10;
+  bool m_editorOpen = false;
+  ZxAlignSettings m_settings;
+};

@@ -1,0 +1,238 @@
+#include "zxalign/ZxAlignData.h"
+
+#include "AlignmentMatrix.h"
+#include "kernels/GreyMapping.h"
+#include "kernels/Projection.h"
+#include "zx/ZxData.h"
+#include "zx/ZxMessage.h"
+#include "zx/ZxWorkArea.h"
+#include "zxalign/ZxAlignSlices.h"
+
+#include <algorithm>
+#include <cstring>
+#include <mutex>
+#include <new>
+
+ZxAlignData::ZxAlignData(ZxAlignSlices* module) : m_module(module) {}
+
+ZxAlignData::~ZxAlignData() = default;
+
+bool ZxAlignData::init(ZxSpatialData* data, ZxLattice* lattice)
+{
+  reset();
+  if (!data || !lattice) return false;
+  const std::size_t bytes = lattice->shape().sliceBytes();
+  try {
+    for (auto* buffer : {&m_editableImage, &m_referenceImage, &m_rawSlice}) buffer->resize(bytes);
+    if (lattice->isColor())
+      for (auto* buffer : {&m_editableColour, &m_referenceColour}) buffer->resize(bytes);
+  } catch (const std::bad_alloc&) {
+    reset();
+    ZxMessage::getTheMsg()->memError(bytes);
+    return false;
+  }
+  m_data = data;
+  m_lattice = lattice;
+  m_dims = lattice->getDims();
+  return true;
+}
+
+void ZxAlignData::resetData()
+{
+  for (auto* buffer :
+       {&m_editableImage, &m_referenceImage, &m_editableColour, &m_referenceColour, &m_rawSlice})
+    buffer->release();
+}
+
+void ZxAlignData::reset()
+{
+  resetData();
+  m_editableSlice = m_referenceSlice = -1;
+  m_lattice = nullptr;
+  m_mask = nullptr;
+  m_data = nullptr;
+  m_dims = {};
+}
+
+int ZxAlignData::getNumDataVars() const noexcept { return m_lattice ? m_lattice->getNumDataVars() : 0; }
+
+McPrimType ZxAlignData::getPrimType() const noexcept
+{
+  return m_lattice ? m_lattice->primType() : McPrimType::UInt8;
+}
+
+bool ZxAlignData::isColorField() const noexcept { return m_lattice && m_lattice->isColor(); }
+
+ZxParamBundle* ZxAlignData::getParameters() const noexcept
+{
+  return m_data ? &m_data->parameters() : nullptr;
+}
+
+McString ZxAlignData::getInputDataName() const { return m_data ? m_data->getLabel() : McString(); }
+
+void ZxAlignData::touchInputData()
+{
+  if (m_data) m_data->touch();
+}
+
+void ZxAlignData::setEditableSlice(int slice)
+{
+  if (slice == m_editableSlice) return;
+  m_editableSlice = slice;
+  mapSlice(Role::Editable);
+}
+
+void ZxAlignData::setReferenceSlice(int slice)
+{
+  if (slice == m_referenceSlice) return;
+  m_referenceSlice = slice;
+  mapSlice(Role::Reference);
+}
+
+void ZxAlignData::setMaskLattice(ZxLabelLattice* mask)
+{
+  if (mask == m_mask) return;
+  m_mask = mask;
+  mapSlices();
+}
+
+void ZxAlignData::mapSlices()
+{
+  mapSlice(Role::Editable);
+  mapSlice(Role::Reference);
+}
+
+unsigned char* ZxAlignData::getEditableColorPtr() noexcept
+{
+  return isColorField() ? m_editableColour.data() : m_editableImage.data();
+}
+
+unsigned char* ZxAlignData::getReferenceColorPtr() noexcept
+{
+  return isColorField() ? m_referenceColour.data() : m_editableImage.data();
+}
+
+unsigned char* ZxAlignData::getOriginalDataPtr(int slice)
+{
+  if (!m_lattice || slice < 0 || slice >= m_dims.slices) return nullptr;
+  const std::lock_guard lock(m_mutex);
+  if (m_lattice->readSlice(slice, m_rawSlice.data())) return m_rawSlice.data();
+  ZxMessage::getTheMsg()->printf("Slice %d of %s cannot be read.", slice, getInputDataName().getString());
+  return nullptr;
+}
+
+std::vector<std::uint8_t> ZxAlignData::getMaskBitfield(int slice)
+{
+  std::vector<std::uint8_t> bits;
+  if (!m_mask || slice < 0 || slice >= m_mask->getDims().slices) return bits;
+  const std::size_t n = m_mask->getDims().slicePixels();
+  std::vector<unsigned char> labels(m_mask->shape().sliceBytes());
+  {
+    const std::lock_guard lock(m_mutex);
+    if (!m_mask->readSlice(slice, labels.data())) return bits;
+  }
+  bits.assign((n + 7) / 8, 0);
+  mcVisit(m_mask->primType(), [&](auto zero) {
+    const auto* label = reinterpret_cast<const decltype(zero)*>(labels.data());
+    for (std::size_t i = 0; i < n; ++i)
+      if (label[i] != 0) bits[i / 8] = static_cast<std::uint8_t>(bits[i / 8] | 1U << (i % 8));
+  });
+  return bits;
+}
+
+void ZxAlignData::mapSlice(Role role)
+{
+  if (!m_lattice) return;
+  const bool editable = role == Role::Editable;
+  const int slice = editable ? m_editableSlice : m_referenceSlice;
+  if (slice < 0 || slice >= m_dims.slices) return;
+  McDArray<unsigned char>& grey = editable ? m_editableImage : m_referenceImage;
+  if (m_module->usesMaxIntProjection()) {
+    int first = 0, last = 0;
+    projectionRange(role, first, last);
+    project(first, last, grey);
+  } else {
+    mapNormally(slice, grey, editable ? m_editableColour : m_referenceColour);
+  }
+}
+
+void ZxAlignData::window(float& min, float& scale) const
+{
+  min = m_module->portLinearRange.getValue(0);
+  const float max = m_module->portLinearRange.getValue(1);
+  scale = max == min ? 255.0f : 255.0f / (max - min);
+}
+
+void ZxAlignData::mapNormally(int slice, McDArray<unsigned char>& grey, McDArray<unsigned char>& colour)
+{
+  const std::vector<std::uint8_t> mask = getMaskBitfield(slice);
+  const std::size_t n = m_dims.slicePixels();
+  const std::lock_guard lock(m_mutex);
+  const void* inMemory = m_lattice->sliceInMemory(slice);
+  if (!inMemory && !m_lattice->readSlice(slice, m_rawSlice.data())) {
+    ZxMessage::getTheMsg()->printf("Slice %d of %s cannot be read.", slice, getInputDataName().getString());
+    std::fill(m_rawSlice.begin(), m_rawSlice.end(), static_cast<unsigned char>(0));
+  }
+  const auto* raw = inMemory ? static_cast<const unsigned char*>(inMemory) : m_rawSlice.data();
+  float min = 0, scale = 0;
+  window(min, scale);
+  if (isColorField()) {
+    kernels::mapColour(raw, n, min, scale, grey.data());
+    std::memcpy(colour.data(), raw, n * 4);
+  } else {
+    mapGrey(raw, min, scale, grey);
+  }
+  if (!mask.empty())
+    kernels::applyMask(mask.data(), n, grey.data(), isColorField() ? colour.data() : nullptr);
+}
+
+void ZxAlignData::mapGrey(const unsigned char* raw, float min, float scale,
+                          McDArray<unsigned char>& grey) const
+{
+  const std::size_t n = m_dims.slicePixels() * static_cast<std::size_t>(getNumDataVars());
+  const float max = m_module->portLinearRange.getValue(1);
+  if (getPrimType() == McPrimType::UInt8 && min == 0.0f && max == 255.0f) {
+    std::memcpy(grey.data(), raw, n);
+    return;
+  }
+  mcVisit(getPrimType(), [&](auto zero) {
+    kernels::mapLinear(reinterpret_cast<const decltype(zero)*>(raw), n, min, scale, grey.data());
+  });
+}
+
+void ZxAlignData::projectionRange(Role role, int& first, int& last) const
+{
+  const bool editable = role == Role::Editable;
+  const int slice = editable ? m_editableSlice : m_referenceSlice;
+  const int thickness =
+      editable ? m_module->getEditableProjectionThickness() : m_module->getReferenceProjectionThickness();
+  // Each range extends away from the other slice of the pair.
+  const bool upwards = editable == (m_module->getEditableSide() == 1);
+  first = upwards ? slice : std::max(0, slice + 1 - thickness);
+  last = upwards ? std::min(slice + thickness - 1, m_dims.slices - 1) : slice;
+}
+
+void ZxAlignData::project(int first, int last, McDArray<unsigned char>& grey)
+{
+  std::fill(grey.begin(), grey.end(), static_cast<unsigned char>(0));
+  ZxMessage* msg = ZxMessage::getTheMsg();
+  if (getPrimType() != McPrimType::UInt8) return msg->printf("Cannot project, only unsigned chars allowed");
+  if (getNumDataVars() != 1) return msg->printf("Cannot project, only 1 channel images allowed");
+  ZxWorkArea* workArea = ZxWorkArea::getTheWorkArea();
+  const ZxWorkingPhase phase("Projecting");
+  workArea->setProgressText("Projecting");
+  for (int s = first; s <= last; ++s) {
+    workArea->setProgressFraction(static_cast<float>(s - first) / static_cast<float>(last - first + 1));
+    workArea->setProgressText("Projecting slice %d\n", s);
+    QTransform inverse;
+    m_module->getSlice(s).getInverseMatrix(inverse, sliceCentre(m_dims.width), sliceCentre(m_dims.height));
+    const unsigned char* raw = getOriginalDataPtr(s);
+    if (!raw) continue;
+    const std::lock_guard lock(m_mutex);
+    kernels::projectSlice(raw, m_dims.width, m_dims.height, toAffine(inverse), grey.data());
+  }
+  float min = 0, scale = 0;
+  window(min, scale);
+  const std::lock_guard lock(m_mutex);
+  kernels::windowProjected(grey.data(), m_dims.slicePixels(), min, scale);
+}

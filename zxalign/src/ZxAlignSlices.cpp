@@ -1,0 +1,314 @@
+#include "zxalign/ZxAlignSlices.h"
+
+#include "ZxAlignResampler.h"
+#include "mc/McMath.h"
+#include "mc/McRound.h"
+#include "zx/ZxMessage.h"
+#include "zx/ZxWorkArea.h"
+#include "zxalign/ZxAlignData.h"
+#include "zxalign/ZxAlignEditor.h"
+#include "zxalign/ZxAutoAlignMethod.h"
+#include "zxalign/ZxAutoAlignMethodFabrique.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace {
+
+// What positions in 16.16 fixed point reach.
+constexpr int maxSide = 65535;
+
+enum Action { ActionEdit, ActionResample, ActionResampleToResult };
+
+std::vector<const McTypeInfo*> inputTypes()
+{
+  return {&ZxLatticeInterface::getClassTypeId(), &ZxRegScalarField3::getClassTypeId(),
+          &ZxUniformColorField3::getClassTypeId(), &ZxExternalData::getClassTypeId()};
+}
+
+bool sameDims(const ZxLattice* a, const ZxLattice& b) { return a && a->getDims() == b.getDims(); }
+
+/// A stored output size; that of the input where there is none, or one that no volume can have.
+int storedSize(const ZxParamBundle& parameters, const char* name, int inputSize)
+{
+  int size = 0;
+  return parameters.findNums(name, 1, &size) && size > 0 ? size : inputSize;
+}
+
+} // namespace
+
+const McTypeInfo& ZxAlignSlices::getClassTypeId()
+{
+  static const McTypeInfo type("ZxAlignSlices", {&ZxCompModule::getClassTypeId()},
+                               &ZxAlignSlices::createInstance);
+  return type;
+}
+
+void ZxAlignSlices::initClass() { getClassTypeId(); }
+
+McHandable* ZxAlignSlices::createInstance() { return new ZxAlignSlices; }
+
+ZxAlignSlices::ZxAlignSlices()
+  : ZxCompModule(inputTypes()), portMask(this, "mask", {&ZxLabelLatticeInterface::getClassTypeId()}),
+    portLabelField(this, "LabelField", {&ZxLabelLatticeInterface::getClassTypeId()}),
+    portReference(this, "reference",
+                  {&ZxRegScalarField3::getClassTypeId(), &ZxStackedScalarField3::getClassTypeId(),
+                   &ZxUniformColorField3::getClassTypeId()}),
+    portLinearRange(this, "linearRange", "Data Window:", {{"min", 0.0f}, {"max", 255.0f}}),
+    portDisplayMode(this, "displayMode", "Display mode:", {"Normal", "Max. intensity projection"}, 0),
+    portMaxIntNumSlices(this, "maxIntNumSlices",
+                        "Number of slices projected:", {{"Reference:", 10.0f}, {"Editable:", 10.0f}}),
+    portResampleMethod(this, "resampleMethod", "Resample method", {"Preview", "High Quality"}, 1),
+    portAction(this, "action", "Action:", {"Edit", "Resample", "Resample to Result"}),
+    m_data(std::make_unique<ZxAlignData>(this)), m_methods(ZxAutoAlignMethodFabrique::getInstance())
+{
+}
+
+ZxAlignSlices::~ZxAlignSlices() = default;
+
+void ZxAlignSlices::update()
+{
+  portAction.setButtonSensitive(ActionResampleToResult, getResult(0) != nullptr);
+  if (const ZxLattice* input = portData.getLattice()) {
+    portLinearRange.setVisible(!input->isColor());
+    portDisplayMode.setVisible(!input->isColor());
+  }
+  portMaxIntNumSlices.setVisible(portDisplayMode.getValue() != 0);
+}
+
+void ZxAlignSlices::compute()
+{
+  if (portData.isNew() && !computeData()) return;
+  if (!m_data->getLattice()) return;
+  if (portMask.isNew()) computeMask();
+  if (portReference.isNew()) computeReference();
+  if (portLinearRange.isNew()) setRangeCurrent(portLinearRange.getValue(0), portLinearRange.getValue(1));
+  if (portAction.isNew()) computeAction();
+  if (portDisplayMode.isNew()) setUseMaxIntProjection(portDisplayMode.getValue() != 0);
+  if (portMaxIntNumSlices.isNew()) computeMaxIntNumSlices();
+}
+
+bool ZxAlignSlices::computeData()
+{
+  ZxLattice* lattice = portData.getLattice();
+  if (!lattice || !lattice->isValid()) {
+    rejectInput();
+    return true;
+  }
+  return lattice == m_data->getLattice() || acceptInput(portData.getSpatialData(), lattice);
+}
+
+void ZxAlignSlices::rejectInput()
+{
+  portData.disconnect();
+  m_data->reset();
+}
+
+bool ZxAlignSlices::acceptInput(ZxSpatialData* data, ZxLattice* lattice)
+{
+  if (!m_data->init(data, lattice)) return false;
+  if (lattice->isColor()) {
+    setUseMaxIntProjection(false);
+    portDisplayMode.setValue(0);
+  }
+  if (lattice->getDims().slices < 2) {
+    ZxMessage::getTheMsg()->printf("At least 2 slices required");
+    rejectInput();
+    return false;
+  }
+  if (std::max(lattice->getDims().width, lattice->getDims().height) > maxSide) {
+    ZxMessage::getTheMsg()->printf("Slices of more than %d pixels a side cannot be aligned", maxSide);
+    rejectInput();
+    return false;
+  }
+  checkAuxiliaryInputs(*lattice);
+  initDataWindow(*lattice);
+  initTransforms();
+  initPair();
+  return true;
+}
+
+void ZxAlignSlices::checkAuxiliaryInputs(const ZxLattice& lattice)
+{
+  // A reference that fits is read when the transforms have their new length.
+  for (ZxConnection* connection : {&portMask, &portReference, &portLabelField})
+    if (connection->isConnected() && !sameDims(connection->getLattice(), lattice)) connection->disconnect();
+  m_data->setMaskLattice(dynamic_cast<ZxLabelLattice*>(portMask.getLattice()));
+}
+
+void ZxAlignSlices::initDataWindow(ZxLattice& lattice)
+{
+  float min = 0.0f, max = 255.0f;
+  double stored[2];
+  if (m_data->getParameters()->findReals("DataWindow", 2, stored)) {
+    min = static_cast<float>(stored[0]);
+    max = static_cast<float>(stored[1]);
+  } else if (!lattice.isColor()) {
+    lattice.getRange(min, max);
+  }
+  portLinearRange.setValue(0, min);
+  portLinearRange.setValue(1, max);
+}
+
+void ZxAlignSlices::initTransforms()
+{
+  const ZxParamBundle& parameters = *m_data->getParameters();
+  const ZxDims& dims = m_data->getDims();
+  m_settings.outputWidth = storedSize(parameters, "OutputImageWidth", dims.width);
+  m_settings.outputHeight = storedSize(parameters, "OutputImageHeigth", dims.height);
+  for (McDArray<SliceInfo>* slices : {&m_slices, &m_appliedLabelSlices}) {
+    slices->resize(static_cast<std::size_t>(dims.slices));
+    for (SliceInfo& slice : *slices) slice.setXForm(SliceXForm());
+  }
+  int applied = 0;
+  if (!parameters.findNums("AlignIsApplied", 1, &applied) || applied == 0) readTransform();
+  if (portReference.isConnected()) readReference(dynamic_cast<ZxField3*>(portReference.getSource()));
+}
+
+void ZxAlignSlices::initPair()
+{
+  const ZxDims& dims = m_data->getDims();
+  const int editable = dims.slices / 2;
+  // Of two slices the upper one cannot be a reference for one above it.
+  if (editable - m_editableSide >= dims.slices) m_editableSide = 1;
+  setReferenceSlice(editable - m_editableSide);
+  setSlice(editable);
+  updateViews();
+  updateQuality();
+  m_settings.rotationStep = static_cast<float>(360.0 / (mc::kPi * dims.width));
+  if (m_editor) m_editor->reinitialise();
+}
+
+void ZxAlignSlices::computeMask()
+{
+  auto* mask = dynamic_cast<ZxLabelLattice*>(portMask.getLattice());
+  if (mask && !sameDims(mask, *m_data->getLattice())) mask = nullptr;
+  if (!mask) portMask.disconnect();
+  m_data->setMaskLattice(mask);
+  updateViews();
+}
+
+void ZxAlignSlices::computeReference()
+{
+  auto* reference = dynamic_cast<ZxField3*>(portReference.getSource());
+  if (reference && sameDims(reference->getLattice(), *m_data->getLattice()))
+    readReference(reference);
+  else
+    portReference.disconnect();
+  if (m_editor) m_editor->reinitialise();
+}
+
+void ZxAlignSlices::computeAction()
+{
+  if (!portData.isConnected()) return;
+  switch (portAction.getHit()) {
+  case ActionEdit:
+    doIt(1);
+    break;
+  case ActionResample:
+    apply(false);
+    update();
+    break;
+  case ActionResampleToResult:
+    apply(true);
+    break;
+  default:
+    break;
+  }
+}
+
+void ZxAlignSlices::computeMaxIntNumSlices()
+{
+  const int reference = std::max(1, mc::addHalfAndTrunc(portMaxIntNumSlices.getValue(0)));
+  const int editable = std::max(1, mc::addHalfAndTrunc(portMaxIntNumSlices.getValue(1)));
+  if (reference == m_referenceThickness && editable == m_editableThickness) return;
+  m_referenceThickness = reference;
+  m_editableThickness = editable;
+  mapSlices();
+  updateViews();
+}
+
+void ZxAlignSlices::doIt(int activate)
+{
+  if (!m_editor) {
+    ZxMessage::getTheMsg()->printf("This program has no editor window for ZxAlignSlices.");
+    return;
+  }
+  // An editor that refuses to close is activated again.
+  if (m_editorOpen && m_editor->cancel())
+    m_editorOpen = false;
+  else {
+    m_editorOpen = true;
+    if (activate) m_editor->setActive(true);
+  }
+  portAction.setButtonLabel(ActionEdit, m_editorOpen ? "Close" : "Edit");
+  ZxWorkArea::getTheWorkArea()->processPendingEvents();
+}
+
+void ZxAlignSlices::setSlice(int slice)
+{
+  m_editableSlice = slice;
+  m_data->setEditableSlice(slice);
+}
+
+void ZxAlignSlices::setReferenceSlice(int slice)
+{
+  m_referenceSlice = slice;
+  m_data->setReferenceSlice(slice);
+}
+
+void ZxAlignSlices::mapSlices() { m_data->mapSlices(); }
+
+void ZxAlignSlices::updateViews()
+{
+  if (m_editor) m_editor->updateViews();
+}
+
+void ZxAlignSlices::setRangeCurrent(float min, float max)
+{
+  portLinearRange.setValue(0, min);
+  portLinearRange.setValue(1, max);
+  mapSlices();
+  updateViews();
+}
+
+void ZxAlignSlices::setUseMaxIntProjection(bool on)
+{
+  if (on == m_useMaxIntProjection) return;
+  portDisplayMode.setValue(on ? 1 : 0);
+  m_useMaxIntProjection = on;
+  mapSlices();
+  if (m_editor) m_editor->setUseMaxIntProjection(on);
+}
+
+ZxLattice* ZxAlignSlices::getDataLattice() const noexcept { return m_data->getLattice(); }
+
+unsigned char* ZxAlignSlices::getComputedEditableSlicePtr() { return m_data->getEditableSlicePtr(); }
+
+unsigned char* ZxAlignSlices::getComputedReferenceSlicePtr() { return m_data->getReferenceSlicePtr(); }
+
+void ZxAlignSlices::lockDataMutex() { m_data->dataMutex().lock(); }
+
+void ZxAlignSlices::unlockDataMutex() { m_data->dataMutex().unlock(); }
+
+int ZxAlignSlices::doLayout(int mode)
+{
+  const std::unique_ptr<ZxAutoAlignMethod> method(m_methods->createAutoAlignMethod(this, mode));
+  if (!method) return 0;
+  method->doLayout();
+  return 1;
+}
+
+float ZxAlignSlices::performanceTest()
+{
+  if (!m_editor) return 0.0f;
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point start = Clock::now();
+  for (int i = 0; i < 10; ++i) m_editor->repaintSliceView();
+  const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+  const double rate = 10.0 / seconds;
+  ZxMessage::getTheMsg()->printf("Time = %g s for 10 frames. Rate= %.2f fps\n", seconds, rate);
+  return static_cast<float>(rate);
+}
+
+void ZxAlignSlices::apply(bool reuse) { ZxAlignResampler(*this).run(reuse); }

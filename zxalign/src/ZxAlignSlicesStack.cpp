@@ -1,0 +1,378 @@
+// What ZxAlignSlices does with its slices: whole-stack operations, landmarks, storage, quality, runs over the
+// whole stack.
+#include "AlignmentGeometry.h"
+#include "AlignmentMatrix.h"
+#include "AlignmentOrder.h"
+#include "AlignmentQuality.h"
+#include "AlignmentStorage.h"
+#include "MostFrequentColor.h"
+#include "RigidFit.h"
+#include "mc/McRound.h"
+#include "zx/ZxMessage.h"
+#include "zx/ZxWorkArea.h"
+#include "zxalign/ZxAlignData.h"
+#include "zxalign/ZxAlignEditor.h"
+#include "zxalign/ZxAlignSlices.h"
+#include "zxalign/ZxAutoAlignMethodFabrique.h"
+#include "zxalign/ZxDefaultAlignmentEvaluator.h"
+
+#include <chrono>
+
+namespace {
+
+void shift(SliceInfo& slice, float dx, float dy)
+{
+  slice.translationX += dx;
+  slice.translationY += dy;
+}
+
+ZxAlignTransform toControl(const SliceXForm& x)
+{
+  return {x.translationX, x.translationY, x.rotation, x.flip};
+}
+
+/// One byte a pixel, as the evaluator takes masks.
+std::vector<unsigned char> maskBytes(const std::vector<std::uint8_t>& bits, std::size_t pixels)
+{
+  std::vector<unsigned char> bytes(bits.empty() ? 0 : pixels);
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = bits[i / 8] >> (i % 8) & 1U;
+  return bytes;
+}
+
+} // namespace
+
+template <class Change>
+void ZxAlignSlices::forAffectedSlices(Change change)
+{
+  const int n = static_cast<int>(m_slices.size());
+  if (m_editableSlice < 0 || m_editableSlice >= n) return;
+  if (m_fixReference || (!m_transformAll && (m_editableSide == 1 || m_editableSide == -1))) {
+    change(getSlice(m_editableSlice));
+  } else if (m_editableSide == 1) {
+    for (int i = m_editableSlice; i < n; ++i) change(getSlice(i));
+  } else if (m_editableSide == -1) {
+    for (int i = m_editableSlice; i >= 0; --i) change(getSlice(i));
+  }
+}
+
+void ZxAlignSlices::showEditableSlice()
+{
+  if (m_editor) m_editor->setSliceInfo(SliceInfo(getSlice(m_editableSlice)));
+}
+
+void ZxAlignSlices::translateAll(float dx, float dy)
+{
+  forAffectedSlices([&](SliceInfo& slice) { shift(slice, dx, dy); });
+  showEditableSlice();
+}
+
+void ZxAlignSlices::rotateAll(float angle)
+{
+  const SliceInfo& editable = getSlice(m_editableSlice);
+  // The pivot is read afresh for each slice; turning the editable one in place leaves it where it is.
+  forAffectedSlices(
+      [&](SliceInfo& slice) { slice.rotate(angle, editable.translationX, editable.translationY); });
+  showEditableSlice();
+}
+
+void ZxAlignSlices::rotateAll(float angle, float pivotX, float pivotY)
+{
+  forAffectedSlices([&](SliceInfo& slice) { slice.rotate(angle, pivotX, pivotY); });
+  showEditableSlice();
+}
+
+void ZxAlignSlices::translate(float x, float y, bool all)
+{
+  const float dx = x - getSlice(m_editableSlice).translationX;
+  const float dy = y - getSlice(m_editableSlice).translationY;
+  if (all) {
+    for (SliceInfo& slice : m_slices) shift(slice, dx, dy);
+    showEditableSlice();
+  } else {
+    translateAll(dx, dy);
+  }
+  m_modified = true;
+  updateQuality();
+}
+
+void ZxAlignSlices::rotate(float angle, bool all)
+{
+  const SliceXForm editable = getSlice(m_editableSlice);
+  const float d = angle - editable.rotation;
+  if (all) {
+    for (SliceInfo& slice : m_slices) slice.rotate(d, editable.translationX, editable.translationY);
+    showEditableSlice();
+  } else {
+    rotateAll(d);
+  }
+  m_modified = true;
+  updateQuality();
+}
+
+void ZxAlignSlices::translateRelative(float dx, float dy)
+{
+  if (!m_editor || !m_editorOpen) return;
+  m_editor->saveUndoState();
+  translateAll(dx, dy);
+  m_modified = true;
+  updateQuality();
+}
+
+void ZxAlignSlices::rotateRelative(float angle)
+{
+  if (!m_editor || !m_editorOpen) return;
+  m_editor->saveUndoState();
+  rotateAll(angle);
+  m_modified = true;
+  updateQuality();
+}
+
+void ZxAlignSlices::calcMinBox(int* width, int* height) const
+{
+  const ZxLattice* lattice = m_data->getLattice();
+  *width = *height = 0;
+  if (lattice) minimalOutputSize(m_slices, lattice->getDims(), lattice->getBoundingBox(), *width, *height);
+}
+
+void ZxAlignSlices::calculateOrigin(int* xBorders, int* yBorders, int width, int height) const
+{
+  OutputBorders b;
+  if (const ZxLattice* lattice = m_data->getLattice())
+    b = originBorders(m_slices, lattice->getDims(), lattice->getBoundingBox(), m_settings.outputWidth,
+                      m_settings.outputHeight, width, height);
+  xBorders[0] = b.left;
+  xBorders[1] = b.right;
+  yBorders[0] = b.top;
+  yBorders[1] = b.bottom;
+}
+
+void ZxAlignSlices::addPoint(QPoint p)
+{
+  for (SliceInfo& slice : m_slices) slice.landmarks.append(p);
+}
+
+void ZxAlignSlices::removePoint(int index)
+{
+  for (SliceInfo& slice : m_slices) slice.landmarks.remove(static_cast<std::size_t>(index));
+}
+
+void ZxAlignSlices::movePoints(QPoint offset, int index)
+{
+  for (SliceInfo& slice : m_slices) slice.landmarks[static_cast<std::size_t>(index)] += offset;
+}
+
+void ZxAlignSlices::createDefaultPoints()
+{
+  const ZxDims& dims = m_data->getDims();
+  for (const double share : {0.25, 0.75})
+    addPoint(QPoint(mc::truncToInt(share * dims.width), mc::truncToInt(share * dims.height)));
+}
+
+QTransform ZxAlignSlices::getTransform(const McDArray<QPoint>& a, const McDArray<QPoint>& b) const
+{
+  return fitRigidMotion(a, b);
+}
+
+bool ZxAlignSlices::saveTransform(ZxParamBundle& target, McDArray<SliceInfo>& slices)
+{
+  ZxParamBundle* input = m_data->getParameters();
+  if (!input) return false;
+  input->setNum("OutputImageWidth", m_settings.outputWidth);
+  input->setNum("OutputImageHeigth", m_settings.outputHeight);
+  m_data->touchInputData();
+  if (!storage::writeTransforms(target, slices, m_data->getDims())) return false;
+  savePoints(target, slices);
+  return true;
+}
+
+bool ZxAlignSlices::savePoints(ZxParamBundle& target, McDArray<SliceInfo>& slices)
+{
+  return storage::writePoints(target, slices);
+}
+
+void ZxAlignSlices::readTransform()
+{
+  if (const ZxParamBundle* input = m_data->getParameters())
+    storage::readTransforms(*input, m_slices, m_data->getDims(), storage::Missing::Tell);
+  readPoints();
+}
+
+void ZxAlignSlices::readPoints()
+{
+  if (const ZxParamBundle* input = m_data->getParameters())
+    storage::readPoints(*input, m_slices, m_data->getDims(), storage::pointBundle, storage::Missing::Tell);
+  if (!m_slices.isEmpty() && m_slices[0].landmarks.size() < 2) createDefaultPoints();
+}
+
+void ZxAlignSlices::readReference(ZxField3* reference)
+{
+  if (!m_data->getLattice() || m_slices.isEmpty() || !reference) return;
+  const ZxLattice* lattice = reference->getLattice();
+  if (lattice->getNumDataVars() != 1 && lattice->getNumDataVars() != 4) return;
+  const ZxDims& dims = m_data->getDims();
+  if (lattice->getDims() != dims) {
+    ZxMessage::getTheMsg()->printf("Wrong dimensions in reference object");
+    return;
+  }
+  const ZxParamBundle& source = reference->parameters();
+  storage::readTransforms(source, m_slices, dims, storage::Missing::PassOver);
+  // Landmarks of a reference refer to the image size that its transforms were stored with.
+  storage::readPoints(source, m_slices, dims, storage::transformBundle, storage::Missing::PassOver);
+  updateViews();
+}
+
+void ZxAlignSlices::computeMostFrequentColor(const unsigned char* data, int width, int height, int channels,
+                                             McPrimType type, McDArray<float>& color) const
+{
+  mostFrequentColor(data, ZxDims{width, height, 1}.slicePixels(), channels, type, color);
+}
+
+float ZxAlignSlices::computeQuality(const unsigned char* image0, const unsigned char* image1, int width,
+                                    int height, int channels, const SliceXForm& xform0,
+                                    const SliceXForm& xform1) const
+{
+  const kernels::PairDifference difference = kernels::pairDifference(
+      {image0, width, height}, inverse16(xform0, width, height), {image1, width, height},
+      inverse16(xform1, width, height), width, height, channels);
+  return alignmentQuality(difference, channels, ZxDims{width, height, 1}.slicePixels());
+}
+
+float ZxAlignSlices::computeQuality()
+{
+  const ZxDims& dims = m_data->getDims();
+  const int n = static_cast<int>(m_slices.size());
+  const auto inside = [n](int slice) { return slice >= 0 && slice < n; };
+  if (!m_data->getLattice() || !inside(m_referenceSlice) || !inside(m_editableSlice)) return 0.0f;
+  const bool colour = m_data->isColorField();
+  return computeQuality(colour ? m_data->getReferenceColorPtr() : m_data->getReferenceSlicePtr(),
+                        colour ? m_data->getEditableColorPtr() : m_data->getEditableSlicePtr(), dims.width,
+                        dims.height, colour ? 4 : 1, getSlice(m_referenceSlice), getSlice(m_editableSlice));
+}
+
+void ZxAlignSlices::updateQuality()
+{
+  ZxWorkArea* workArea = ZxWorkArea::getTheWorkArea();
+  if (workArea->isBusy() || !m_data->getLattice()) return;
+  const auto flipped = [this](int slice) {
+    return slice >= 0 && slice < numSlices() && getSlice(slice).flip ? "flipped" : "unflipped";
+  };
+  workArea->setProgressText("Current slices: %d - %d (%s - %s) quality = %.2f", m_referenceSlice,
+                            m_editableSlice, flipped(m_referenceSlice), flipped(m_editableSlice),
+                            static_cast<double>(computeQuality()) * 100.0);
+}
+
+std::span<const ZxAlignSetting> ZxAlignSlices::settings() const { return ZxAlignSettings::table(); }
+
+std::string ZxAlignSlices::setSetting(const std::string& name, const std::string& value)
+{
+  return m_settings.set(name, value);
+}
+
+std::string ZxAlignSlices::getSetting(const std::string& name) const { return m_settings.get(name); }
+
+std::vector<ZxAlignControl::Method> ZxAlignSlices::methods() const
+{
+  McDArray<int> ids;
+  McDArray<McString> names;
+  m_methods->getAutoAlignMethods(ids, names);
+  std::vector<Method> all;
+  for (std::size_t i = 0; i < ids.size(); ++i) all.push_back({ids[i], names[i].str()});
+  return all;
+}
+
+int ZxAlignSlices::numSlices() const { return m_data->getLattice() ? m_data->getDims().slices : 0; }
+
+std::vector<ZxAlignTransform> ZxAlignSlices::transforms() const
+{
+  std::vector<ZxAlignTransform> all;
+  for (const SliceInfo& slice : m_slices) all.push_back(toControl(slice));
+  return all;
+}
+
+bool ZxAlignSlices::setTransforms(std::span<const ZxAlignTransform> transforms)
+{
+  if (transforms.size() != m_slices.size()) return false;
+  for (std::size_t i = 0; i < transforms.size(); ++i) {
+    const ZxAlignTransform& t = transforms[i];
+    m_slices[i].setXForm(SliceXForm(t.tx, t.ty, t.angleDegrees, t.flip));
+  }
+  m_modified = true;
+  updateViews();
+  return true;
+}
+
+void ZxAlignSlices::selectPair(const ZxAlignPair& pair)
+{
+  m_editableSide = pair.side;
+  setReferenceSlice(pair.reference);
+  setSlice(pair.editable);
+}
+
+ZxAlignPairResult ZxAlignSlices::alignPair(const ZxAlignPair& pair, int method)
+{
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point start = Clock::now();
+  selectPair(pair);
+  ZxAlignPairResult result;
+  result.pair = pair;
+  result.qualityBefore = static_cast<double>(computeQuality());
+  const ZxAlignTransform before = toControl(getSlice(pair.editable));
+  doLayout(method);
+  result.transform = toControl(getSlice(pair.editable));
+  result.changed = !(result.transform == before);
+  result.qualityAfter = static_cast<double>(computeQuality());
+  result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+  return result;
+}
+
+int ZxAlignSlices::alignAll(int method, int reference,
+                            const std::function<void(const ZxAlignPairResult&)>& done)
+{
+  ZxWorkArea* workArea = ZxWorkArea::getTheWorkArea();
+  const std::vector<ZxAlignPair> pairs = alignmentOrder(reference, numSlices());
+  const ZxWorkingPhase phase("");
+  m_transformAll = true;
+  m_fixReference = false;
+  int count = 0;
+  for (const ZxAlignPair& pair : pairs) {
+    workArea->setProgressText("Aligning slice %d with %d", pair.editable, pair.reference);
+    workArea->setProgressFraction((static_cast<float>(count) + 0.5f) / static_cast<float>(pairs.size()));
+    const ZxAlignPairResult result = alignPair(pair, method);
+    if (workArea->wasInterrupted(1)) break;
+    if (done) done(result);
+    ++count;
+  }
+  return count;
+}
+
+double ZxAlignSlices::pairQuality(int lower)
+{
+  if (lower < 0 || lower + 1 >= numSlices()) return 0.0;
+  selectPair({lower + 1, lower, +1});
+  return static_cast<double>(computeQuality());
+}
+
+double ZxAlignSlices::maskedPairQuality(int lower)
+{
+  if (lower < 0 || lower + 1 >= numSlices()) return 0.0;
+  selectPair({lower + 1, lower, +1});
+  const ZxDims& dims = m_data->getDims();
+  const bool colour = m_data->isColorField();
+  std::vector<unsigned char> mask0 = maskBytes(m_data->getMaskBitfield(lower), dims.slicePixels());
+  std::vector<unsigned char> mask1 = maskBytes(m_data->getMaskBitfield(lower + 1), dims.slicePixels());
+  const McHandle<ZxAlignmentEvaluator> evaluator(new ZxDefaultAlignmentEvaluator);
+  evaluator->setImageStackParams(dims.width, dims.height, colour ? 4 : 1);
+  evaluator->setImage0(colour ? m_data->getReferenceColorPtr() : m_data->getReferenceSlicePtr());
+  evaluator->setImage1(colour ? m_data->getEditableColorPtr() : m_data->getEditableSlicePtr());
+  evaluator->setMask0(mask0.empty() ? nullptr : mask0.data());
+  evaluator->setMask1(mask1.empty() ? nullptr : mask1.data());
+  return static_cast<double>(evaluator->quality(getSlice(lower), getSlice(lower + 1), 0));
+}
+
+bool ZxAlignSlices::saveAlignment()
+{
+  ZxParamBundle* input = m_data->getParameters();
+  if (!input || !saveTransform(*input, m_slices)) return false;
+  m_modified = false;
+  return true;
+}

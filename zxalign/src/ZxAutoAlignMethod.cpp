@@ -1,0 +1,74 @@
+#include "zxalign/ZxAutoAlignMethod.h"
+
+#include "mc/McMath.h"
+#include "zxalign/ZxAlignData.h"
+#include "zxalign/ZxAlignSlices.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+namespace {
+
+/// Sums of v, x v, y v, x^2 v, x y v and y^2 v over an image.
+struct Moments {
+  double m00 = 0, m10 = 0, m01 = 0, m20 = 0, m11 = 0, m02 = 0;
+};
+
+Moments momentsOf(const unsigned char* image, int width, int height)
+{
+  Moments m;
+  for (std::int64_t y = 0; y < height; ++y) {
+    std::int64_t v0 = 0, v1 = 0, v2 = 0; // of one row: below 2^8 * 65535^3 / 3
+    for (std::int64_t x = 0; x < width; ++x) {
+      const std::int64_t v = *image++;
+      v0 += v;
+      v1 += x * v;
+      v2 += x * x * v;
+    }
+    const auto row = static_cast<double>(y);
+    m.m00 += static_cast<double>(v0);
+    m.m10 += static_cast<double>(v1);
+    m.m20 += static_cast<double>(v2);
+    m.m01 += row * static_cast<double>(v0);
+    m.m11 += row * static_cast<double>(v1);
+    m.m02 += row * row * static_cast<double>(v0);
+  }
+  if (m.m00 == 0.0) m.m00 = 1.0;
+  return m;
+}
+
+struct Direction {
+  double x, y;
+};
+
+/// The eigenvector of the larger eigenvalue of [[a20, a11], [a11, a02]]; (0, 1) where every direction is one.
+Direction principalDirection(double a20, double a11, double a02)
+{
+  const double lambda =
+      (a20 + a02) / 2.0 + std::sqrt(std::max(0.0, (a20 - a02) * (a20 - a02) / 4.0 + a11 * a11));
+  const double p = a02 - lambda;
+  const double q = a20 - lambda;
+  if (std::abs(p) > std::abs(q))
+    return std::abs(p) > std::abs(a11) ? Direction{a11 / p, 1.0} : Direction{1.0, p / a11};
+  if (std::abs(q) > std::abs(a11)) return {1.0, a11 / q};
+  return a11 != 0.0 ? Direction{q / a11, 1.0} : Direction{0.0, 1.0};
+}
+
+} // namespace
+
+void ZxAutoAlignMethod::computeCenterAndOrientation(const unsigned char* image, McVec2f& center, float& angle,
+                                                    int flipped) const
+{
+  const ZxDims& dims = m_module->sliceData().getDims();
+  const Moments m = momentsOf(image, dims.width, dims.height);
+  const double cx = m.m10 / m.m00;
+  const double cy = m.m01 / m.m00;
+  const double a20 = (m.m20 - 2.0 * cx * m.m10 + cx * cx * m.m00) / m.m00;
+  const double a11 = (m.m11 - cx * m.m01 - cy * m.m10 + cx * cy * m.m00) / m.m00;
+  const double a02 = (m.m02 - 2.0 * cy * m.m01 + cy * cy * m.m00) / m.m00;
+  const Direction d = principalDirection(a20, a11, a02);
+  const double length = std::sqrt(d.x * d.x + d.y * d.y);
+  angle = static_cast<float>(mc::atan2(d.y / length, (flipped ? -d.x : d.x) / length));
+  center = {static_cast<float>(cx), static_cast<float>(cy)};
+}

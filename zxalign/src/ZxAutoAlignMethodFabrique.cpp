@@ -1,0 +1,56 @@
+#include "zxalign/ZxAutoAlignMethodFabrique.h"
+
+#include "ZxOptimizeAlignMethod.h"
+
+#include <algorithm>
+
+ZxAutoAlignMethodFabrique* ZxAutoAlignMethodFabrique::getInstance()
+{
+  static ZxAutoAlignMethodFabrique instance;
+  return &instance;
+}
+
+ZxAutoAlignMethodFabrique::ZxAutoAlignMethodFabrique() { registerAutoAlignMethod(); }
+
+void ZxAutoAlignMethodFabrique::registerAutoAlignMethod()
+{
+  m_methods.append({ZxOptimizeAlignMethod::methodName, &ZxOptimizeAlignMethod::createMethod, 1});
+}
+
+int ZxAutoAlignMethodFabrique::getNextIdNumber() const noexcept
+{
+  // Numbers up to 3 belong to the built-in methods.
+  constexpr int firstFree = 4;
+  const auto plugIns =
+      std::count_if(m_methods.begin(), m_methods.end(), [](const auto& m) { return m.id >= firstFree; });
+  return firstFree + static_cast<int>(plugIns);
+}
+
+void ZxAutoAlignMethodFabrique::registerAutoAlignMethodPlugIn(const char* name, CreateFunction create)
+{
+  m_methods.append({McString(name), create, getNextIdNumber()});
+}
+
+ZxAutoAlignMethod* ZxAutoAlignMethodFabrique::createAutoAlignMethod(ZxAlignSlices* module,
+                                                                    const char* name) const
+{
+  const auto it =
+      std::find_if(m_methods.begin(), m_methods.end(), [&](const auto& m) { return m.name == name; });
+  return it == m_methods.end() ? nullptr : it->create(module);
+}
+
+ZxAutoAlignMethod* ZxAutoAlignMethodFabrique::createAutoAlignMethod(ZxAlignSlices* module, int id) const
+{
+  const auto it = std::find_if(m_methods.begin(), m_methods.end(), [&](const auto& m) { return m.id == id; });
+  return it == m_methods.end() ? nullptr : it->create(module);
+}
+
+void ZxAutoAlignMethodFabrique::getAutoAlignMethods(McDArray<int>& ids, McDArray<McString>& names) const
+{
+  ids.clear();
+  names.clear();
+  for (const ZxAutoAlignMethodID& m : m_methods) {
+    ids.append(m.id);
+    names.append(m.name);
+  }
+}
