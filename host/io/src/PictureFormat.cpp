@@ -1,6 +1,7 @@
 #include "FileError.h"
 #include "Format.h"
 #include "PictureHeader.h"
+#include "PngWriter.h"
 #include "SliceWriter.h"
 #include "StoredVoxels.h"
 
@@ -137,40 +138,12 @@ std::string PictureFormat::cannotHold(const ZxLatticeShape& shape) const
   return std::string("PNG pictures cannot hold the type ") + mcNameOf(shape.primType);
 }
 
-void writePng(const ZxLatticeShape& shape, const std::byte* slice, const std::string& path)
-{
-  const auto encoder = itk::PNGImageIO::New();
-  const auto width = static_cast<std::size_t>(shape.dims.width);
-  const auto height = static_cast<std::size_t>(shape.dims.height);
-  itk::ImageIORegion region(2);
-  region.SetSize(0, width);
-  region.SetSize(1, height);
-  encoder->SetFileName(path);
-  encoder->SetNumberOfDimensions(2);
-  encoder->SetDimensions(0, width);
-  encoder->SetDimensions(1, height);
-  encoder->SetIORegion(region);
-  encoder->SetNumberOfComponents(static_cast<unsigned>(shape.numDataVars));
-  encoder->SetPixelType(shape.numDataVars == 4 ? itk::IOPixelEnum::RGBA : itk::IOPixelEnum::SCALAR);
-  encoder->SetComponentType(shape.primType == McPrimType::UInt8 ? itk::IOComponentEnum::UCHAR
-                                                                : itk::IOComponentEnum::USHORT);
-  encoder->SetUseCompression(true);
-  encoder->SetCompressionLevel(4);
-  encoder->Write(slice);
-}
-
 void PictureFormat::write(const ZxSpatialData& data, const std::string& target,
                           const std::string& temporary) const
 {
   const ZxLatticeShape& shape = data.getLattice()->shape();
-  forEachSlice(data, target, [&](std::span<const std::byte> slice) {
-    try {
-      writePng(shape, slice.data(), temporary);
-      PictureHeader::read(temporary); // The encoder does not notice when the last bytes cannot be stored.
-    } catch (const std::exception&) {
-      cannotWrite(target, "the disk is full or cannot be written to");
-    }
-  });
+  forEachSlice(data, target,
+               [&](std::span<const std::byte> slice) { writePng(shape, slice, target, temporary); });
 }
 
 } // namespace
