@@ -121,6 +121,65 @@ void expectAsDescribed(const std::string& file, const Json& expected)
     EXPECT_NEAR(sliceMean(*field, k), expected["slice_means"][k], 1.0);
 }
 
+struct Statistics {
+  double min = std::numeric_limits<double>::infinity();
+  double max = -std::numeric_limits<double>::infinity();
+  double mean = 0;
+};
+
+/// Of all values of slice 0.
+Statistics statisticsOf(ZxField3& field, bool withAlpha)
+{
+  const std::string bytes = sliceBytes(field, 0);
+  return mcVisit(field.getLattice()->primType(), [&](auto zero) {
+    using T = decltype(zero);
+    Statistics result;
+    double count = 0;
+    for (std::size_t i = 0; i * sizeof(T) < bytes.size(); ++i) {
+      if (field.getLattice()->isColor() && i % 4 == 3 && !withAlpha) continue;
+      T value;
+      std::memcpy(&value, bytes.data() + i * sizeof(T), sizeof value);
+      result.min = std::min(result.min, static_cast<double>(value));
+      result.max = std::max(result.max, static_cast<double>(value));
+      result.mean += static_cast<double>(value);
+      ++count;
+    }
+    result.mean /= count;
+    return result;
+  });
+}
+
+/// Grey and palette of any depth, colour of 8 bits; of the other formats all but a header without its image
+/// and a line of numbers.
+bool isSupported(const std::string& name, const Json& facts)
+{
+  if (!facts.contains("pages"))
+    return name.find("nifti1.hdr") == std::string::npos && name.find("1d") == std::string::npos;
+  const std::string photometric = facts["photometric"];
+  if (facts["samples"] == 1) return true;
+  return facts["bits"] == 8 && facts["sample_format"] == "1" &&
+         (photometric == "RGB" || photometric == "YCBCR");
+}
+
+/// Compares the first page with what another reader says of it. One of them spreads 2 and 4 bits to 0..255,
+/// turns packed pictures with white at 0 over, and divides colours by their alpha.
+void expectLikeOtherReader(ZxField3& field, const Json& facts)
+{
+  const Json& page = facts["first_page"];
+  if (!page.is_object() || !page.value("min", Json()).is_number()) return;
+  const bool pillow = page["by"] == "Pillow";
+  const int bits = facts["bits"];
+  const bool spread = pillow && facts["photometric"] != "PALETTE" && (bits == 2 || bits == 4);
+  const double scale = spread ? 255.0 / ((1 << bits) - 1) : 1.0;
+  if (pillow && (facts["samples"] == 4 || facts["photometric"] == "MINISWHITE")) return;
+  if (facts["samples"] == 4 && page["max"] == 1) return; // a fourth sample that is no alpha
+  const Statistics own = statisticsOf(field, facts["samples"] == 4);
+  const double tolerance = facts["compression"] == "JPEG" ? 1.0 : 6e-5;
+  EXPECT_NEAR(own.min * scale, page["min"], tolerance);
+  EXPECT_NEAR(own.max * scale, page["max"], tolerance);
+  EXPECT_NEAR(own.mean * scale, page["mean"], tolerance);
+}
+
 /// Refused with one sentence that names the file or one that belongs to it, and quickly enough to be no
 /// attack.
 void expectRefused(const fs::path& file)
@@ -191,6 +250,27 @@ TEST_F(VolumeTest, ReadsTheFilesOfOtherPrograms)
       expectAsDescribed((data / name).string(), facts);
     else
       expectRefused(data / name);
+  }
+}
+
+TEST_F(VolumeTest, ReadsOtherFilesLikeOtherReaders)
+{
+  const fs::path data = readersFolder();
+  if (!fs::exists(data / "expected_other_files.json")) GTEST_SKIP() << "no test data";
+  const Json expected = readJson(data / "expected_other_files.json");
+  for (const auto& [name, facts] : expected.items()) {
+    SCOPED_TRACE(name);
+    const std::string file = (data / name).string();
+    if (!isSupported(name, facts)) {
+      expectRefused(file);
+      continue;
+    }
+    McHandle<ZxField3> field;
+    ASSERT_NO_THROW(field = io::readVolume({file})) << refusalOf(file);
+    if (!facts.contains("pages")) continue;
+    EXPECT_EQ(field->getLattice()->getDims().width, facts["width"]);
+    EXPECT_EQ(field->getLattice()->getDims().height, facts["height"]);
+    expectLikeOtherReader(*field, facts);
   }
 }
 

@@ -122,7 +122,7 @@ StoredVoxels TiffPage::voxels(const std::string& fileName) const
   if (type && (isGrey(*this) || (isPalette() && samples == 1 && bits <= 16))) return {.type = *type};
   std::string text = std::string(photometricName(photometric)) + ' ' + formatName(sampleFormat);
   text += std::to_string(bits);
-  if (samples != 1) text += " with " + std::to_string(samples) + " samples a pixel";
+  if (samples != 1 && samples != 3) text += " with " + std::to_string(samples) + " samples a pixel";
   cannotRead(fileName, "pixels of the type " + text + " are not supported");
 }
 
