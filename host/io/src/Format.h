@@ -11,6 +11,13 @@
 /// What every file format gives to the library. Private to host/io.
 namespace io {
 
+/// Width and height of one slice in pixels.
+struct SliceSize {
+  int width = 0;
+  int height = 0;
+  friend bool operator==(const SliceSize&, const SliceSize&) = default;
+};
+
 /// An open volume file whose header has been checked against the file: sizes are plausible, the data are
 /// there in full where that can be known without decoding.
 class VolumeReader {
@@ -20,6 +27,11 @@ public:
   /// Reads slice k (counted from 0) in the type of info().shape into dst. Slices are asked for in rising
   /// order. Throws Error when the data are damaged or short.
   virtual void readSlice(int k, void* dst) = 0;
+  /// Size of slice k. Where slices differ info().shape has the largest width and height, and readSlice()
+  /// gives each in its own size.
+  virtual SliceSize sliceSize(int) const { return {m_info.shape.dims.width, m_info.shape.dims.height}; }
+  /// Slice k for a sentence to the user: "page 3 of stack.tif".
+  virtual std::string sliceName(int k) const { return "slice " + std::to_string(k); }
 
 protected:
   VolumeInfo m_info;
@@ -43,8 +55,10 @@ public:
   /// True when the parameters are written into the file itself; else they go into <file>.params.json.
   virtual bool holdsParameters() const noexcept { return false; }
   /// Writes the volume. target is the final name (for headers that name a second file); temporary is the
-  /// name to write to, in the same folder. Polls the work area between slices. Throws Error, also when the
-  /// disk is full; the caller removes what is left.
+  /// name to write to: the same folder, and a prefix of its own before the same name. A second file is
+  /// written with the same prefix too (".zx-7-b.mhd" and ".zx-7-b.raw" become "b.mhd" and "b.raw"): the
+  /// caller renames all files with the prefix when everything is written, and removes them on failure.
+  /// Polls the work area between slices. Throws Error, also when the disk is full.
   virtual void write(const ZxSpatialData& data, const std::string& target,
                      const std::string& temporary) const = 0;
 };

@@ -1,0 +1,159 @@
+#include "RawVolumeReader.h"
+
+#include "DataFileName.h"
+#include "FileError.h"
+#include "NumberStream.h"
+#include "SliceWriter.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace io {
+
+namespace {
+
+std::uint64_t product(const std::string& path, std::initializer_list<std::uint64_t> factors)
+{
+  std::uint64_t result = 1;
+  for (const std::uint64_t factor : factors)
+    if (__builtin_mul_overflow(result, factor, &result)) cannotRead(path, "its sizes are impossibly large");
+  return result;
+}
+
+/// Bytes of voxels that a data file holds at most.
+std::uint64_t capacity(const DataFile& file, std::size_t valueBytes)
+{
+  const std::uint64_t size = fileSize(file.path);
+  const std::uint64_t packed = size - std::min(size, file.offset);
+  const std::uint64_t unpacked = unpackedLimit(packed, file.packing);
+  const std::uint64_t rest = unpacked - std::min(unpacked, file.skip);
+  switch (file.notation) {
+  case Notation::Hex:
+    return rest / 2;
+  case Notation::Text:
+    return (rest / 2 + 1) * valueBytes; // one digit and one space each
+  default:
+    return rest;
+  }
+}
+
+std::unique_ptr<ByteStream> open(const DataFile& file, StoredType type)
+{
+  std::unique_ptr<ByteStream> stream = openBytes(file.path, file.offset, file.packing);
+  stream->skip(file.skip);
+  switch (file.notation) {
+  case Notation::Text:
+    return std::make_unique<TextStream>(std::move(stream), file.path, type);
+  case Notation::Hex:
+    return std::make_unique<HexStream>(std::move(stream), file.path);
+  default:
+    return stream;
+  }
+}
+
+} // namespace
+
+ZxDims checkedDims(const std::string& path, std::int64_t width, std::int64_t height, std::int64_t slices)
+{
+  const auto size = [&](std::int64_t n) {
+    if (n < 1) cannotRead(path, "its size " + std::to_string(n) + " is not positive");
+    if (n > std::numeric_limits<int>::max())
+      cannotRead(path, "its size " + std::to_string(n) + " is too large");
+    return static_cast<int>(n);
+  };
+  return {size(width), size(height), size(slices)};
+}
+
+RawVolumeReader::RawVolumeReader(RawVolume volume, VolumeInfo info) : m_volume(std::move(volume))
+{
+  m_info = std::move(info);
+  checkFiles();
+  m_info.shape.dims = m_volume.dims;
+  m_info.shape.numDataVars = m_volume.voxels.channels == 1 ? 1 : 4;
+  m_info.shape.primType = findType();
+  m_info.storedType = m_volume.voxels.describe();
+  if (m_volume.volumes > 1)
+    m_info.remarks.push_back("\"" + fileName(m_volume.path) + "\" holds " + std::to_string(m_volume.volumes) +
+                             " volumes, the first one is read.");
+}
+
+void RawVolumeReader::checkFiles()
+{
+  const ZxDims& dims = m_volume.dims;
+  const auto width = static_cast<std::uint64_t>(dims.width), height = static_cast<std::uint64_t>(dims.height);
+  m_sliceBytes = product(m_volume.path, {width, height, m_volume.voxels.bytes()});
+  const std::uint64_t all =
+      product(m_volume.path, {m_sliceBytes, static_cast<std::uint64_t>(dims.slices), m_volume.volumes});
+  const std::uint64_t files = m_volume.files.size();
+  if (files == 0 || all % files != 0)
+    cannotRead(m_volume.path, "its voxels cannot be spread over " + std::to_string(files) + " files evenly");
+  m_shareBytes = all / files;
+  for (DataFile& file : m_volume.files) {
+    if (file.place == Place::AtEnd) file.offset = std::max(fileSize(file.path), m_shareBytes) - m_shareBytes;
+    const std::uint64_t held = capacity(file, sizeOf(m_volume.voxels.type));
+    if (held < m_shareBytes)
+      cannotRead(file.path, "the file is truncated: it must hold " + std::to_string(m_shareBytes) +
+                                " bytes of voxels and has room for " + std::to_string(held) + " at most");
+  }
+}
+
+McPrimType RawVolumeReader::findType()
+{
+  const std::optional<McPrimType> type = m_volume.voxels.typeInMemory();
+  if (type && m_volume.narrowing == Narrowing::None) return *type;
+  IntegerRange range;
+  for (int k = 0; k < m_volume.dims.slices; ++k) {
+    throwIfInterrupted();
+    if (k == 0) restart();
+    m_buffer.resize(m_sliceBytes);
+    readStored(m_buffer);
+    m_volume.voxels.extendRange(m_buffer.data(), m_volume.dims.slicePixels(), range);
+  }
+  restart();
+  const std::optional<McPrimType> found = smallestTypeFor(range);
+  if (!found)
+    cannotRead(m_volume.path, "its values of type " + m_volume.voxels.describe() +
+                                  " lie beyond 2^53, where no supported type holds them");
+  return *found;
+}
+
+void RawVolumeReader::restart()
+{
+  m_stream.reset();
+  m_file = 0;
+  m_shareLeft = 0;
+  m_next = 0;
+}
+
+void RawVolumeReader::readStored(std::span<std::byte> bytes)
+{
+  while (!bytes.empty()) {
+    if (m_shareLeft == 0) {
+      m_stream = open(m_volume.files[m_file++], m_volume.voxels.type);
+      m_shareLeft = m_shareBytes;
+    }
+    const std::size_t n = std::min<std::uint64_t>(bytes.size(), m_shareLeft);
+    if (m_stream->read(bytes.data(), n) != n)
+      cannotRead(m_volume.files[m_file - 1].path, "its data end too early");
+    m_shareLeft -= n;
+    bytes = bytes.subspan(n);
+  }
+}
+
+void RawVolumeReader::readSlice(int k, void* dst)
+{
+  if (k < m_next) restart();
+  const bool plain = m_volume.voxels.isPlain(m_info.shape.primType);
+  m_buffer.resize(plain && k == m_next ? 0 : m_sliceBytes);
+  for (; m_next < k; ++m_next) readStored(m_buffer);
+  if (plain) {
+    readStored({static_cast<std::byte*>(dst), m_sliceBytes});
+  } else {
+    m_buffer.resize(m_sliceBytes);
+    readStored(m_buffer);
+    m_volume.voxels.convert(m_buffer.data(), m_volume.dims.slicePixels(), m_info.shape.primType, dst);
+  }
+  ++m_next;
+}
+
+} // namespace io

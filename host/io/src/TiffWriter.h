@@ -1,0 +1,14 @@
+#pragma once
+
+#include "zx/ZxData.h"
+
+#include <string>
+
+namespace io {
+
+/// Writes a volume as a TIFF file of uncompressed pages, as BigTIFF when it would pass 4 GB. The description
+/// of the first page is that of ImageJ, so that voxel size and unit are found by other programs. Messages
+/// name the file as target. Throws Error.
+void writeTiff(const ZxSpatialData& data, const std::string& target, const std::string& path);
+
+} // namespace io
