@@ -17,7 +17,8 @@ struct AlignReport {
   std::string version;             ///< of the program
   std::vector<std::string> inputs; ///< as given
   std::string output;              ///< as given
-  /// The options and settings in effect, name and value as text, in the order of the manual.
+  /// The options and settings in effect, name and value as text, in the order of the manual. The number of
+  /// threads is no part of them: it changes no result.
   std::vector<std::pair<std::string, std::string>> options;
   ZxDims dimensions;                    ///< of the input
   std::string type;                     ///< of the input's voxels, e.g. "uint8", "RGBA uint8"
