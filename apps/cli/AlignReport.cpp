@@ -7,10 +7,8 @@
 #include <nlohmann/json.hpp>
 #include <numeric>
 
-namespace cli
-{
-namespace
-{
+namespace cli {
+namespace {
 
 using Json = nlohmann::ordered_json;
 
@@ -71,8 +69,8 @@ Json totalsJson(const AlignReport& report)
 
 Json truthJson(const TruthDistance& truth)
 {
-  return {{"unit", "pixel"},    {"median", truth.median}, {"mean", truth.mean},
-          {"max", truth.max},   {"above_1_px", truth.far}, {"pairs", truth.pairs}};
+  return {{"unit", "pixel"},  {"median", truth.median},  {"mean", truth.mean},
+          {"max", truth.max}, {"above_1_px", truth.far}, {"pairs", truth.pairs}};
 }
 
 Json reportJson(const AlignReport& report)

@@ -2,10 +2,8 @@
 
 #include <clocale>
 
-namespace cli
-{
-namespace
-{
+namespace cli {
+namespace {
 
 void dropMessage(QtMsgType, const QMessageLogContext&, const QString&) {}
 

@@ -3,14 +3,12 @@
 #include <QGuiApplication>
 #include <memory>
 
-namespace cli
-{
+namespace cli {
 
 /// What painting text needs, without a display. Made for the time of one picture; does nothing where the
 /// program has such an object already. Messages of the toolkit about its surroundings are held back while
 /// it lives, and the C locale's numbers stay as they are.
-class OffscreenGui
-{
+class OffscreenGui {
 public:
   OffscreenGui();
   ~OffscreenGui();

@@ -4,8 +4,7 @@
 
 #include <string>
 
-namespace cli
-{
+namespace cli {
 
 /// What `zxalign phantom` is asked for.
 struct PhantomCommand {

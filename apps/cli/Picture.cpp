@@ -11,10 +11,8 @@
 #include <QSaveFile>
 #include <algorithm>
 
-namespace cli
-{
-namespace
-{
+namespace cli {
+namespace {
 
 constexpr int kWidth = 1400;
 constexpr int kHeight = 920;
@@ -69,11 +67,12 @@ void paintCut(QPainter& painter, const QRect& area, const QString& text, const Q
   painter.setFont(font(15));
   painter.setPen(kInk);
   const int line = painter.fontMetrics().height() + 4;
-  painter.drawText(QRect(area.left(), area.top(), area.width(), line), Qt::AlignLeft | Qt::AlignVCenter, text);
+  painter.drawText(QRect(area.left(), area.top(), area.width(), line), Qt::AlignLeft | Qt::AlignVCenter,
+                   text);
   const QRect panel = area.adjusted(0, line, 0, 0);
   painter.fillRect(panel, kNothing);
-  const QImage stretched = cut.scaled(cut.width(), panel.height(), Qt::IgnoreAspectRatio,
-                                      Qt::FastTransformation);
+  const QImage stretched =
+      cut.scaled(cut.width(), panel.height(), Qt::IgnoreAspectRatio, Qt::FastTransformation);
   const auto mode = cut.width() > panel.width() ? Qt::SmoothTransformation : Qt::FastTransformation;
   painter.drawImage(panel.topLeft(),
                     stretched.scaled(panel.width(), panel.height(), Qt::IgnoreAspectRatio, mode));
@@ -106,8 +105,8 @@ QImage paint(const PictureInput& input)
   const PictureCuts before = cutStack(*input.before);
   const PictureCuts after =
       input.after ? cutStack(*input.after) : cutThroughTransforms(*input.before, input.transforms);
-  const GreyWindow window = input.windowMin < input.windowMax ? GreyWindow{input.windowMin, input.windowMax}
-                                                              : chooseWindow(before);
+  const GreyWindow window =
+      input.windowMin < input.windowMax ? GreyWindow{input.windowMin, input.windowMax} : chooseWindow(before);
   const std::vector<PairQuality> pairs = inSliceOrder(input.pairs);
 
   QImage picture(kWidth, kHeight, QImage::Format_RGB32);

@@ -7,8 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace cli
-{
+namespace cli {
 
 /// What the picture of an alignment shows: the stack cut along x and along y, before and after, and the
 /// quality of every pair of neighbours.

@@ -9,10 +9,8 @@
 #include <cstring>
 #include <limits>
 
-namespace cli
-{
-namespace
-{
+namespace cli {
+namespace {
 
 PictureCut emptyCut(const ZxLattice& lattice, int width)
 {
@@ -113,10 +111,12 @@ PictureCuts cutThroughTransforms(ZxLattice& lattice, std::span<const ZxAlignTran
     const std::byte* bytes = sliceBytes(lattice, k, buffer);
     const SlicePlacement placement(transforms[static_cast<std::size_t>(k)], shape.dims.width,
                                    shape.dims.height);
-    cutSlice(cuts.alongX, k, bytes, shape, placement,
-             [row](int i) { return SlicePoint{static_cast<double>(i), row}; });
-    cutSlice(cuts.alongY, k, bytes, shape, placement,
-             [column](int i) { return SlicePoint{column, static_cast<double>(i)}; });
+    cutSlice(cuts.alongX, k, bytes, shape, placement, [row](int i) {
+      return SlicePoint{static_cast<double>(i), row};
+    });
+    cutSlice(cuts.alongY, k, bytes, shape, placement, [column](int i) {
+      return SlicePoint{column, static_cast<double>(i)};
+    });
   }
   return cuts;
 }

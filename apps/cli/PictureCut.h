@@ -7,8 +7,7 @@
 #include <span>
 #include <vector>
 
-namespace cli
-{
+namespace cli {
 
 /// A cut through a stack, across all of its slices.
 ///

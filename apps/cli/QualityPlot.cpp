@@ -8,10 +8,8 @@
 #include <algorithm>
 #include <cmath>
 
-namespace cli
-{
-namespace
-{
+namespace cli {
+namespace {
 
 constexpr int kMostBars = 12;
 const QColor kBefore(214, 106, 28);
@@ -22,15 +20,15 @@ const QColor kInk(40, 40, 40);
 /// Where pairs and qualities lie in the picture.
 struct Scale {
   QRect area; ///< inside of the axes
-  PlotAxis y;
+  PlotAxis axis;
   int first = 0; ///< lower slice of the first pair
   int count = 1; ///< pairs from the first to the last
 
   double slot() const { return static_cast<double>(area.width()) / count; }
-  double x(int lower) const { return area.left() + (lower - first + 0.5) * slot(); }
-  double y_(double quality) const
+  double xOf(int lower) const { return area.left() + (lower - first + 0.5) * slot(); }
+  double yOf(double quality) const
   {
-    return area.bottom() - (quality - y.min) / (y.max - y.min) * area.height();
+    return area.bottom() - (quality - axis.min) / (axis.max - axis.min) * area.height();
   }
 };
 
@@ -55,15 +53,15 @@ PlotAxis qualityAxis(const std::vector<PairQuality>& pairs)
 void paintQualityAxis(QPainter& painter, const Scale& scale)
 {
   const int textHeight = painter.fontMetrics().height();
-  const int steps = mc::roundHalfUp((scale.y.max - scale.y.min) / scale.y.step);
+  const int steps = mc::roundHalfUp((scale.axis.max - scale.axis.min) / scale.axis.step);
   for (int i = 0; i <= steps; ++i) {
-    const double value = scale.y.min + i * scale.y.step;
-    const int y = mc::roundHalfUp(scale.y_(value));
+    const double value = scale.axis.min + i * scale.axis.step;
+    const int y = mc::roundHalfUp(scale.yOf(value));
     painter.setPen(kGrid);
     painter.drawLine(scale.area.left(), y, scale.area.right(), y);
     painter.setPen(kInk);
     painter.drawText(QRect(scale.area.left() - 208, y - textHeight / 2, 200, textHeight),
-                     Qt::AlignRight | Qt::AlignVCenter, number(value, scale.y.step));
+                     Qt::AlignRight | Qt::AlignVCenter, number(value, scale.axis.step));
   }
 }
 
@@ -76,7 +74,7 @@ void paintPairAxis(QPainter& painter, const Scale& scale)
   const int step = std::max(1, mc::roundHalfUp(axis.step));
   for (int lower = scale.first; lower < scale.first + scale.count; ++lower) {
     if (lower % step != 0) continue;
-    const int x = mc::roundHalfUp(scale.x(lower));
+    const int x = mc::roundHalfUp(scale.xOf(lower));
     painter.drawLine(x, scale.area.bottom(), x, scale.area.bottom() + 4);
     painter.drawText(QRect(x - 150, scale.area.bottom() + 5, 300, metrics.height()), Qt::AlignHCenter,
                      QString("%1 - %2").arg(lower).arg(lower + 1));
@@ -88,12 +86,12 @@ void paintBars(QPainter& painter, const Scale& scale, const std::vector<PairQual
   const double width = std::min(60.0, scale.slot() / 3.0);
   const auto bar = [&](double left, double quality, const QColor& colour) {
     if (!std::isfinite(quality)) return;
-    const double top = scale.y_(quality);
+    const double top = scale.yOf(quality);
     painter.fillRect(QRectF(left, top, width - 2.0, scale.area.bottom() - top), colour);
   };
   for (const auto& pair : pairs) {
-    bar(scale.x(pair.lower) - width, pair.before, kBefore);
-    bar(scale.x(pair.lower), pair.after, kAfter);
+    bar(scale.xOf(pair.lower) - width, pair.before, kBefore);
+    bar(scale.xOf(pair.lower), pair.after, kAfter);
   }
 }
 
@@ -106,7 +104,7 @@ void paintCurve(QPainter& painter, const Scale& scale, const std::vector<PairQua
   for (const auto& pair : pairs) {
     // A pair that is missing or has no quality leaves a gap.
     const bool finite = std::isfinite(pair.*quality);
-    const QPointF point(scale.x(pair.lower), finite ? scale.y_(pair.*quality) : 0.0);
+    const QPointF point(scale.xOf(pair.lower), finite ? scale.yOf(pair.*quality) : 0.0);
     const bool joined = pen && pair.lower == previous + 1;
     if (finite && joined) path.lineTo(point);
     if (finite && !joined) path.moveTo(point);
@@ -122,7 +120,8 @@ void paintLegend(QPainter& painter, const QRect& area)
 {
   const int height = painter.fontMetrics().height();
   int right = area.right();
-  for (const auto& [text, colour] : {std::pair(QString("after"), kAfter), std::pair(QString("before"), kBefore)}) {
+  for (const auto& [text, colour] :
+       {std::pair(QString("after"), kAfter), std::pair(QString("before"), kBefore)}) {
     const int width = painter.fontMetrics().horizontalAdvance(text) + 4;
     painter.setPen(kInk);
     painter.drawText(QRect(right - width, area.top(), width, height), Qt::AlignRight | Qt::AlignVCenter,
@@ -185,8 +184,8 @@ void paintQualityPlot(QPainter& painter, const QRect& area, const std::vector<Pa
   painter.setPen(kInk);
   painter.drawRect(scale.area);
   paintPairAxis(painter, scale);
-  painter.drawText(QRect(scale.area.left(), area.bottom() - painter.fontMetrics().height(), scale.area.width(),
-                         painter.fontMetrics().height()),
+  painter.drawText(QRect(scale.area.left(), area.bottom() - painter.fontMetrics().height(),
+                         scale.area.width(), painter.fontMetrics().height()),
                    Qt::AlignHCenter, "pair of slices");
   if (scale.count <= kMostBars) {
     paintBars(painter, scale, pairs);

@@ -8,8 +8,7 @@
 
 class QPainter;
 
-namespace cli
-{
+namespace cli {
 
 /// The quality of one pair of neighbours, slices lower and lower + 1.
 struct PairQuality {

@@ -3,8 +3,7 @@
 #include "mc/McMath.h"
 #include "zxalign/ZxAlignControl.h"
 
-namespace cli
-{
+namespace cli {
 
 /// A point of a slice or of the aligned frame, in pixels; y downwards.
 struct SlicePoint {
@@ -13,14 +12,13 @@ struct SlicePoint {
 };
 
 /// Where a slice lies: its transform as a map of points, in double precision.
-class SlicePlacement
-{
+class SlicePlacement {
 public:
   /// width and height in pixels fix the centre: (width / 2, height / 2), integer halves.
   SlicePlacement(const ZxAlignTransform& transform, int width, int height)
-      : m_shift{transform.tx, transform.ty}, m_centre{static_cast<double>(width / 2),
-                                                      static_cast<double>(height / 2)},
-        m_mirror(transform.flip ? -1.0 : 1.0)
+    : m_shift{transform.tx, transform.ty}, m_centre{static_cast<double>(width / 2),
+                                                    static_cast<double>(height / 2)},
+      m_mirror(transform.flip ? -1.0 : 1.0)
   {
     mc::sinCosDegrees(transform.angleDegrees, m_sine, m_cosine);
   }

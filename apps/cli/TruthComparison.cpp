@@ -8,10 +8,8 @@
 #include <cmath>
 #include <numeric>
 
-namespace cli
-{
-namespace
-{
+namespace cli {
+namespace {
 
 std::array<SlicePoint, 4> corners(int width, int height)
 {

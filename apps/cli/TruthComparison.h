@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace cli
-{
+namespace cli {
 
 /// How far an alignment is from the true one.
 ///
