@@ -2,6 +2,7 @@
 
 #include "io/Error.h"
 
+#include <QFile>
 #include <QSaveFile>
 #include <algorithm>
 #include <nlohmann/json.hpp>

@@ -1,27 +1,29 @@
 #include "OffscreenGui.h"
 
 #include <clocale>
+#include <cstdio>
 
 namespace cli {
 namespace {
 
-void dropMessage(QtMsgType, const QMessageLogContext&, const QString&) {}
+/// Remarks of the toolkit about its surroundings help nobody here; what ends the program is shown.
+void showFatalOnly(QtMsgType type, const QMessageLogContext&, const QString& text)
+{
+  if (type == QtFatalMsg) std::fprintf(stderr, "%s\n", qPrintable(text));
+}
 
-// The application object keeps references to its arguments.
 char programName[] = "zxalign";
 char platformOption[] = "-platform";
 char platformName[] = "offscreen";
-char* arguments[] = {programName, platformOption, platformName, nullptr};
-int argumentCount = 3;
 
 } // namespace
 
-OffscreenGui::OffscreenGui() : m_messagesBefore(qInstallMessageHandler(dropMessage))
+OffscreenGui::OffscreenGui()
+  : m_arguments{programName, platformOption, platformName, nullptr},
+    m_messagesBefore(qInstallMessageHandler(showFatalOnly))
 {
-  if (!QCoreApplication::instance()) {
-    argumentCount = 3;
-    m_application = std::make_unique<QGuiApplication>(argumentCount, arguments);
-  }
+  if (!QCoreApplication::instance())
+    m_application = std::make_unique<QGuiApplication>(m_argumentCount, m_arguments.data());
   // The application object takes over the locale of the environment, and with it its decimal comma.
   std::setlocale(LC_NUMERIC, "C");
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QGuiApplication>
+#include <array>
 #include <memory>
 
 namespace cli {
@@ -16,6 +17,9 @@ public:
   OffscreenGui& operator=(const OffscreenGui&) = delete;
 
 private:
+  // The application object takes its own options out of these and refers to the rest.
+  std::array<char*, 4> m_arguments;
+  int m_argumentCount = 3;
   QtMessageHandler m_messagesBefore;
   std::unique_ptr<QGuiApplication> m_application;
 };

@@ -5,6 +5,7 @@
 #include "QualityPlot.h"
 #include "io/Error.h"
 
+#include <QFile>
 #include <QFontMetrics>
 #include <QImage>
 #include <QPainter>

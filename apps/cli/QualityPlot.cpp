@@ -81,13 +81,27 @@ void paintPairAxis(QPainter& painter, const Scale& scale)
   }
 }
 
+/// A bar with its value: above it, or inside where it reaches the top.
+void paintBar(QPainter& painter, const Scale& scale, const QRectF& place, double quality,
+              const QColor& colour)
+{
+  painter.fillRect(place, colour);
+  const QString text = QString::number(quality, 'f', 3);
+  const double height = painter.fontMetrics().height();
+  if (painter.fontMetrics().horizontalAdvance(text) > place.width()) return;
+  const bool inside = place.top() - height < scale.area.top();
+  painter.setPen(inside ? QColor(Qt::white) : kInk);
+  painter.drawText(QRectF(place.left(), inside ? place.top() : place.top() - height, place.width(), height),
+                   Qt::AlignCenter, text);
+}
+
 void paintBars(QPainter& painter, const Scale& scale, const std::vector<PairQuality>& pairs)
 {
   const double width = std::min(60.0, scale.slot() / 3.0);
   const auto bar = [&](double left, double quality, const QColor& colour) {
     if (!std::isfinite(quality)) return;
     const double top = scale.yOf(quality);
-    painter.fillRect(QRectF(left, top, width - 2.0, scale.area.bottom() - top), colour);
+    paintBar(painter, scale, {left, top, width - 2.0, scale.area.bottom() - top}, quality, colour);
   };
   for (const auto& pair : pairs) {
     bar(scale.xOf(pair.lower) - width, pair.before, kBefore);
