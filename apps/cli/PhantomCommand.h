@@ -1,19 +1,27 @@
 #pragma once
 
+#include "Command.h"
 #include "samples/Phantom.h"
+#include "zx/ZxField3.h"
 
 #include <string>
 
 namespace cli {
 
-/// What `zxalign phantom` is asked for.
-struct PhantomCommand {
-  std::string output; ///< name of the volume; its ending chooses the format
-  std::string truth;  ///< name of the table of the true transforms; empty for none
-  samples::PhantomOptions options;
+/// `zxalign phantom`: a made-up stack whose slices are displaced in a known way.
+class PhantomCommand : public Command {
+public:
+  void declare(CLI::App& options) override;
+  void run(Console& console) override;
 
-  /// Makes the phantom and writes it, with the truth where it is asked for. Throws io::Error.
-  void run() const;
+private:
+  std::string m_output;
+  std::string m_truth; ///< name of the table of the true transforms; empty for none
+  samples::PhantomOptions m_options;
 };
+
+/// Renders a phantom into a field in memory: 8-bit grey, one unit per voxel. Throws Failure when it does not
+/// fit in memory, Stopped when the user stopped it.
+McHandle<ZxField3> renderPhantom(const samples::Phantom& phantom);
 
 } // namespace cli

@@ -1,10 +1,10 @@
 #include "TruthComparison.h"
 
 #include "SlicePlacement.h"
+#include "Text.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <numeric>
 
@@ -16,13 +16,6 @@ std::array<SlicePoint, 4> corners(int width, int height)
   const double right = width - 1;
   const double bottom = height - 1;
   return {{{0.0, 0.0}, {right, 0.0}, {0.0, bottom}, {right, bottom}}};
-}
-
-std::string fixed(double value)
-{
-  char text[64];
-  const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 2);
-  return end.ec == std::errc() ? std::string(text, end.ptr) : "huge";
 }
 
 double median(std::vector<double> values)
@@ -62,8 +55,8 @@ TruthDistance compareWithTruth(std::span<const ZxAlignTransform> found,
 
 std::string describe(const TruthDistance& distance)
 {
-  std::string text = "Distance from the truth: median " + fixed(distance.median) + " px, mean " +
-                     fixed(distance.mean) + " px, largest " + fixed(distance.max) +
+  std::string text = "Distance from the truth: median " + fixed(distance.median, 2) + " px, mean " +
+                     fixed(distance.mean, 2) + " px, largest " + fixed(distance.max, 2) +
                      " px, pairs above 1 px: " + std::to_string(distance.far.size());
   const char* separator = " (";
   for (const int lower : distance.far) {
