@@ -16,8 +16,13 @@
 namespace cli {
 namespace {
 
-/// Slices that are rendered side by side before the next look at progress and stop.
-constexpr int kBatch = 8;
+/// Slices that are rendered side by side before the next look at progress and stop: a few, and no more than
+/// fit into a quarter of a gigabyte.
+int batchSize(const ZxLatticeShape& shape)
+{
+  const std::size_t fit = (std::size_t{256} << 20) / shape.sliceBytes();
+  return static_cast<int>(std::clamp<std::size_t>(fit, 1, 8));
+}
 
 ZxLatticeShape shapeOf(const samples::PhantomOptions& options)
 {
@@ -101,10 +106,12 @@ McHandle<ZxField3> renderPhantom(const samples::Phantom& phantom)
   if (!lattice)
     throw Failure("The phantom needs " + std::to_string(shape.bytes() >> 20) +
                   " MB of memory, more than is free.");
-  std::vector<std::vector<std::uint8_t>> batch(kBatch, std::vector<std::uint8_t>(shape.sliceBytes()));
-  for (int first = 0; first < shape.dims.slices; first += kBatch) {
+  const int most = batchSize(shape);
+  std::vector<std::vector<std::uint8_t>> batch(static_cast<std::size_t>(most),
+                                               std::vector<std::uint8_t>(shape.sliceBytes()));
+  for (int first = 0; first < shape.dims.slices; first += most) {
     reportProgress(first, shape.dims.slices);
-    const int count = std::min(kBatch, shape.dims.slices - first);
+    const int count = std::min(most, shape.dims.slices - first);
     tbb::parallel_for(
         0, count, [&](int i) { phantom.renderSlice(first + i, batch[static_cast<std::size_t>(i)].data()); });
     for (int i = 0; i < count; ++i) {
