@@ -40,14 +40,14 @@ QString number(double value, double step)
 
 PlotAxis qualityAxis(const std::vector<PairQuality>& pairs)
 {
-  double low = 1.0, high = 0.0;
+  double low = 100.0, high = 0.0;
   for (const auto& pair : pairs)
     for (const double quality : {pair.before, pair.after}) {
       if (!std::isfinite(quality)) continue;
       low = std::min(low, quality);
       high = std::max(high, quality);
     }
-  return low <= high ? chooseAxis(low, high, 6) : PlotAxis{};
+  return low <= high ? chooseAxis(low, high, 6) : PlotAxis{0.0, 100.0, 20.0};
 }
 
 void paintQualityAxis(QPainter& painter, const Scale& scale)
@@ -86,7 +86,7 @@ void paintBar(QPainter& painter, const Scale& scale, const QRectF& place, double
               const QColor& colour)
 {
   painter.fillRect(place, colour);
-  const QString text = QString::number(quality, 'f', 3);
+  const QString text = QString::number(quality, 'f', 1);
   const double height = painter.fontMetrics().height();
   if (painter.fontMetrics().horizontalAdvance(text) > place.width()) return;
   const bool inside = place.top() - height < scale.area.top();
@@ -145,7 +145,7 @@ void paintLegend(QPainter& painter, const QRect& area)
   }
   painter.setPen(kInk);
   painter.drawText(QRect(area.left(), area.top(), right - area.left(), height), Qt::AlignLeft,
-                   "Quality of every pair of neighbouring slices (1: equal)");
+                   "Quality of every pair of neighbouring slices in percent (100: equal)");
 }
 
 /// The inside of the axes: below the legend, right of the numbers, above the names of the pairs.
@@ -153,7 +153,7 @@ QRect insideOfAxes(const QPainter& painter, const QRect& area)
 {
   const QFontMetrics metrics = painter.fontMetrics();
   const int line = metrics.height();
-  return area.adjusted(metrics.horizontalAdvance("0.000000") + 12, line + 12, -8, -2 * line - 10);
+  return area.adjusted(metrics.horizontalAdvance("00000.00") + 12, line + 12, -8, -2 * line - 10);
 }
 
 } // namespace
@@ -162,8 +162,8 @@ std::vector<PairQuality> inSliceOrder(std::span<const ZxAlignPairResult> pairs)
 {
   std::vector<PairQuality> result;
   for (const auto& pair : pairs)
-    result.push_back(
-        {std::min(pair.pair.editable, pair.pair.reference), pair.qualityBefore, pair.qualityAfter});
+    result.push_back({std::min(pair.pair.editable, pair.pair.reference), 100.0 * pair.qualityBefore,
+                      100.0 * pair.qualityAfter});
   std::stable_sort(result.begin(), result.end(),
                    [](const PairQuality& a, const PairQuality& b) { return a.lower < b.lower; });
   return result;
@@ -172,8 +172,8 @@ std::vector<PairQuality> inSliceOrder(std::span<const ZxAlignPairResult> pairs)
 PlotAxis chooseAxis(double low, double high, int maxSteps)
 {
   if (!(high - low > 1e-9)) {
-    low -= 0.05;
-    high += 0.05;
+    low -= 0.5;
+    high += 0.5;
   }
   double unit = std::pow(10.0, std::floor(std::log10((high - low) / maxSteps)));
   for (;; unit *= 10.0)

@@ -10,7 +10,7 @@ class QPainter;
 
 namespace cli {
 
-/// The quality of one pair of neighbours, slices lower and lower + 1.
+/// The quality of one pair of neighbours, slices lower and lower + 1, in percent.
 struct PairQuality {
   int lower = 0;
   double before = 0.0;
