@@ -4,10 +4,8 @@
 #include <charconv>
 #include <cmath>
 
-namespace cli
-{
-namespace
-{
+namespace cli {
+namespace {
 
 /// Ample for any double with fixed decimals: 309 digits before the point.
 using NumberText = std::array<char, 400>;

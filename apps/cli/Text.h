@@ -6,8 +6,7 @@
 #include <vector>
 
 /// Numbers and names as text, the same under every locale.
-namespace cli
-{
+namespace cli {
 
 /// With a fixed number of decimals: fixed(3.14159, 2) is "3.14".
 std::string fixed(double value, int decimals);

@@ -8,10 +8,8 @@
 #include <filesystem>
 #include <fstream>
 
-namespace cli
-{
-namespace
-{
+namespace cli {
+namespace {
 
 constexpr std::string_view kHeader = "slice,tx,ty,angle_deg,flip";
 

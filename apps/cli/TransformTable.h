@@ -11,8 +11,7 @@
 /// Lines that begin with '#' state units, direction and centre. Then follows the header row
 /// "slice,tx,ty,angle_deg,flip" and one row a slice, in the order of the slices from 0: the forward mapping
 /// of the slice into the aligned frame. Numbers read back exactly.
-namespace cli
-{
+namespace cli {
 
 /// The table of slices of width x height pixels.
 std::string transformTableText(std::span<const ZxAlignTransform> transforms, int width, int height);
