@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <variant>
 #include <vector>
 
@@ -47,11 +48,14 @@ public:
   bool remove(std::string_view name);
   /// Copies every entry of another bundle into this one, replacing entries of the same name.
   void merge(const ZxParamBundle& other);
-  void removeAll() noexcept { m_entries.clear(); }
+  void removeAll() noexcept;
 
 private:
   void set(std::string_view name, Value value);
+  void append(std::string_view name, Value value);
   const Entry* find(std::string_view name) const noexcept;
 
   std::vector<Entry> m_entries;
+  /// Position of an entry by its name in lower case: a stack has one entry a slice, and may have thousands.
+  std::unordered_map<std::string, std::size_t> m_index;
 };
