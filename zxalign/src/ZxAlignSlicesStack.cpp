@@ -161,12 +161,16 @@ void ZxAlignSlices::addPoint(QPoint p)
 
 void ZxAlignSlices::removePoint(int index)
 {
-  for (SliceInfo& slice : m_slices) slice.landmarks.remove(static_cast<std::size_t>(index));
+  const auto k = static_cast<std::size_t>(index);
+  for (SliceInfo& slice : m_slices)
+    if (k < slice.landmarks.size()) slice.landmarks.remove(k);
 }
 
 void ZxAlignSlices::movePoints(QPoint offset, int index)
 {
-  for (SliceInfo& slice : m_slices) slice.landmarks[static_cast<std::size_t>(index)] += offset;
+  const auto k = static_cast<std::size_t>(index);
+  for (SliceInfo& slice : m_slices)
+    if (k < slice.landmarks.size()) slice.landmarks[k] += offset;
 }
 
 void ZxAlignSlices::createDefaultPoints()

@@ -114,7 +114,8 @@ public:
   /// the input are used where one of them is 0.
   void calculateOrigin(int* xBorders, int* yBorders, int width, int height) const;
 
-  // Landmarks: every slice has the same number, each operation changes all slices. Indices are not checked.
+  // Landmarks: every slice has the same number, each operation changes all slices. A file may have given some
+  // slices fewer: those without a landmark of that index are left alone.
   void addPoint(QPoint p);
   void removePoint(int index);
   void movePoints(QPoint offset, int index);
