@@ -208,13 +208,17 @@ void ZxAlignData::projectionRange(Role role, int& first, int& last) const
       editable ? m_module->getEditableProjectionThickness() : m_module->getReferenceProjectionThickness();
   // Each range extends away from the other slice of the pair.
   const bool upwards = editable == (m_module->getEditableSide() == 1);
-  first = upwards ? slice : std::max(0, slice + 1 - thickness);
-  last = upwards ? std::min(slice + thickness - 1, m_dims.slices - 1) : slice;
+  // A thickness may be as large as an integer can be.
+  first = upwards ? slice : slice - std::min(thickness - 1, slice);
+  last = upwards ? slice + std::min(thickness - 1, m_dims.slices - 1 - slice) : slice;
 }
 
 void ZxAlignData::project(int first, int last, McDArray<unsigned char>& grey)
 {
-  std::fill(grey.begin(), grey.end(), static_cast<unsigned char>(0));
+  {
+    const std::lock_guard lock(m_mutex);
+    std::fill(grey.begin(), grey.end(), static_cast<unsigned char>(0));
+  }
   ZxMessage* msg = ZxMessage::getTheMsg();
   if (getPrimType() != McPrimType::UInt8) return msg->printf("Cannot project, only unsigned chars allowed");
   if (getNumDataVars() != 1) return msg->printf("Cannot project, only 1 channel images allowed");
