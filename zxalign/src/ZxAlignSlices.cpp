@@ -62,6 +62,7 @@ ZxAlignSlices::ZxAlignSlices()
     portAction(this, "action", "Action:", {"Edit", "Resample", "Resample to Result"}),
     m_data(std::make_unique<ZxAlignData>(this)), m_methods(ZxAutoAlignMethodFabrique::getInstance())
 {
+  ZxAlignSlices::update();
 }
 
 ZxAlignSlices::~ZxAlignSlices() = default;
