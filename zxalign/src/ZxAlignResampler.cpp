@@ -38,8 +38,10 @@ void ZxAlignResampler::run(bool reuse)
   describeResult(*result);
   const ZxWorkingPhase phase("Resampling");
   if (resampleImage(*result->getLattice()) == Outcome::Stopped) return;
-  result->touch();
-  if (m_inputIsLabels) result->parameters() = *m_data.getParameters();
+  if (m_inputIsLabels) {
+    result->parameters() = *m_data.getParameters();
+    storeGeometry(*m_data.getSpatialData(), result->parameters());
+  }
   m_module.setResult(0, result.get());
   if (m_module.portLabelField.isConnected()) resampleLabels(reuse);
 }
@@ -103,8 +105,14 @@ void ZxAlignResampler::describeResult(ZxSpatialData& result)
   ZxParamBundle& parameters = result.parameters();
   parameters.setNum("AlignIsApplied", 1);
   m_module.saveTransform(parameters, m_module.m_slices);
+  storeGeometry(*m_data.getSpatialData(), parameters);
+  result.touch();
+}
+
+void ZxAlignResampler::storeGeometry(const ZxSpatialData& input, ZxParamBundle& parameters) const
+{
   // The output's first voxel lies a border before the input's.
-  ZxFileGeometry geometry = ZxFileGeometry::of(*m_data.getSpatialData());
+  ZxFileGeometry geometry = ZxFileGeometry::of(input);
   geometry.origin[0] -= m_borders.left * geometry.voxelSize[0];
   geometry.origin[1] -= m_borders.top * geometry.voxelSize[1];
   geometry.store(parameters);
@@ -203,11 +211,12 @@ void ZxAlignResampler::resampleLabels(bool reuse)
   ZxParamBundle& parameters = result->parameters();
   m_module.saveTransform(parameters, m_module.m_slices);
   parameters.merge(input->parameters());
+  storeGeometry(*input, parameters);
   result->setLabel(ZxData::composeLabel(input->getLabel(), "align"));
   parameters.setNum("AlignIsApplied", 1);
+  result->touch();
   m_module.setResult(1, result.get());
   if (resampleLabelSlices(*labels, *result->getLattice()) == Outcome::Stopped) return;
-  result->touch();
   m_module.m_appliedLabelSlices = m_module.m_slices;
 }
 
