@@ -14,11 +14,13 @@ namespace {
 
 ZxMessage* msg() { return ZxMessage::getTheMsg(); }
 
+bool holdsLabels(const ZxLattice& lattice) { return dynamic_cast<const ZxLabelLattice*>(&lattice) != nullptr; }
+
 } // namespace
 
 ZxAlignResampler::ZxAlignResampler(ZxAlignSlices& module)
   : m_module(module), m_data(module.sliceData()), m_input(*m_data.getLattice()),
-    m_inputIsLabels(dynamic_cast<ZxLabelLattice*>(&m_input) != nullptr),
+    m_inputIsLabels(holdsLabels(m_input)),
     m_width(module.alignSettings().outputWidth), m_height(module.alignSettings().outputHeight)
 {
   const ZxDims& dims = m_input.getDims();
@@ -71,11 +73,12 @@ McHandle<ZxSpatialData> ZxAlignResampler::existingResult(bool& failed)
   } else if (lattice->getNumDataVars() != m_input.getNumDataVars()) {
     msg()->printf("Result lattice has different number of data variables.");
   } else if (lattice->getDims() != ZxDims{m_width, m_height, m_input.getDims().slices} ||
-             lattice->primType() != m_input.primType()) {
+             lattice->primType() != m_input.primType() || holdsLabels(*lattice) != m_inputIsLabels) {
     msg()->printf("Previous result has different dimensions. Cannot reuse it.");
     failed = false;
   } else {
     failed = false;
+    lattice->setBoundingBox(outputBox(m_input.getDims(), m_input.getBoundingBox(), m_width, m_height));
     return McHandle<ZxSpatialData>(result);
   }
   return {};
@@ -222,9 +225,11 @@ void ZxAlignResampler::resampleLabels(bool reuse)
 
 McHandle<ZxUniformLabelField3> ZxAlignResampler::obtainLabels(const ZxSpatialData& input, bool reuse)
 {
-  ZxLatticeShape shape = input.getLattice()->shape();
-  shape.dims.width = m_width;
-  shape.dims.height = m_height;
+  const ZxLatticeShape shape{{m_width, m_height, m_input.getDims().slices},
+                             1,
+                             input.getLattice()->primType(),
+                             ZxCoordType::Uniform};
+  const ZxBox3f box = outputBox(m_input.getDims(), m_input.getBoundingBox(), m_width, m_height);
   if (reuse) {
     ZxData* data = m_module.getResult(1);
     auto* result = dynamic_cast<ZxUniformLabelField3*>(data);
@@ -232,9 +237,11 @@ McHandle<ZxUniformLabelField3> ZxAlignResampler::obtainLabels(const ZxSpatialDat
       msg()->printf("No input LabelLattice or no output LabelLattice.");
       return {};
     }
-    const ZxLatticeShape& existing = result->getLattice()->shape();
-    if (existing.dims == shape.dims && existing.primType == shape.primType)
+    ZxLattice& existing = *result->getLattice();
+    if (existing.getDims() == shape.dims && existing.primType() == shape.primType) {
+      existing.setBoundingBox(box);
       return McHandle<ZxUniformLabelField3>(result);
+    }
     msg()->printf("Previous result has different dimensions. Cannot reuse it.");
   }
   auto lattice = ZxLabelLattice3::create(shape);
@@ -242,7 +249,7 @@ McHandle<ZxUniformLabelField3> ZxAlignResampler::obtainLabels(const ZxSpatialDat
     msg()->printf("Error creating result Labelfield.");
     return {};
   }
-  lattice->setBoundingBox(outputBox(m_input.getDims(), m_input.getBoundingBox(), m_width, m_height));
+  lattice->setBoundingBox(box);
   return mcMake<ZxUniformLabelField3>(std::move(lattice));
 }
 
