@@ -3,7 +3,6 @@
 #include "AlignmentMatrix.h"
 #include "kernels/GreyMapping.h"
 #include "kernels/Projection.h"
-#include "zx/ZxData.h"
 #include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
 #include "zxalign/ZxAlignSlices.h"
@@ -31,7 +30,7 @@ bool ZxAlignData::init(ZxSpatialData* data, ZxLattice* lattice)
     ZxMessage::getTheMsg()->memError(bytes);
     return false;
   }
-  m_data = data;
+  m_data = McHandle<ZxSpatialData>(data);
   m_lattice = lattice;
   m_dims = lattice->getDims();
   return true;
@@ -50,7 +49,7 @@ void ZxAlignData::reset()
   m_editableSlice = m_referenceSlice = -1;
   m_lattice = nullptr;
   m_mask = nullptr;
-  m_data = nullptr;
+  m_data = {};
   m_dims = {};
 }
 
