@@ -37,7 +37,7 @@ ZxParamBundle& ZxParamBundle::operator=(const ZxParamBundle& other)
   return *this;
 }
 
-const ZxParamBundle::Entry* ZxParamBundle::find(std::string_view name) const noexcept
+const ZxParamBundle::Entry* ZxParamBundle::find(std::string_view name) const
 {
   const auto it = m_index.find(folded(name));
   return it == m_index.end() ? nullptr : &m_entries[it->second];
@@ -88,14 +88,14 @@ bool ZxParamBundle::findString(std::string_view name, std::string& out) const
   return text != nullptr;
 }
 
-const ZxParamBundle* ZxParamBundle::findBundle(std::string_view name) const noexcept
+const ZxParamBundle* ZxParamBundle::findBundle(std::string_view name) const
 {
   const Entry* entry = find(name);
   const auto* bundle = entry ? std::get_if<Bundle>(&entry->value) : nullptr;
   return bundle ? bundle->get() : nullptr;
 }
 
-ZxParamBundle* ZxParamBundle::findBundle(std::string_view name) noexcept
+ZxParamBundle* ZxParamBundle::findBundle(std::string_view name)
 {
   return const_cast<ZxParamBundle*>(std::as_const(*this).findBundle(name));
 }
