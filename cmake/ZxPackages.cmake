@@ -11,6 +11,11 @@ find_package(nlohmann_json REQUIRED)
 
 if(ZX_BUILD_TESTS)
   find_package(GTest REQUIRED)
+  # Reads the files that host/io writes, as a second opinion.
+  find_package(ITK 5.2 REQUIRED COMPONENTS ITKCommon ITKIOImageBase ITKIONRRD ITKIOMRC ITKIOMeta ITKIONIFTI)
+  add_library(itk_io INTERFACE)
+  target_include_directories(itk_io SYSTEM INTERFACE ${ITK_INCLUDE_DIRS})
+  target_link_libraries(itk_io INTERFACE ${ITK_LIBRARIES})
 endif()
 if(ZX_BUILD_BENCH)
   find_package(benchmark REQUIRED)

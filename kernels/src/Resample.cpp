@@ -222,23 +222,22 @@ void resampleLabelRows(const ResampleFrame& frame, const T* source, T* output, i
               [&slice](const Block& block, T* out) { copyNearest(slice, block, out); });
 }
 
-#define ZX_RESAMPLE(T)                                                                                       \
-  template void resampleRows<T>(const ResampleFrame&, const T*, int, Interpolation, const float*, T*, int,   \
-                                int);
-ZX_RESAMPLE(std::uint8_t)
-ZX_RESAMPLE(std::int16_t)
-ZX_RESAMPLE(std::int32_t)
-ZX_RESAMPLE(float)
-ZX_RESAMPLE(double)
-ZX_RESAMPLE(std::uint16_t)
-#undef ZX_RESAMPLE
+template void resampleRows(const ResampleFrame&, const std::uint8_t*, int, Interpolation, const float*,
+                           std::uint8_t*, int, int);
+template void resampleRows(const ResampleFrame&, const std::int16_t*, int, Interpolation, const float*,
+                           std::int16_t*, int, int);
+template void resampleRows(const ResampleFrame&, const std::int32_t*, int, Interpolation, const float*,
+                           std::int32_t*, int, int);
+template void resampleRows(const ResampleFrame&, const float*, int, Interpolation, const float*, float*, int,
+                           int);
+template void resampleRows(const ResampleFrame&, const double*, int, Interpolation, const float*, double*,
+                           int, int);
+template void resampleRows(const ResampleFrame&, const std::uint16_t*, int, Interpolation, const float*,
+                           std::uint16_t*, int, int);
 
-#define ZX_RESAMPLE_LABELS(T)                                                                                \
-  template void resampleLabelRows<T>(const ResampleFrame&, const T*, T*, int, int);
-ZX_RESAMPLE_LABELS(std::uint8_t)
-ZX_RESAMPLE_LABELS(std::uint16_t)
-ZX_RESAMPLE_LABELS(std::int16_t)
-ZX_RESAMPLE_LABELS(std::int32_t)
-#undef ZX_RESAMPLE_LABELS
+template void resampleLabelRows(const ResampleFrame&, const std::uint8_t*, std::uint8_t*, int, int);
+template void resampleLabelRows(const ResampleFrame&, const std::uint16_t*, std::uint16_t*, int, int);
+template void resampleLabelRows(const ResampleFrame&, const std::int16_t*, std::int16_t*, int, int);
+template void resampleLabelRows(const ResampleFrame&, const std::int32_t*, std::int32_t*, int, int);
 
 } // namespace kernels

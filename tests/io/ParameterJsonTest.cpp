@@ -1,4 +1,4 @@
-#include "../../host/io/src/ParameterJson.h"
+#include "ParameterJson.h"
 
 #include "io/Error.h"
 

@@ -1,4 +1,4 @@
-#include "../../host/io/src/ParameterText.h"
+#include "ParameterText.h"
 
 #include "zx/ZxData.h"
 

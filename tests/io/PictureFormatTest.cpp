@@ -185,7 +185,7 @@ TEST_F(PictureFormatTest, ImpossibleSizesAreRefusedBeforeMemoryIsTaken)
 {
   writeBytes(path("p.png"), png(0x7FFFFFFF, 0x7FFFFFFF, 8, 0, false, std::string(100, '\0')));
   EXPECT_NE(refusalOf(path("p.png")).find("fewer data"), std::string::npos);
-  // A frame of 65,535 x 65,535 pixels, grey and CMYK, and the start of a scan.
+  // A frame of 65,280 x 65,280 pixels, grey and CMYK, and the start of a scan.
   const auto jpeg = [](int components) {
     std::string frame;
     std::string scan;
@@ -195,7 +195,7 @@ TEST_F(PictureFormatTest, ImpossibleSizesAreRefusedBeforeMemoryIsTaken)
     }
     const auto n = static_cast<char>(components);
     return std::string("\xFF\xD8\xFF\xC0\0", 5) + std::string{static_cast<char>(8 + 3 * n)} +
-           std::string("\x08\xFF\xFF\xFF\xFF") + n + frame + std::string("\xFF\xDA\0", 3) +
+           std::string("\x08\xFF\0\xFF\0", 5) + n + frame + std::string("\xFF\xDA\0", 3) +
            std::string{static_cast<char>(6 + 2 * n), n} + scan + std::string("\0\x3F\0", 3) + "\xFF\xD9";
   };
   writeBytes(path("large.jpg"), jpeg(1));

@@ -1,6 +1,6 @@
 #include "IoTest.h"
 
-#include "../../host/io/src/NumberPattern.h"
+#include "NumberPattern.h"
 
 #include <cstring>
 

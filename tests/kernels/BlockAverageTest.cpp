@@ -9,17 +9,19 @@
 TEST(BlockAverage, TruncatesTheMeanOfWholeBlocks)
 {
   Random random(31);
-  for (const auto& [w, h] : {std::pair{5, 5}, {67, 41}, {1030, 517}})
+  for (const auto& [width, height] : {std::pair{5, 5}, {67, 41}, {1030, 517}})
     for (const int channels : {1, 4})
       for (const int f : {1, 2, 3, 8}) {
-        const auto src = random.bytes(static_cast<std::size_t>(w * h * channels));
+        const int w = width, h = height;
+        const auto src = random.bytes(countOf(w, h, channels));
         std::vector<std::uint8_t> expected;
         for (int y = 0; y + f <= h; y += f)
           for (int x = 0; x + f <= w; x += f)
             for (int c = 0; c < channels; ++c) {
               int sum = 0;
               for (int k = 0; k < f * f; ++k)
-                sum += src[static_cast<std::size_t>(((y + k / f) * w + x + k % f) * channels + c)];
+                sum += src[countOf(y + k / f, w, channels) + countOf(x + k % f, channels) +
+                           static_cast<std::size_t>(c)];
               expected.push_back(static_cast<std::uint8_t>(sum / (f * f)));
             }
         for (const int threads : {1, 3}) {

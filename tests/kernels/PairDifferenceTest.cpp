@@ -62,8 +62,8 @@ TEST(PairDifference, EqualsThePlainLoop)
     for (const int channels : {1, 4})
       for (int trial = 0; trial < 12; ++trial) {
         // The odd start leaves the pixels at no special address.
-        const auto a = random.bytes(static_cast<std::size_t>(w0 * h0 * channels + 1));
-        const auto b = random.bytes(static_cast<std::size_t>(w1 * h1 * channels + 3));
+        const auto a = random.bytes(countOf(w0, h0, channels) + 1);
+        const auto b = random.bytes(countOf(w1, h1, channels) + 3);
         const Pair p{{a.data() + 1, w0, h0},
                      {b.data() + 3, w1, h1},
                      randomMotion(random, w0, h0),

@@ -29,7 +29,7 @@ TEST(Projection, KeepsTheLargerValueOfTheMovedSlice)
         const double ix = std::trunc(m.m11 * x + m.m21 * y + m.dx + 0.5);
         const double iy = std::trunc(m.m12 * x + m.m22 * y + m.dy + 0.5);
         if (!(ix >= 0 && ix < w && iy >= 0 && iy < h)) continue;
-        auto& value = expected[static_cast<std::size_t>(y * w + x)];
+        auto& value = expected[countOf(y, w) + static_cast<std::size_t>(x)];
         value = std::max(value, slice[static_cast<std::size_t>(iy) * w + static_cast<std::size_t>(ix)]);
       }
     for (const int threads : {1, 3}) {

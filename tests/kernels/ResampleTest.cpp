@@ -35,7 +35,8 @@ std::vector<Affine> mappings(int width, int height)
 {
   const double inf = std::numeric_limits<double>::infinity();
   const double nan = std::numeric_limits<double>::quiet_NaN();
-  const double c = std::cos(0.3), s = std::sin(0.3), x = width / 2, y = height / 2;
+  const double c = std::cos(0.3), s = std::sin(0.3), x = static_cast<int>(width / 2),
+               y = static_cast<int>(height / 2);
   return {{},
           {1, 0, 0, 1, 0.5, -1.5},
           {1, 0, 0, 1, -0.25, 3.75},
@@ -62,7 +63,7 @@ template <class T>
 void expectPlainResult(const ResampleFrame& frame, const std::vector<T>& source, int channels)
 {
   const float background[] = {-7.5f, 70000.0f, 2.5f, std::numeric_limits<float>::quiet_NaN()};
-  const auto n = static_cast<std::size_t>(frame.outWidth * frame.outHeight * channels);
+  const auto n = countOf(frame.outWidth, frame.outHeight, channels);
   for (const Interpolation mode : {Interpolation::Nearest, Interpolation::Linear}) {
     std::vector<T> expected(n);
     reference::plainResample(frame, source.data(), channels, mode, background, expected.data());
@@ -94,7 +95,7 @@ TYPED_TEST(ResampleOf, EqualsThePlainLoop)
   Random random(21);
   const int width = 37, height = 23;
   for (const int channels : {1, 3, 4}) {
-    const auto source = values<TypeParam>(random, static_cast<std::size_t>(width * height * channels));
+    const auto source = values<TypeParam>(random, countOf(width, height, channels));
     for (const Affine& inverse : mappings(width, height)) {
       expectPlainResult(ResampleFrame{width, height, 44, 31, 2, 5, inverse}, source, channels);
       expectPlainResult(ResampleFrame{width, height, 30, 20, -3, -1, inverse}, source, channels);

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -14,8 +15,7 @@ using Matrix = McDMatrix<float>;
 Matrix matrixOf(int rows, int columns, const std::vector<float>& values)
 {
   Matrix m(rows, columns);
-  for (int r = 0; r < rows; ++r)
-    for (int c = 0; c < columns; ++c) m[r][c] = values[static_cast<std::size_t>(r * columns + c)];
+  std::copy(values.begin(), values.end(), m[0]);
   return m;
 }
 

@@ -5,6 +5,12 @@
 #include <random>
 #include <vector>
 
+inline std::size_t countOf(int width, int height, int channels = 1)
+{
+  return static_cast<std::size_t>(width) * static_cast<std::size_t>(height) *
+         static_cast<std::size_t>(channels);
+}
+
 /// Numbers that are the same in every run and on every machine (the distributions of the library are not).
 class Random {
 public:

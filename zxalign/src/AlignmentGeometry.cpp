@@ -49,7 +49,10 @@ int pixelsOf(double extent, float min, float max, int n)
 
 int pixelOffset(float min, double boundsMin, double step)
 {
-  return step > 0.0 ? mc::truncToInt(static_cast<double>(min) - boundsMin / step) : 0;
+  if (!(step > 0.0)) return 0;
+  // Far beyond every image, and far enough from the limits of an integer for sums of sizes and borders.
+  constexpr double farthest = 1 << 29;
+  return mc::truncToInt(std::clamp(static_cast<double>(min) - boundsMin / step, -farthest, farthest));
 }
 
 float scaledMaximum(float max, int outputSize, int size)

@@ -8,7 +8,7 @@
 /// The quality that both the module and the evaluator give to the difference of two images.
 ///
 /// 1 - sqrt(squares / (n * 255^2)) with n the compared values, and lowered by sqrt(2 * coverage) when the
-/// overlap is less than half of smallerPixels, the pixel count of the smaller image. 0 without overlap.
+/// overlap is less than half of smallerPixels, the smaller width times the smaller height. 0 without overlap.
 float alignmentQuality(const kernels::PairDifference& difference, int channels, std::uint64_t smallerPixels);
 
 /// The inverse mapping of a slice of this size in 16.16 fixed point, as the pair comparison walks it.

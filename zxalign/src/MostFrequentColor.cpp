@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <unordered_map>
 
 namespace {
@@ -13,8 +14,8 @@ void mostFrequentRgba(const std::uint8_t* data, std::size_t pixels, McDArray<flo
 {
   std::unordered_map<std::uint32_t, std::size_t> counts;
   std::uint32_t lastKey = 0;
-  std::size_t* last =
-      &counts[lastKey]; // Backgrounds are runs of one colour: most look-ups are the one before.
+  // Backgrounds are runs of one colour: most look-ups are the one before.
+  std::size_t* last = &counts[lastKey];
   for (std::size_t i = 0; i < pixels; ++i, data += 4) {
     std::uint32_t key = 0;
     for (int c = 0; c < 4; ++c) key = key << 8 | data[c];
@@ -36,12 +37,14 @@ void mostFrequentRgba(const std::uint8_t* data, std::size_t pixels, McDArray<flo
 template <class T>
 float mostFrequentGrey(const T* data, std::size_t pixels)
 {
+  // Infinite values, like those that are no number, have no bin.
+  constexpr float largest = std::numeric_limits<float>::max();
   float min = 1000000.0f;
   float max = -1000000.0f;
   for (std::size_t i = 0; i < pixels; ++i) {
     const auto v = static_cast<float>(data[i]);
-    if (v < min) min = v;
-    if (v > max) max = v;
+    if (v < min && v >= -largest) min = v;
+    if (v > max && v <= largest) max = v;
   }
   // One bin per grey level; values far apart share bins, so that a range of floats cannot ask for all memory.
   constexpr std::int64_t maxBins = 1 << 24;

@@ -3,7 +3,6 @@
 #include "AlignmentMatrix.h"
 #include "kernels/GreyMapping.h"
 #include "kernels/Projection.h"
-#include "zx/ZxData.h"
 #include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
 #include "zxalign/ZxAlignSlices.h"
@@ -31,7 +30,7 @@ bool ZxAlignData::init(ZxSpatialData* data, ZxLattice* lattice)
     ZxMessage::getTheMsg()->memError(bytes);
     return false;
   }
-  m_data = data;
+  m_data = McHandle<ZxSpatialData>(data);
   m_lattice = lattice;
   m_dims = lattice->getDims();
   return true;
@@ -50,7 +49,7 @@ void ZxAlignData::reset()
   m_editableSlice = m_referenceSlice = -1;
   m_lattice = nullptr;
   m_mask = nullptr;
-  m_data = nullptr;
+  m_data = {};
   m_dims = {};
 }
 
@@ -208,13 +207,17 @@ void ZxAlignData::projectionRange(Role role, int& first, int& last) const
       editable ? m_module->getEditableProjectionThickness() : m_module->getReferenceProjectionThickness();
   // Each range extends away from the other slice of the pair.
   const bool upwards = editable == (m_module->getEditableSide() == 1);
-  first = upwards ? slice : std::max(0, slice + 1 - thickness);
-  last = upwards ? std::min(slice + thickness - 1, m_dims.slices - 1) : slice;
+  // A thickness may be as large as an integer can be.
+  first = upwards ? slice : slice - std::min(thickness - 1, slice);
+  last = upwards ? slice + std::min(thickness - 1, m_dims.slices - 1 - slice) : slice;
 }
 
 void ZxAlignData::project(int first, int last, McDArray<unsigned char>& grey)
 {
-  std::fill(grey.begin(), grey.end(), static_cast<unsigned char>(0));
+  {
+    const std::lock_guard lock(m_mutex);
+    std::fill(grey.begin(), grey.end(), static_cast<unsigned char>(0));
+  }
   ZxMessage* msg = ZxMessage::getTheMsg();
   if (getPrimType() != McPrimType::UInt8) return msg->printf("Cannot project, only unsigned chars allowed");
   if (getNumDataVars() != 1) return msg->printf("Cannot project, only 1 channel images allowed");

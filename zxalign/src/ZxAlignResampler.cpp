@@ -14,11 +14,13 @@ namespace {
 
 ZxMessage* msg() { return ZxMessage::getTheMsg(); }
 
+bool holdsLabels(const ZxLattice& lattice) { return dynamic_cast<const ZxLabelLattice*>(&lattice) != nullptr; }
+
 } // namespace
 
 ZxAlignResampler::ZxAlignResampler(ZxAlignSlices& module)
   : m_module(module), m_data(module.sliceData()), m_input(*m_data.getLattice()),
-    m_inputIsLabels(dynamic_cast<ZxLabelLattice*>(&m_input) != nullptr),
+    m_inputIsLabels(holdsLabels(m_input)),
     m_width(module.alignSettings().outputWidth), m_height(module.alignSettings().outputHeight)
 {
   const ZxDims& dims = m_input.getDims();
@@ -38,8 +40,10 @@ void ZxAlignResampler::run(bool reuse)
   describeResult(*result);
   const ZxWorkingPhase phase("Resampling");
   if (resampleImage(*result->getLattice()) == Outcome::Stopped) return;
-  result->touch();
-  if (m_inputIsLabels) result->parameters() = *m_data.getParameters();
+  if (m_inputIsLabels) {
+    result->parameters() = *m_data.getParameters();
+    storeGeometry(*m_data.getSpatialData(), result->parameters());
+  }
   m_module.setResult(0, result.get());
   if (m_module.portLabelField.isConnected()) resampleLabels(reuse);
 }
@@ -69,11 +73,12 @@ McHandle<ZxSpatialData> ZxAlignResampler::existingResult(bool& failed)
   } else if (lattice->getNumDataVars() != m_input.getNumDataVars()) {
     msg()->printf("Result lattice has different number of data variables.");
   } else if (lattice->getDims() != ZxDims{m_width, m_height, m_input.getDims().slices} ||
-             lattice->primType() != m_input.primType()) {
+             lattice->primType() != m_input.primType() || holdsLabels(*lattice) != m_inputIsLabels) {
     msg()->printf("Previous result has different dimensions. Cannot reuse it.");
     failed = false;
   } else {
     failed = false;
+    lattice->setBoundingBox(outputBox(m_input.getDims(), m_input.getBoundingBox(), m_width, m_height));
     return McHandle<ZxSpatialData>(result);
   }
   return {};
@@ -103,8 +108,14 @@ void ZxAlignResampler::describeResult(ZxSpatialData& result)
   ZxParamBundle& parameters = result.parameters();
   parameters.setNum("AlignIsApplied", 1);
   m_module.saveTransform(parameters, m_module.m_slices);
+  storeGeometry(*m_data.getSpatialData(), parameters);
+  result.touch();
+}
+
+void ZxAlignResampler::storeGeometry(const ZxSpatialData& input, ZxParamBundle& parameters) const
+{
   // The output's first voxel lies a border before the input's.
-  ZxFileGeometry geometry = ZxFileGeometry::of(*m_data.getSpatialData());
+  ZxFileGeometry geometry = ZxFileGeometry::of(input);
   geometry.origin[0] -= m_borders.left * geometry.voxelSize[0];
   geometry.origin[1] -= m_borders.top * geometry.voxelSize[1];
   geometry.store(parameters);
@@ -203,19 +214,22 @@ void ZxAlignResampler::resampleLabels(bool reuse)
   ZxParamBundle& parameters = result->parameters();
   m_module.saveTransform(parameters, m_module.m_slices);
   parameters.merge(input->parameters());
+  storeGeometry(*input, parameters);
   result->setLabel(ZxData::composeLabel(input->getLabel(), "align"));
   parameters.setNum("AlignIsApplied", 1);
+  result->touch();
   m_module.setResult(1, result.get());
   if (resampleLabelSlices(*labels, *result->getLattice()) == Outcome::Stopped) return;
-  result->touch();
   m_module.m_appliedLabelSlices = m_module.m_slices;
 }
 
 McHandle<ZxUniformLabelField3> ZxAlignResampler::obtainLabels(const ZxSpatialData& input, bool reuse)
 {
-  ZxLatticeShape shape = input.getLattice()->shape();
-  shape.dims.width = m_width;
-  shape.dims.height = m_height;
+  const ZxLatticeShape shape{{m_width, m_height, m_input.getDims().slices},
+                             1,
+                             input.getLattice()->primType(),
+                             ZxCoordType::Uniform};
+  const ZxBox3f box = outputBox(m_input.getDims(), m_input.getBoundingBox(), m_width, m_height);
   if (reuse) {
     ZxData* data = m_module.getResult(1);
     auto* result = dynamic_cast<ZxUniformLabelField3*>(data);
@@ -223,9 +237,11 @@ McHandle<ZxUniformLabelField3> ZxAlignResampler::obtainLabels(const ZxSpatialDat
       msg()->printf("No input LabelLattice or no output LabelLattice.");
       return {};
     }
-    const ZxLatticeShape& existing = result->getLattice()->shape();
-    if (existing.dims == shape.dims && existing.primType == shape.primType)
+    ZxLattice& existing = *result->getLattice();
+    if (existing.getDims() == shape.dims && existing.primType() == shape.primType) {
+      existing.setBoundingBox(box);
       return McHandle<ZxUniformLabelField3>(result);
+    }
     msg()->printf("Previous result has different dimensions. Cannot reuse it.");
   }
   auto lattice = ZxLabelLattice3::create(shape);
@@ -233,7 +249,7 @@ McHandle<ZxUniformLabelField3> ZxAlignResampler::obtainLabels(const ZxSpatialDat
     msg()->printf("Error creating result Labelfield.");
     return {};
   }
-  lattice->setBoundingBox(outputBox(m_input.getDims(), m_input.getBoundingBox(), m_width, m_height));
+  lattice->setBoundingBox(box);
   return mcMake<ZxUniformLabelField3>(std::move(lattice));
 }
 

@@ -32,6 +32,8 @@ private:
   Outcome resampleLabelSlices(ZxLattice& input, ZxLattice& output);
   kernels::ResampleFrame frameOf(int k, int width, int height) const;
   void showProgress(int k, int row);
+  /// Where the output of an input lies in the frame of the input's file.
+  void storeGeometry(const ZxSpatialData& input, ZxParamBundle& parameters) const;
   int bandRows() const;
 
   ZxAlignSlices& m_module;

@@ -62,6 +62,7 @@ ZxAlignSlices::ZxAlignSlices()
     portAction(this, "action", "Action:", {"Edit", "Resample", "Resample to Result"}),
     m_data(std::make_unique<ZxAlignData>(this)), m_methods(ZxAutoAlignMethodFabrique::getInstance())
 {
+  ZxAlignSlices::update();
 }
 
 ZxAlignSlices::~ZxAlignSlices() = default;
@@ -293,6 +294,7 @@ void ZxAlignSlices::unlockDataMutex() { m_data->dataMutex().unlock(); }
 
 int ZxAlignSlices::doLayout(int mode)
 {
+  if (!m_data->getLattice()) return 0;
   const std::unique_ptr<ZxAutoAlignMethod> method(m_methods->createAutoAlignMethod(this, mode));
   if (!method) return 0;
   method->doLayout();
@@ -311,4 +313,7 @@ float ZxAlignSlices::performanceTest()
   return static_cast<float>(rate);
 }
 
-void ZxAlignSlices::apply(bool reuse) { ZxAlignResampler(*this).run(reuse); }
+void ZxAlignSlices::apply(bool reuse)
+{
+  if (m_data->getLattice()) ZxAlignResampler(*this).run(reuse);
+}

@@ -44,8 +44,8 @@ std::vector<unsigned char> maskBytes(const std::vector<std::uint8_t>& bits, std:
 template <class Change>
 void ZxAlignSlices::forAffectedSlices(Change change)
 {
+  if (!hasEditableSlice()) return;
   const int n = static_cast<int>(m_slices.size());
-  if (m_editableSlice < 0 || m_editableSlice >= n) return;
   if (m_fixReference || (!m_transformAll && (m_editableSide == 1 || m_editableSide == -1))) {
     change(getSlice(m_editableSlice));
   } else if (m_editableSide == 1) {
@@ -55,9 +55,14 @@ void ZxAlignSlices::forAffectedSlices(Change change)
   }
 }
 
+bool ZxAlignSlices::hasEditableSlice() const noexcept
+{
+  return m_editableSlice >= 0 && m_editableSlice < static_cast<int>(m_slices.size());
+}
+
 void ZxAlignSlices::showEditableSlice()
 {
-  if (m_editor) m_editor->setSliceInfo(SliceInfo(getSlice(m_editableSlice)));
+  if (m_editor && hasEditableSlice()) m_editor->setSliceInfo(SliceInfo(getSlice(m_editableSlice)));
 }
 
 void ZxAlignSlices::translateAll(float dx, float dy)
@@ -68,6 +73,7 @@ void ZxAlignSlices::translateAll(float dx, float dy)
 
 void ZxAlignSlices::rotateAll(float angle)
 {
+  if (!hasEditableSlice()) return;
   const SliceInfo& editable = getSlice(m_editableSlice);
   // The pivot is read afresh for each slice; turning the editable one in place leaves it where it is.
   forAffectedSlices(
@@ -83,6 +89,7 @@ void ZxAlignSlices::rotateAll(float angle, float pivotX, float pivotY)
 
 void ZxAlignSlices::translate(float x, float y, bool all)
 {
+  if (!hasEditableSlice()) return;
   const float dx = x - getSlice(m_editableSlice).translationX;
   const float dy = y - getSlice(m_editableSlice).translationY;
   if (all) {
@@ -97,6 +104,7 @@ void ZxAlignSlices::translate(float x, float y, bool all)
 
 void ZxAlignSlices::rotate(float angle, bool all)
 {
+  if (!hasEditableSlice()) return;
   const SliceXForm editable = getSlice(m_editableSlice);
   const float d = angle - editable.rotation;
   if (all) {
@@ -153,12 +161,16 @@ void ZxAlignSlices::addPoint(QPoint p)
 
 void ZxAlignSlices::removePoint(int index)
 {
-  for (SliceInfo& slice : m_slices) slice.landmarks.remove(static_cast<std::size_t>(index));
+  const auto k = static_cast<std::size_t>(index);
+  for (SliceInfo& slice : m_slices)
+    if (k < slice.landmarks.size()) slice.landmarks.remove(k);
 }
 
 void ZxAlignSlices::movePoints(QPoint offset, int index)
 {
-  for (SliceInfo& slice : m_slices) slice.landmarks[static_cast<std::size_t>(index)] += offset;
+  const auto k = static_cast<std::size_t>(index);
+  for (SliceInfo& slice : m_slices)
+    if (k < slice.landmarks.size()) slice.landmarks[k] += offset;
 }
 
 void ZxAlignSlices::createDefaultPoints()

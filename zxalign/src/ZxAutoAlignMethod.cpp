@@ -42,8 +42,9 @@ struct Direction {
   double x, y;
 };
 
-/// The eigenvector of the larger eigenvalue of [[a20, a11], [a11, a02]]; (0, 1) where every direction is one.
-Direction principalDirection(double a20, double a11, double a02)
+/// The direction of the least spread, across the principal axis: the eigenvector of the smaller eigenvalue of
+/// [[a20, a11], [a11, a02]]; (0, 1) where every direction is one.
+Direction crossDirection(double a20, double a11, double a02)
 {
   const double lambda =
       (a20 + a02) / 2.0 + std::sqrt(std::max(0.0, (a20 - a02) * (a20 - a02) / 4.0 + a11 * a11));
@@ -67,7 +68,7 @@ void ZxAutoAlignMethod::computeCenterAndOrientation(const unsigned char* image, 
   const double a20 = (m.m20 - 2.0 * cx * m.m10 + cx * cx * m.m00) / m.m00;
   const double a11 = (m.m11 - cx * m.m01 - cy * m.m10 + cx * cy * m.m00) / m.m00;
   const double a02 = (m.m02 - 2.0 * cy * m.m01 + cy * cy * m.m00) / m.m00;
-  const Direction d = principalDirection(a20, a11, a02);
+  const Direction d = crossDirection(a20, a11, a02);
   const double length = std::sqrt(d.x * d.x + d.y * d.y);
   angle = static_cast<float>(mc::atan2(d.y / length, (flipped ? -d.x : d.x) / length));
   center = {static_cast<float>(cx), static_cast<float>(cy)};

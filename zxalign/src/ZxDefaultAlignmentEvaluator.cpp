@@ -75,7 +75,7 @@ float ZxDefaultAlignmentEvaluator::computeQuality(unsigned char* image0, unsigne
   const kernels::Affine16 mb = inverse16(xform1, width1, height1);
   const int gridWidth = std::max(width0, width1);
   const int gridHeight = std::max(height0, height1);
-  const std::uint64_t smaller = std::min(pixels(width0, height0), pixels(width1, height1));
+  const std::uint64_t smaller = pixels(std::min(width0, width1), std::min(height0, height1));
   if (!m_mask0 || !m_mask1)
     return alignmentQuality(kernels::pairDifference(a, ma, b, mb, gridWidth, gridHeight, m_channels),
                             m_channels, smaller);

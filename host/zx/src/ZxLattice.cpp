@@ -4,17 +4,21 @@
 #include "zx/ZxMemory.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <type_traits>
 #include <vector>
 
 namespace {
 
-/// Widens [min, max] to the values of a run; NaN fails both comparisons.
+/// Widens [min, max] to the finite values of a run.
 template <class T>
 void widenRange(const T* values, std::size_t n, T& min, T& max)
 {
   for (std::size_t i = 0; i < n; ++i) {
+    if constexpr (std::is_floating_point_v<T>)
+      if (!std::isfinite(values[i])) continue;
     if (values[i] < min) min = values[i];
     if (values[i] > max) max = values[i];
   }

@@ -57,6 +57,14 @@ ZxData* ZxCompModule::getResult(int slot) const noexcept
   return m_results[i].get();
 }
 
+void ZxCompModule::forgetData(const ZxData* data)
+{
+  for (McHandle<ZxData>& result : m_results)
+    if (result.get() == data) result = {};
+  ZxModule::forgetData(data);
+  update();
+}
+
 void ZxCompModule::setResult(int slot, ZxData* result)
 {
   const auto i = static_cast<std::size_t>(slot);

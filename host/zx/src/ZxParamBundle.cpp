@@ -7,10 +7,11 @@ namespace {
 
 constexpr char lower(char c) noexcept { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-bool sameName(std::string_view a, std::string_view b) noexcept
+std::string folded(std::string_view name)
 {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return lower(x) == lower(y); });
+  std::string text(name);
+  std::transform(text.begin(), text.end(), text.begin(), lower);
+  return text;
 }
 
 ZxParamBundle::Value copyOf(const ZxParamBundle::Value& value)
@@ -24,7 +25,7 @@ ZxParamBundle::Value copyOf(const ZxParamBundle::Value& value)
 
 } // namespace
 
-ZxParamBundle::ZxParamBundle(const ZxParamBundle& other)
+ZxParamBundle::ZxParamBundle(const ZxParamBundle& other) : m_index(other.m_index)
 {
   m_entries.reserve(other.m_entries.size());
   for (const Entry& e : other.m_entries) m_entries.push_back({e.name, copyOf(e.value)});
@@ -36,11 +37,16 @@ ZxParamBundle& ZxParamBundle::operator=(const ZxParamBundle& other)
   return *this;
 }
 
-const ZxParamBundle::Entry* ZxParamBundle::find(std::string_view name) const noexcept
+const ZxParamBundle::Entry* ZxParamBundle::find(std::string_view name) const
 {
-  const auto it = std::find_if(m_entries.begin(), m_entries.end(),
-                               [&](const Entry& e) { return sameName(e.name, name); });
-  return it == m_entries.end() ? nullptr : &*it;
+  const auto it = m_index.find(folded(name));
+  return it == m_index.end() ? nullptr : &m_entries[it->second];
+}
+
+void ZxParamBundle::append(std::string_view name, Value value)
+{
+  m_index.emplace(folded(name), m_entries.size());
+  m_entries.push_back({std::string(name), std::move(value)});
 }
 
 void ZxParamBundle::set(std::string_view name, Value value)
@@ -48,7 +54,7 @@ void ZxParamBundle::set(std::string_view name, Value value)
   if (const Entry* entry = find(name))
     const_cast<Entry*>(entry)->value = std::move(value);
   else
-    m_entries.push_back({std::string(name), std::move(value)});
+    append(name, std::move(value));
 }
 
 bool ZxParamBundle::findNums(std::string_view name, int n, int* out) const
@@ -82,27 +88,40 @@ bool ZxParamBundle::findString(std::string_view name, std::string& out) const
   return text != nullptr;
 }
 
-const ZxParamBundle* ZxParamBundle::findBundle(std::string_view name) const noexcept
+const ZxParamBundle* ZxParamBundle::findBundle(std::string_view name) const
 {
   const Entry* entry = find(name);
   const auto* bundle = entry ? std::get_if<Bundle>(&entry->value) : nullptr;
   return bundle ? bundle->get() : nullptr;
 }
 
-ZxParamBundle* ZxParamBundle::findBundle(std::string_view name) noexcept
+ZxParamBundle* ZxParamBundle::findBundle(std::string_view name)
 {
   return const_cast<ZxParamBundle*>(std::as_const(*this).findBundle(name));
 }
 
 ZxParamBundle* ZxParamBundle::getBundle(std::string_view name)
 {
-  if (!find(name)) m_entries.push_back({std::string(name), std::make_unique<ZxParamBundle>()});
+  if (!find(name)) append(name, std::make_unique<ZxParamBundle>());
   return findBundle(name);
 }
 
 bool ZxParamBundle::remove(std::string_view name)
 {
-  return std::erase_if(m_entries, [&](const Entry& e) { return sameName(e.name, name); }) > 0;
+  const auto it = m_index.find(folded(name));
+  if (it == m_index.end()) return false;
+  const std::size_t position = it->second;
+  m_entries.erase(m_entries.begin() + static_cast<std::ptrdiff_t>(position));
+  m_index.erase(it);
+  for (auto& [key, index] : m_index)
+    if (index > position) --index;
+  return true;
+}
+
+void ZxParamBundle::removeAll() noexcept
+{
+  m_entries.clear();
+  m_index.clear();
 }
 
 void ZxParamBundle::merge(const ZxParamBundle& other)

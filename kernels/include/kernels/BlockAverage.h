@@ -8,7 +8,7 @@ namespace kernels {
 ///
 /// dst receives (width / factor) x (height / factor) pixels, each the integer sum of its block divided by
 /// factor^2 and truncated, per channel; blocks that do not fit are dropped. dst and src do not overlap;
-/// factor is at least 1. Uses all threads.
+/// a factor below 1 writes nothing. Uses all threads.
 void blockAverage(const std::uint8_t* src, int width, int height, int channels, int factor,
                   std::uint8_t* dst);
 

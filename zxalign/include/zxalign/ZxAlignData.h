@@ -4,6 +4,7 @@
 #include "mc/McPrimType.h"
 #include "mc/McString.h"
 #include "zx/ZxBox3.h"
+#include "zx/ZxData.h"
 #include "zx/ZxMutex.h"
 
 #include <cstdint>
@@ -11,9 +12,6 @@
 
 class ZxAlignSlices;
 class ZxLabelLattice;
-class ZxLattice;
-class ZxParamBundle;
-class ZxSpatialData;
 
 /// The slices of the module's input as 8-bit images: of the editable and of the reference slice, grey through
 /// the module's data window, and as RGBA copies of colour input; besides the raw data and the mask of any
@@ -27,7 +25,7 @@ public:
   explicit ZxAlignData(ZxAlignSlices* module);
   ~ZxAlignData();
 
-  /// Takes a new input and allocates the buffers. No slice is chosen and no mask set afterwards, so that the
+  /// Takes a new input, which lives at least until the next init() or reset(), and allocates the buffers. No slice is chosen and no mask set afterwards, so that the
   /// next choice is mapped into the new buffers whatever its number. False, with everything released, when a
   /// pointer is null or there is not enough memory.
   bool init(ZxSpatialData* data, ZxLattice* lattice);
@@ -37,7 +35,7 @@ public:
   void resetData();
 
   ZxLattice* getLattice() const noexcept { return m_lattice; }
-  ZxSpatialData* getSpatialData() const noexcept { return m_data; }
+  ZxSpatialData* getSpatialData() const noexcept { return m_data.get(); }
   const ZxDims& getDims() const noexcept { return m_dims; }
   int getNumDataVars() const noexcept;
   McPrimType getPrimType() const noexcept;
@@ -86,7 +84,7 @@ private:
   ZxAlignSlices* m_module; // borrowed
   ZxLattice* m_lattice = nullptr;
   ZxDims m_dims;
-  ZxSpatialData* m_data = nullptr;
+  McHandle<ZxSpatialData> m_data; // keeps the lattice alive until the next init() or reset()
   ZxLabelLattice* m_mask = nullptr;
   McDArray<unsigned char> m_editableImage;
   McDArray<unsigned char> m_referenceImage;

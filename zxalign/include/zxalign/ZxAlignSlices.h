@@ -73,6 +73,7 @@ public:
   void unlockDataMutex();
 
   /// Runs the automatic method of an align mode on the current pair; 1 when there is such a method, else 0.
+  /// Without an input nothing is done.
   int doLayout(int mode);
   /// Frames per second of ten repaints of the editor's slice view; 0 without an editor.
   float performanceTest();
@@ -113,7 +114,8 @@ public:
   /// the input are used where one of them is 0.
   void calculateOrigin(int* xBorders, int* yBorders, int width, int height) const;
 
-  // Landmarks: every slice has the same number, each operation changes all slices. Indices are not checked.
+  // Landmarks: every slice has the same number, each operation changes all slices. A file may have given some
+  // slices fewer: those without a landmark of that index are left alone.
   void addPoint(QPoint p);
   void removePoint(int index);
   void movePoints(QPoint offset, int index);
@@ -178,6 +180,7 @@ private:
   /// The slices that a change of the editable one affects: calls change for each, the editable one first.
   template <class Change>
   void forAffectedSlices(Change change);
+  bool hasEditableSlice() const noexcept;
   void showEditableSlice();
   void selectPair(const ZxAlignPair& pair);
   ZxAlignPairResult alignPair(const ZxAlignPair& pair, int method);

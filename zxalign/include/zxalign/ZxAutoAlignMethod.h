@@ -19,8 +19,8 @@ public:
   virtual int doLayout() = 0;
 
 protected:
-  /// Centre of gravity (pixels) and direction of the principal axis (radians, mirrored in x when flipped is
-  /// not 0) of an 8-bit image of the module's slice size, grey values being the weights. An image without
+  /// Centre of gravity (pixels) and direction across the principal axis (radians, mirrored in x when flipped
+  /// is not 0) of an 8-bit image of the module's slice size, grey values being the weights. An image without
   /// weight has centre (0, 0).
   void computeCenterAndOrientation(const unsigned char* image, McVec2f& center, float& angle,
                                    int flipped) const;

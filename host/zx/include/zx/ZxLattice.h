@@ -58,7 +58,7 @@ public:
   void* beginWrite(int k) { return m_source->beginWrite(k); }
   bool endWrite(int k) { return m_source->endWrite(k); }
 
-  /// Smallest and largest value over all voxels and data values; NaN is passed over. (0, 0) when there is
+  /// Smallest and largest value over all voxels and data values that are finite. (0, 0) when there is
   /// none, or when a slice could not be read.
   void getRange(float& min, float& max);
 

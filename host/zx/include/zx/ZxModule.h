@@ -29,8 +29,9 @@ public:
   const std::vector<ZxPort*>& getPorts() const noexcept { return m_ports; }
   /// The port of that name, or null.
   ZxPort* findPort(std::string_view name) const noexcept;
-  /// Disconnects every connection to an object and, when there was one, runs a pass.
-  void forgetData(const ZxData* data);
+  /// Disconnects every connection to an object and, when there was one, runs a pass. The pool calls this when
+  /// the object is removed.
+  virtual void forgetData(const ZxData* data);
 
 protected:
   /// The types that the primary input accepts.
@@ -51,6 +52,8 @@ public:
   ZxData* getResult(int slot = 0) const noexcept;
   /// Puts a result into a slot and into the pool.
   void setResult(int slot, ZxData* result);
+  /// Lets go of a result, too.
+  void forgetData(const ZxData* data) override;
 
 protected:
   using ZxModule::ZxModule;

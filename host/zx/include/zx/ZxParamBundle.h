@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <variant>
 #include <vector>
 
@@ -37,8 +38,8 @@ public:
   bool findReals(std::string_view name, int n, double* out) const;
   bool findString(std::string_view name, std::string& out) const;
   /// The bundle of that name, or null.
-  ZxParamBundle* findBundle(std::string_view name) noexcept;
-  const ZxParamBundle* findBundle(std::string_view name) const noexcept;
+  ZxParamBundle* findBundle(std::string_view name);
+  const ZxParamBundle* findBundle(std::string_view name) const;
   /// The bundle of that name, created when there is nothing under it; null when it is taken by a plain value.
   ZxParamBundle* getBundle(std::string_view name);
 
@@ -47,11 +48,14 @@ public:
   bool remove(std::string_view name);
   /// Copies every entry of another bundle into this one, replacing entries of the same name.
   void merge(const ZxParamBundle& other);
-  void removeAll() noexcept { m_entries.clear(); }
+  void removeAll() noexcept;
 
 private:
   void set(std::string_view name, Value value);
-  const Entry* find(std::string_view name) const noexcept;
+  void append(std::string_view name, Value value);
+  const Entry* find(std::string_view name) const;
 
   std::vector<Entry> m_entries;
+  /// Position of an entry by its name in lower case: a stack has one entry a slice, and may have thousands.
+  std::unordered_map<std::string, std::size_t> m_index;
 };

@@ -1,0 +1,355 @@
+#include "AlignCommand.h"
+
+#include "AlignModule.h"
+#include "Console.h"
+#include "Failure.h"
+#include "MethodNames.h"
+#include "OutputFiles.h"
+#include "Picture.h"
+#include "Stopwatch.h"
+#include "StoredAlignment.h"
+#include "Text.h"
+#include "TransformTable.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <array>
+
+namespace cli {
+namespace {
+
+/// One of the two values of --window.
+float windowValue(const std::string& text)
+{
+  const std::optional<float> value = parseFloat(text);
+  if (!value) throw Failure("--window takes two numbers; \"" + text + "\" is none.");
+  return *value;
+}
+
+double meanQuality(const std::vector<ZxAlignPairResult>& pairs, double ZxAlignPairResult::*quality)
+{
+  double sum = 0.0;
+  for (const ZxAlignPairResult& pair : pairs) sum += pair.*quality;
+  return pairs.empty() ? 0.0 : sum / static_cast<double>(pairs.size());
+}
+
+std::string percent(double quality) { return fixed(quality * 100.0, 2) + " %"; }
+
+std::string summaryOf(const AlignReport& report)
+{
+  return std::to_string(report.pairs.size()) + (report.pairs.size() == 1 ? " pair" : " pairs") +
+         " aligned in " + fixed(report.seconds.aligning, 1) + " s, mean quality " +
+         percent(meanQuality(report.pairs, &ZxAlignPairResult::qualityBefore)) + " before, " +
+         percent(meanQuality(report.pairs, &ZxAlignPairResult::qualityAfter)) + " after.";
+}
+
+/// The settings of the module as a table for the help.
+std::string settingsTable(const ZxAlignControl& control)
+{
+  std::string text;
+  for (const ZxAlignSetting& setting : control.settings()) {
+    const std::string unit = *setting.unit ? std::string(" ") + setting.unit : "";
+    const std::string standard = *setting.defaultValue ? setting.defaultValue : "from the input";
+    text += "  " + std::string(setting.name) + "\n      " + setting.help + " " + setting.range + unit +
+            " (default: " + standard + ").\n";
+  }
+  return text;
+}
+
+std::string helpOnMethods()
+{
+  Console console(Console::Verbosity::Quiet);
+  AlignModule module(console);
+  return "Methods (--method): " + methodList(module.control()) + "\n\nSettings (--set NAME=VALUE):\n" +
+         settingsTable(module.control()) +
+         "\nSlices are counted from 0. Each is aligned to its neighbour, from the reference slice upwards "
+         "and\n"
+         "then downwards. Ctrl+C stops at once and writes nothing.";
+}
+
+} // namespace
+
+void AlignCommand::declare(CLI::App& options)
+{
+  m_input.declare(options);
+  options
+      .add_option(
+          "-o,--output", m_output,
+          "The aligned volume: .tif .tiff .nrrd .nhdr .mrc .mha .mhd .nii .nii.gz, or one file a slice "
+          "with a number pattern (aligned_%04d.tif) or a name that ends in /")
+      ->required()
+      ->type_name("FILE");
+  declareSearch(options);
+  m_resample.declare(options);
+  declareOutputs(options);
+  options.footer([] {
+    try {
+      return helpOnMethods();
+    } catch (const Failure& failure) {
+      return std::string(failure.what());
+    }
+  });
+}
+
+void AlignCommand::declareSearch(CLI::App& options)
+{
+  options
+      .add_option("--method", m_method,
+                  "Automatic method: short name, registered name or id (default: least-squares)")
+      ->type_name("METHOD");
+  options
+      .add_option("--set", m_settings, "Change a setting of the module, see the list below; can be repeated")
+      ->expected(1)
+      ->take_all()
+      ->type_name("NAME=VALUE");
+  options
+      .add_option("--reference", m_reference,
+                  "Slice that stays where it is (default: the one below the middle)")
+      ->type_name("N");
+  options.add_flag("--no-rotation", m_noRotation, "Shift slices only (the same as --set rotation=off)");
+  options.add_option("--iterations", m_iterations, "The same as --set iterations=N")->type_name("N");
+  options.add_option("--translation-step", m_translationStep, "The same as --set translation-step=PIXELS")
+      ->type_name("PIXELS");
+  options.add_option("--rotation-step", m_rotationStep, "The same as --set rotation-step=DEGREES")
+      ->type_name("DEGREES");
+  options.add_option("--levels", m_levels, "The same as --set levels=N")->type_name("N");
+  options
+      .add_option("--window", m_window,
+                  "Grey values that count as black and white in the comparison of slices (default: the "
+                  "range of the input)")
+      ->expected(2)
+      ->type_name("MIN MAX");
+  options
+      .add_option("--mask", m_mask,
+                  "A label field of the size of the input: where it is 0 the input counts as black in the "
+                  "comparison of slices")
+      ->type_name("FILE");
+  options
+      .add_option("--start-from", m_startFrom,
+                  "Start from the alignment stored in a volume, or from a table of the command transforms "
+                  "(default: the alignment stored in the input, if there is one)")
+      ->type_name("FILE");
+}
+
+void AlignCommand::declareOutputs(CLI::App& options)
+{
+  options.add_flag("--transforms-only", m_transformsOnly,
+                   "Do not resample: the output is the table of transforms when its name ends in .csv, else "
+                   "the input with the alignment stored in it");
+  options.add_option("--report", m_report, "Write a report of every pair as JSON")->type_name("FILE.json");
+  options
+      .add_option("--picture", m_picture,
+                  "Paint the stack cut along x and y, before and after, and the quality of every pair")
+      ->type_name("FILE.png");
+  options
+      .add_option("--truth", m_truth,
+                  "Compare the result with a table of the true transforms: distance in pixels between "
+                  "neighbours, also in the report")
+      ->type_name("FILE.csv");
+}
+
+bool AlignCommand::writesTable() const { return m_transformsOnly && hasEnding(m_output, ".csv"); }
+
+void AlignCommand::check(const io::VolumeInfo& info) const
+{
+  const ZxDims& dims = info.shape.dims;
+  if (m_transformsOnly && m_resample.hasLabels())
+    throw Failure("--labels needs the resampling that --transforms-only leaves out.");
+  // What is too small for any reference is refused by the module.
+  if (m_reference < -1 || (dims.slices > 1 && m_reference >= dims.slices))
+    throw Failure("There is no slice " + std::to_string(m_reference) + " to be the reference; " +
+                  m_input.name() + " has the slices 0 to " + std::to_string(dims.slices - 1) + ".");
+  if (!m_mask.empty()) requireSameDims("mask", m_mask, io::readInfo({m_mask}).shape.dims, m_input, dims);
+}
+
+void AlignCommand::announce(const io::VolumeInfo& info, OutputFiles& files) const
+{
+  files.protect(m_input.paths(), OutputFiles::Input::Replaceable);
+  for (const std::string* path : {&m_mask, &m_startFrom, &m_truth})
+    if (!path->empty()) files.protect({*path}, OutputFiles::Input::Protected);
+  if (m_resample.hasLabels()) files.protect({m_resample.labels()}, OutputFiles::Input::Replaceable);
+
+  if (writesTable())
+    files.announceFile(m_output);
+  else
+    files.announceVolume(m_output, m_transformsOnly ? info.shape : m_resample.outputShape(info.shape));
+  m_resample.announceLabels(m_input, info.shape, files);
+  for (const std::string* path : {&m_report, &m_picture})
+    if (!path->empty()) files.announceFile(*path);
+}
+
+void AlignCommand::connect(AlignModule& module, ZxField3& volume, const io::VolumeInfo& info,
+                           Console& console) const
+{
+  if (m_startFrom.empty() && hasAlignment(volume.parameters()))
+    console.remark(isAligned(volume.parameters())
+                       ? m_input.name() + " has been aligned before; its slices start where they are."
+                       : "The alignment stored in " + m_input.name() + " is the start.");
+  module.connectInput(volume);
+  setStart(module, info);
+  if (!m_mask.empty()) {
+    const WorkingPhase phase("Reading " + m_mask);
+    const McHandle<ZxUniformLabelField3> mask = io::readLabels({m_mask});
+    module.connect("mask", *mask);
+  }
+  setOptions(module, info.shape, console);
+  m_resample.prepare(module, info.shape);
+}
+
+void AlignCommand::setStart(AlignModule& module, const io::VolumeInfo& info) const
+{
+  if (m_startFrom.empty()) return;
+  if (hasEnding(m_startFrom, ".csv")) {
+    const std::vector<ZxAlignTransform> start = readTransformTable(m_startFrom);
+    if (!module.control().setTransforms(start))
+      throw Failure("The table " + m_startFrom + " has " + std::to_string(start.size()) + " slices, but " +
+                    m_input.name() + " has " + std::to_string(info.shape.dims.slices) + ".");
+    return;
+  }
+  const io::VolumeInfo start = io::readInfo({m_startFrom});
+  if (!hasAlignment(start.parameters))
+    throw Failure("The volume " + m_startFrom + " carries no alignment to start from.");
+  const McHandle<ZxField3> carrier = alignmentCarrier(start);
+  requireSameDims("alignment of", m_startFrom, carrier->getLattice()->getDims(), m_input, info.shape.dims);
+  module.connect("reference", *carrier);
+}
+
+void AlignCommand::setOptions(AlignModule& module, const ZxLatticeShape& shape, Console& console) const
+{
+  for (const std::string& setting : m_settings) {
+    const std::size_t equals = setting.find('=');
+    if (equals == std::string::npos) throw Failure("--set takes NAME=VALUE, not \"" + setting + "\".");
+    module.set(setting.substr(0, equals), setting.substr(equals + 1));
+  }
+  if (m_noRotation) module.set("rotation", "off");
+  const std::pair<const char*, const std::string&> named[] = {{"iterations", m_iterations},
+                                                              {"translation-step", m_translationStep},
+                                                              {"rotation-step", m_rotationStep},
+                                                              {"levels", m_levels}};
+  for (const auto& [name, value] : named)
+    if (!value.empty()) module.set(name, value);
+  if (m_window.empty()) return;
+  if (shape.numDataVars == 4) console.remark("--window has no effect on colour.");
+  module.setWindow(windowValue(m_window[0]), windowValue(m_window[1]));
+}
+
+void AlignCommand::align(AlignModule& module, int method, AlignReport& report, Console& console) const
+{
+  ZxAlignControl& control = module.control();
+  report.reference = m_reference < 0 ? control.referenceSlice() : m_reference;
+  const int total = control.numSlices() - 1;
+  const Stopwatch watch;
+  const int done = control.alignAll(method, report.reference,
+                                    [&](const ZxAlignPairResult& pair) { report.pairs.push_back(pair); });
+  report.seconds.aligning = watch.seconds();
+  if (ZxWorkArea::getTheWorkArea()->wasInterrupted())
+    throw Stopped("Stopped after " + std::to_string(done) + " of " + std::to_string(total) +
+                  " pairs; nothing was written.");
+  if (done < total) throw Failure(console.reason("The stack could not be aligned."));
+  report.transforms = control.transforms();
+  console.remarks();
+}
+
+void AlignCommand::compareWithTruthTable(AlignReport& report) const
+{
+  if (m_truth.empty()) return;
+  const std::vector<ZxAlignTransform> truth = readTransformTable(m_truth);
+  if (truth.size() != report.transforms.size())
+    throw Failure("The table " + m_truth + " has " + std::to_string(truth.size()) + " slices, but " +
+                  m_input.name() + " has " + std::to_string(report.transforms.size()) + ".");
+  report.truth =
+      compareWithTruth(report.transforms, truth, report.dimensions.width, report.dimensions.height);
+}
+
+std::vector<std::pair<std::string, std::string>> AlignCommand::effectiveOptions(AlignModule& module) const
+{
+  std::vector<std::pair<std::string, std::string>> options;
+  for (const ZxAlignSetting& setting : module.control().settings())
+    options.emplace_back(setting.name, module.control().getSetting(setting.name));
+  options.emplace_back("window", shortest(module.windowMin()) + " " + shortest(module.windowMax()));
+  options.emplace_back("interpolation", m_resample.interpolation());
+  options.emplace_back("mask", m_mask);
+  options.emplace_back("labels", m_resample.labels());
+  options.emplace_back("start-from", m_startFrom);
+  options.emplace_back("transforms-only", m_transformsOnly ? "on" : "off");
+  return options;
+}
+
+void AlignCommand::writeVolumes(AlignModule& module, ZxField3& volume, const AlignReport& report,
+                                OutputFiles& files) const
+{
+  if (writesTable()) {
+    files.write(m_output, [&](const std::string& path) {
+      writeTransformTable(report.transforms, report.dimensions.width, report.dimensions.height, path);
+    });
+    return;
+  }
+  const ZxSpatialData& aligned = m_transformsOnly ? volume : *module.result();
+  files.write(m_output, [&](const std::string& path) { io::writeVolume(aligned, path); });
+  if (m_resample.hasLabels())
+    files.write(m_resample.labelsOutput(),
+                [&](const std::string& path) { io::writeVolume(*module.labelResult(), path); });
+}
+
+void AlignCommand::write(AlignModule& module, ZxField3& volume, AlignReport& report, OutputFiles& files) const
+{
+  const Stopwatch watch;
+  const WorkingPhase phase("Writing " + m_output);
+  writeVolumes(module, volume, report, files);
+  if (!m_picture.empty()) {
+    PictureInput picture;
+    picture.title = volume.getLabel().str();
+    picture.before = volume.getLattice();
+    if (!m_transformsOnly) picture.after = module.result()->getLattice();
+    picture.transforms = report.transforms;
+    picture.pairs = report.pairs;
+    picture.windowMin = module.windowMin();
+    picture.windowMax = module.windowMax();
+    files.write(m_picture, [&](const std::string& path) { writePicture(picture, path); });
+  }
+  report.seconds.writing = watch.seconds();
+  report.seconds.total =
+      report.seconds.reading + report.seconds.aligning + report.seconds.resampling + report.seconds.writing;
+  if (!m_report.empty()) files.write(m_report, [&](const std::string& path) { writeReport(report, path); });
+  files.commit();
+}
+
+void AlignCommand::run(Console& console)
+{
+  AlignModule module(console);
+  const int method = findMethod(module.control(), m_method);
+  const io::VolumeInfo info = m_input.info();
+  OutputFiles files;
+  announce(info, files);
+  check(info);
+
+  AlignReport report;
+  report.version = ZXALIGN_VERSION;
+  report.inputs = m_input.paths();
+  report.output = m_output;
+  report.dimensions = info.shape.dims;
+  report.type = typeName(info.shape);
+  report.method = methodName(module.control(), method);
+
+  const Stopwatch reading;
+  const McHandle<ZxField3> volume = m_input.read();
+  connect(module, *volume, info, console);
+  report.seconds.reading = reading.seconds();
+  align(module, method, report, console);
+  compareWithTruthTable(report);
+
+  const Stopwatch resampling;
+  if (!m_transformsOnly) {
+    m_resample.resample(module, info.shape);
+    report.seconds.resampling = resampling.seconds();
+  } else if (!writesTable()) {
+    module.storeAlignment();
+  }
+  report.options = effectiveOptions(module);
+  write(module, *volume, report, files);
+  console.summary(summaryOf(report));
+  if (report.truth) console.summary(describe(*report.truth));
+}
+
+} // namespace cli

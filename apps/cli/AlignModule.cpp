@@ -1,0 +1,106 @@
+#include "AlignModule.h"
+
+#include "Console.h"
+#include "Failure.h"
+#include "StoredAlignment.h"
+#include "zx/ZxObjectPool.h"
+#include "zx/ZxPackage.h"
+
+namespace cli {
+
+AlignModule::AlignModule(Console& console) : m_console(console)
+{
+  const std::string problem = ZxPackage::load("zxalign");
+  if (!problem.empty()) throw Failure(problem);
+  m_module =
+      McHandle<ZxCompModule>(dynamic_cast<ZxCompModule*>(ZxObjectPool::getThePool().create("ZxAlignSlices")));
+  m_control = dynamic_cast<ZxAlignControl*>(m_module.get());
+  if (!m_control) throw Failure("The package zxalign does not have the module ZxAlignSlices.");
+}
+
+AlignModule::~AlignModule()
+{
+  m_module = {};
+  ZxObjectPool::getThePool().clear();
+}
+
+template <class Port>
+Port& AlignModule::port(const char* name) const
+{
+  auto* found = dynamic_cast<Port*>(m_module->findPort(name));
+  if (!found) throw Failure("The module ZxAlignSlices lacks the port " + std::string(name) + ".");
+  return *found;
+}
+
+void AlignModule::connectInput(ZxSpatialData& input)
+{
+  const std::string name = input.getLabel().str();
+  m_module->portData.connect(&input);
+  m_module->fire();
+  if (!m_module->portData.isConnected() || m_control->numSlices() == 0)
+    throw Failure(m_console.reason("The volume " + name + " cannot be aligned."));
+  m_console.remarks();
+}
+
+void AlignModule::connect(const char* name, ZxSpatialData& data)
+{
+  auto& connection = port<ZxConnection>(name);
+  connection.connect(&data);
+  m_module->fire();
+  if (!connection.isConnected())
+    throw Failure(m_console.reason(data.getLabel().str() + " does not fit the input."));
+  m_console.remarks();
+}
+
+void AlignModule::set(const std::string& setting, const std::string& value)
+{
+  const std::string problem = m_control->setSetting(setting, value);
+  if (!problem.empty()) throw Failure(problem);
+}
+
+void AlignModule::setWindow(float min, float max)
+{
+  auto& window = port<ZxPortFloatTextN>("linearRange");
+  window.setValue(0, min);
+  window.setValue(1, max);
+  m_module->fire();
+}
+
+float AlignModule::windowMin() const { return port<ZxPortFloatTextN>("linearRange").getValue(0); }
+float AlignModule::windowMax() const { return port<ZxPortFloatTextN>("linearRange").getValue(1); }
+
+void AlignModule::setInterpolation(Interpolation interpolation)
+{
+  port<ZxPortMultiMenu>("resampleMethod").setValue(interpolation == Interpolation::Linear ? 1 : 0);
+  m_module->fire();
+}
+
+void AlignModule::storeAlignment()
+{
+  if (!m_control->saveAlignment()) throw Failure(m_console.reason("The alignment could not be stored."));
+  // The volume may have been the result of an earlier alignment: this one is yet to be applied to it.
+  ZxParamBundle& parameters = static_cast<ZxData*>(m_module->portData.getSource())->parameters();
+  if (isAligned(parameters)) parameters.setNum("AlignIsApplied", 0);
+}
+
+void AlignModule::resample()
+{
+  constexpr int resampleButton = 1;
+  const bool hasLabels = port<ZxConnection>("LabelField").isConnected();
+  port<ZxPortButtonList>("action").hit(resampleButton);
+  m_module->fire();
+  if (ZxWorkArea::getTheWorkArea()->wasInterrupted())
+    throw Stopped("Stopped while resampling; nothing was written.");
+  if (!result() || (hasLabels && !labelResult()))
+    throw Failure(m_console.reason("The volume could not be resampled."));
+  m_console.remarks();
+}
+
+ZxSpatialData* AlignModule::result() const { return dynamic_cast<ZxSpatialData*>(m_module->getResult(0)); }
+
+ZxSpatialData* AlignModule::labelResult() const
+{
+  return dynamic_cast<ZxSpatialData*>(m_module->getResult(1));
+}
+
+} // namespace cli

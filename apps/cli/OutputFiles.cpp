@@ -1,0 +1,199 @@
+#include "OutputFiles.h"
+
+#include "Failure.h"
+#include "Text.h"
+#include "io/Volume.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <initializer_list>
+
+namespace cli {
+namespace fs = std::filesystem;
+namespace {
+
+/// A path that is the same for the same file, however it was written. Works for files yet to be made.
+fs::path uniquePath(const fs::path& path)
+{
+  std::error_code error;
+  const fs::path result = fs::weakly_canonical(fs::absolute(path), error);
+  const fs::path& best = error ? path : result;
+  return best.has_filename() ? best : best.parent_path();
+}
+
+bool isSequence(const std::string& path)
+{
+  return path.ends_with('/') || fs::path(path).filename().string().find('%') != std::string::npos;
+}
+
+/// The folder that a name like "out/a.tif", "out/a_%04d.tif" or "out/" is made in.
+fs::path folderOf(const std::string& path)
+{
+  const fs::path target(path);
+  const fs::path parent = target.has_filename() ? target.parent_path() : target.parent_path().parent_path();
+  return parent.empty() ? fs::path(".") : parent;
+}
+
+/// The name below that folder: "a.tif", "a_%04d.tif" or "out/".
+std::string nameOf(const std::string& path)
+{
+  const fs::path target(path);
+  return target.has_filename() ? target.filename().string() : target.parent_path().filename().string() + "/";
+}
+
+/// True when a name may be one of those that a number pattern gives.
+bool mayMatch(const std::string& pattern, const std::string& name)
+{
+  const std::size_t percent = pattern.find('%');
+  const std::size_t end = pattern.find('d', percent);
+  if (percent == std::string::npos || end == std::string::npos) return false;
+  const std::string before = pattern.substr(0, percent), after = pattern.substr(end + 1);
+  if (name.size() < before.size() + after.size()) return false;
+  const std::string middle = name.substr(before.size(), name.size() - before.size() - after.size());
+  return name.starts_with(before) && name.ends_with(after) &&
+         middle.find_first_not_of(" 0123456789") == std::string::npos;
+}
+
+bool isSliceFile(const std::string& path)
+{
+  const std::initializer_list<std::string_view> endings = {".png", ".tif", ".tiff", ".jpg", ".jpeg", ".bmp"};
+  return std::any_of(endings.begin(), endings.end(),
+                     [&](std::string_view ending) { return hasEnding(path, ending); });
+}
+
+std::string writeFailure(const std::string& path, const std::string& reason)
+{
+  return "Cannot write " + path + ": " + reason + ".";
+}
+
+/// A hidden folder of our own inside a folder.
+fs::path makeStagingFolder(const fs::path& parent, const std::string& target)
+{
+  std::string name = (parent / ".zxalign-XXXXXX").string();
+  if (!mkdtemp(name.data())) throw Failure(writeFailure(target, std::strerror(errno)));
+  return name;
+}
+
+/// Moves a file or folder into a folder; a folder that is there already receives the files.
+void moveInto(const fs::path& from, const fs::path& folder)
+{
+  const fs::path to = folder / from.filename();
+  if (!fs::is_directory(from) || !fs::exists(to)) return fs::rename(from, to);
+  for (const fs::directory_entry& entry : fs::directory_iterator(from)) moveInto(entry.path(), to);
+}
+
+} // namespace
+
+OutputFiles::~OutputFiles() { removeStaged(); }
+
+void OutputFiles::removeStaged() noexcept
+{
+  std::error_code ignored;
+  for (const Staged& s : m_staged) fs::remove_all(s.folder, ignored);
+  m_staged.clear();
+}
+
+void OutputFiles::protect(const std::vector<std::string>& inputs, Input kind)
+{
+  for (const std::string& input : inputs)
+    m_inputs.push_back({uniquePath(input), inputs.size() == 1 ? kind : Input::Protected});
+}
+
+void OutputFiles::refuseTwice(const std::string& path)
+{
+  const fs::path name = uniquePath(path);
+  if (std::find(m_announced.begin(), m_announced.end(), name) != m_announced.end())
+    throw Failure(writeFailure(path, "two outputs have this name"));
+  m_announced.push_back(name);
+}
+
+void OutputFiles::refuseInputs(const std::string& path, bool volume) const
+{
+  const fs::path name = uniquePath(path);
+  for (const ProtectedInput& input : m_inputs) {
+    if (name == input.path && !(volume && input.kind == Input::Replaceable))
+      throw Failure(writeFailure(path, "it is an input"));
+    std::error_code ignored;
+    if (fs::is_directory(input.path, ignored) && name.parent_path() == input.path && isSliceFile(path))
+      throw Failure(writeFailure(path, "it would become one of the slices of the input"));
+  }
+}
+
+void OutputFiles::refuseInputSlices(const std::string& path) const
+{
+  const bool wholeFolder = path.ends_with('/');
+  const fs::path folder = wholeFolder ? uniquePath(path) : uniquePath(folderOf(path));
+  for (const ProtectedInput& input : m_inputs) {
+    const bool isSlice = input.path.parent_path() == folder &&
+                         (wholeFolder || mayMatch(nameOf(path), input.path.filename().string()));
+    if (input.path == folder || isSlice)
+      throw Failure(writeFailure(path, "the slices would be mixed with those of the input"));
+  }
+}
+
+void OutputFiles::announceVolume(const std::string& path, const ZxLatticeShape& shape)
+{
+  const std::string refusal = io::checkWritable(shape, path);
+  if (!refusal.empty()) throw Failure(refusal);
+  refuseTwice(path);
+  if (isSequence(path))
+    refuseInputSlices(path);
+  else
+    refuseInputs(path, true);
+}
+
+void OutputFiles::announceFile(const std::string& path)
+{
+  std::error_code error;
+  const fs::path folder = folderOf(path);
+  const fs::file_status status = fs::status(folder, error);
+  if (!fs::exists(status))
+    throw Failure(writeFailure(path, "the folder " + folder.string() + " does not exist"));
+  if (!fs::is_directory(status)) throw Failure(writeFailure(path, folder.string() + " is not a folder"));
+  if (access(folder.c_str(), W_OK) != 0) throw Failure(writeFailure(path, std::strerror(errno)));
+  if (fs::exists(path, error) && !fs::is_regular_file(path, error))
+    throw Failure(writeFailure(path, "it is there and not a regular file"));
+  refuseTwice(path);
+  refuseInputs(path, false);
+}
+
+void OutputFiles::write(const std::string& path, const std::function<void(const std::string&)>& writer)
+{
+  const fs::path folder = folderOf(path);
+  m_staged.push_back({makeStagingFolder(folder, path), folder});
+  const std::string staged = (m_staged.back().folder / nameOf(path)).string();
+  try {
+    writer(staged);
+  } catch (const io::Interrupted&) {
+    throw;
+  } catch (const io::Error& error) {
+    // The user knows the target, not the hidden folder.
+    std::string sentence = error.what();
+    const std::size_t at = sentence.find(staged);
+    throw Failure(at == std::string::npos ? sentence : sentence.replace(at, staged.size(), path));
+  }
+}
+
+void OutputFiles::commit()
+{
+  std::string done;
+  for (const Staged& s : m_staged) {
+    for (const fs::directory_entry& entry : fs::directory_iterator(s.folder)) {
+      const fs::path target = s.target / entry.path().filename();
+      try {
+        moveInto(entry.path(), s.target);
+      } catch (const fs::filesystem_error& error) {
+        throw Failure(writeFailure(target.string(),
+                                   error.code().message() + (done.empty() ? "" : "; written is" + done)));
+      }
+      done += " " + target.string();
+    }
+  }
+  removeStaged();
+}
+
+} // namespace cli

@@ -1,0 +1,80 @@
+#include "QualityCommand.h"
+
+#include "AlignModule.h"
+#include "Console.h"
+#include "Failure.h"
+#include "Text.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+
+namespace cli {
+
+void markWorstTenth(std::vector<PairQuality>& pairs)
+{
+  std::vector<PairQuality*> byQuality;
+  for (PairQuality& pair : pairs) byQuality.push_back(&pair);
+  std::stable_sort(byQuality.begin(), byQuality.end(),
+                   [](const PairQuality* a, const PairQuality* b) { return a->quality < b->quality; });
+  const std::size_t tenth = (pairs.size() + 9) / 10;
+  for (std::size_t i = 0; i < tenth; ++i) byQuality[i]->worst = true;
+}
+
+void QualityCommand::declare(CLI::App& options)
+{
+  m_input.declare(options);
+  options
+      .add_option("--mask", m_mask,
+                  "A label field of the size of the input: only pixels that are not 0 in it count")
+      ->type_name("FILE");
+  options
+      .add_option("--window", m_window,
+                  "Grey values that count as black and white (default: the range of the input)")
+      ->expected(2)
+      ->type_name("MIN MAX");
+  options.add_flag("--worst", m_sorted, "Sort the pairs, the worst first");
+  options.footer("Prints one line a pair of neighbouring slices, counted from 0: \"slices 0 - 1  quality "
+                 "93.21 %\".\n100 % are equal slices; the worst tenth is marked with *.");
+}
+
+std::vector<PairQuality> QualityCommand::measure(AlignModule& module) const
+{
+  const WorkingPhase phase("Comparing slices");
+  ZxWorkArea* area = ZxWorkArea::getTheWorkArea();
+  ZxAlignControl& control = module.control();
+  const int count = control.numSlices() - 1;
+  std::vector<PairQuality> pairs;
+  for (int lower = 0; lower < count; ++lower) {
+    if (area->wasInterrupted(1))
+      throw Stopped("Stopped after " + std::to_string(lower) + " of " + std::to_string(count) + " pairs.");
+    area->setProgressFraction(static_cast<float>(lower) / static_cast<float>(count));
+    pairs.push_back({lower, m_mask.empty() ? control.pairQuality(lower) : control.maskedPairQuality(lower)});
+  }
+  return pairs;
+}
+
+void QualityCommand::run(Console& console)
+{
+  AlignModule module(console);
+  const ZxDims dims = m_input.info().shape.dims;
+  if (!m_mask.empty()) requireSameDims("mask", m_mask, io::readInfo({m_mask}).shape.dims, m_input, dims);
+  const McHandle<ZxField3> volume = m_input.read();
+  module.connectInput(*volume);
+  if (!m_mask.empty()) {
+    const McHandle<ZxUniformLabelField3> mask = io::readLabels({m_mask});
+    module.connect("mask", *mask);
+  }
+  if (!m_window.empty()) module.setWindow(m_window[0], m_window[1]);
+
+  std::vector<PairQuality> pairs = measure(module);
+  markWorstTenth(pairs);
+  if (m_sorted)
+    std::stable_sort(pairs.begin(), pairs.end(),
+                     [](const PairQuality& a, const PairQuality& b) { return a.quality < b.quality; });
+  for (const PairQuality& pair : pairs)
+    console.result("slices " + std::to_string(pair.lower) + " - " + std::to_string(pair.lower + 1) +
+                   "  quality " + fixed(pair.quality * 100.0, 2) + " %" + (pair.worst ? " *" : ""));
+}
+
+} // namespace cli

@@ -1,0 +1,126 @@
+#include "TransformTable.h"
+
+#include "Text.h"
+#include "io/Error.h"
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+namespace cli {
+namespace {
+
+constexpr std::string_view kHeader = "slice,tx,ty,angle_deg,flip";
+
+/// Far above any row of a table; a file that is no text is refused before it fills the memory.
+constexpr std::size_t kLongestLine = 1000;
+
+std::string reasonOf(int error) { return std::strerror(error); }
+
+/// Where a row of the file stands, for the sentence about it.
+struct Position {
+  const std::string& path;
+  int line;
+
+  [[noreturn]] void refuse(const std::string& reason) const
+  {
+    throw io::Error(path + ", line " + std::to_string(line) + ": " + reason + ".");
+  }
+};
+
+float parseField(std::string_view text, const char* name, const Position& where)
+{
+  const std::optional<float> value = parseFloat(trimmed(text));
+  if (!value) where.refuse("\"" + std::string(trimmed(text)) + "\" is no number for " + name);
+  return *value;
+}
+
+ZxAlignTransform parseRow(std::string_view row, std::size_t slice, const Position& where)
+{
+  const std::vector<std::string_view> fields = split(row, ',');
+  if (fields.size() != 5)
+    where.refuse("a row has the 5 fields " + std::string(kHeader) + ", not " + std::to_string(fields.size()));
+  if (trimmed(fields[0]) != std::to_string(slice))
+    where.refuse("slice " + std::to_string(slice) + " is expected, not \"" + std::string(trimmed(fields[0])) +
+                 "\"");
+  const std::string_view flip = trimmed(fields[4]);
+  if (flip != "0" && flip != "1") where.refuse("flip is 0 or 1, not \"" + std::string(flip) + "\"");
+  return {parseField(fields[1], "tx", where), parseField(fields[2], "ty", where),
+          parseField(fields[3], "angle_deg", where), flip == "1"};
+}
+
+/// The next line, of a length within reason. False at the end of the file.
+bool nextLine(std::istream& in, std::string& line, const Position& where)
+{
+  line.clear();
+  for (int c; (c = in.get()) != std::istream::traits_type::eof();) {
+    if (c == '\n') return true;
+    if (c == '\0' || line.size() == kLongestLine) where.refuse("this is no table of transforms");
+    line += static_cast<char>(c);
+  }
+  if (in.bad()) throw io::Error(where.path + " could not be read: " + reasonOf(errno) + ".");
+  return !line.empty();
+}
+
+std::ifstream openTable(const std::string& path)
+{
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) throw io::Error(path + " is a folder, not a table.");
+  std::ifstream in(path, std::ios::binary);
+  if (!in) throw io::Error(path + " could not be opened: " + reasonOf(errno) + ".");
+  return in;
+}
+
+} // namespace
+
+std::string transformTableText(std::span<const ZxAlignTransform> transforms, int width, int height)
+{
+  std::string text = "# Alignment of a stack of slices: the mapping of each slice into the aligned frame.\n"
+                     "# tx, ty: pixels; x to the right, y downwards. angle_deg: degrees. flip: 0 or 1.\n"
+                     "# Centre c = (" +
+                     std::to_string(width / 2) + ", " + std::to_string(height / 2) + ") of slices of " +
+                     std::to_string(width) + " x " + std::to_string(height) +
+                     " pixels; the centre of the first pixel is (0, 0).\n"
+                     "# u = p - c; if flip is 1: u.x = -u.x; with a = angle_deg:\n"
+                     "# p' = (u.x cos a + u.y sin a, -u.x sin a + u.y cos a) + (tx, ty) + c\n";
+  text += std::string(kHeader) + "\n";
+  for (std::size_t i = 0; i < transforms.size(); ++i) {
+    const ZxAlignTransform& t = transforms[i];
+    text += std::to_string(i) + "," + shortest(t.tx) + "," + shortest(t.ty) + "," + shortest(t.angleDegrees) +
+            (t.flip ? ",1\n" : ",0\n");
+  }
+  return text;
+}
+
+void writeTransformTable(std::span<const ZxAlignTransform> transforms, int width, int height,
+                         const std::string& path)
+{
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out << transformTableText(transforms, width, height);
+  out.close();
+  if (!out) throw io::Error(path + " could not be written: " + reasonOf(errno) + ".");
+}
+
+std::vector<ZxAlignTransform> readTransformTable(const std::string& path)
+{
+  std::ifstream in = openTable(path);
+  std::vector<ZxAlignTransform> transforms;
+  bool headerSeen = false;
+  std::string line;
+  Position where{path, 1};
+  for (; nextLine(in, line, where); ++where.line) {
+    const std::string_view row = trimmed(line);
+    if (row.empty() || row.front() == '#') continue;
+    if (headerSeen)
+      transforms.push_back(parseRow(row, transforms.size(), where));
+    else if (row == kHeader)
+      headerSeen = true;
+    else
+      where.refuse("the header row " + std::string(kHeader) + " is expected");
+  }
+  if (transforms.empty()) throw io::Error(path + " holds no transforms.");
+  return transforms;
+}
+
+} // namespace cli

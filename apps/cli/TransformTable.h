@@ -1,0 +1,28 @@
+#pragma once
+
+#include "zxalign/ZxAlignControl.h"
+
+#include <span>
+#include <string>
+#include <vector>
+
+/// The transforms of a stack as a table for people, scripts and spreadsheets.
+///
+/// Lines that begin with '#' state units, direction and centre. Then follows the header row
+/// "slice,tx,ty,angle_deg,flip" and one row a slice, in the order of the slices from 0: the forward mapping
+/// of the slice into the aligned frame. Numbers read back exactly.
+namespace cli {
+
+/// The table of slices of width x height pixels.
+std::string transformTableText(std::span<const ZxAlignTransform> transforms, int width, int height);
+
+/// Writes the table to a file. What stood there is replaced. Throws io::Error.
+void writeTransformTable(std::span<const ZxAlignTransform> transforms, int width, int height,
+                         const std::string& path);
+
+/// Reads a table. Throws io::Error, which names the line, where a row is not what is expected: slices not
+/// from 0 in order, a missing or additional field, a number that is none or not finite, a flip other than 0
+/// and 1.
+std::vector<ZxAlignTransform> readTransformTable(const std::string& path);
+
+} // namespace cli
