@@ -33,7 +33,11 @@ bool parseNumber(const std::string& word, T& value) noexcept
 
 std::string besideHeader(const std::string& header, const std::string& name)
 {
-  return (std::filesystem::path(header).parent_path() / name).string();
+  const std::filesystem::path path = std::filesystem::path(header).parent_path() / name;
+  std::error_code ignored;
+  if (!std::filesystem::exists(path, ignored))
+    cannotRead(header, "its data file \"" + name + "\" is missing");
+  return path.string();
 }
 
 std::string withEnding(const std::string& path, const std::string& ending)

@@ -6,7 +6,8 @@
 
 namespace io {
 
-/// A file name of a header as a path: relative names count from the folder of the header.
+/// A file name of a header as a path: relative names count from the folder of the header. Throws Error when
+/// there is no such file.
 std::string besideHeader(const std::string& header, const std::string& name);
 
 /// A path with another ending instead of its last one.
@@ -15,7 +16,7 @@ std::string withEnding(const std::string& path, const std::string& ending);
 std::string fileName(const std::string& path);
 
 /// The names that a pattern with one number, like "slice%03d.raw", gives for first, first + step, ... last,
-/// beside a header. Throws Error for another pattern or an impossible count.
+/// beside a header. Throws Error for another pattern, an impossible count, and a file that is missing.
 std::vector<std::string> expandPattern(const std::string& header, const std::string& pattern,
                                        std::int64_t first, std::int64_t last, std::int64_t step);
 

@@ -193,7 +193,7 @@ std::vector<DataFile> findData(const NrrdHeader& header)
   std::vector<DataFile> files;
   for (const std::string& path : dataFiles(header)) {
     data.path = path;
-    fileSize(path); // says which file is missing before lines are looked for in it
+    fileSize(path); // refuses a pipe before lines are looked for in it
     data.offset = offsetBehindLines(path, path == header.path() ? header.bytes() : 0, lineSkip);
     files.push_back(data);
   }

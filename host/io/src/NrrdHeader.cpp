@@ -37,7 +37,7 @@ NrrdHeader NrrdHeader::read(const std::string& path)
 {
   NrrdHeader header;
   header.m_path = path;
-  fileSize(path); // refuses what is no regular file
+  if (fileSize(path) == 0) cannotRead(path, "the file is empty");
   const std::unique_ptr<ByteStream> stream = openBytes(path, 0, Packing::None);
   LineReader lines(*stream, path);
   std::string line;

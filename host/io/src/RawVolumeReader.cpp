@@ -91,9 +91,11 @@ void RawVolumeReader::checkFiles()
   for (DataFile& file : m_volume.files) {
     if (file.place == Place::AtEnd) file.offset = std::max(fileSize(file.path), m_shareBytes) - m_shareBytes;
     const std::uint64_t held = capacity(file, sizeOf(m_volume.voxels.type));
+    const bool own = file.path == m_volume.path;
     if (held < m_shareBytes)
-      cannotRead(file.path, "the file is truncated: it must hold " + std::to_string(m_shareBytes) +
-                                " bytes of voxels and has room for " + std::to_string(held) + " at most");
+      cannotRead(m_volume.path, (own ? "the file" : "its data file \"" + fileName(file.path) + "\"") +
+                                    " is truncated: it must hold " + std::to_string(m_shareBytes) +
+                                    " bytes of voxels and has room for " + std::to_string(held) + " at most");
   }
 }
 

@@ -67,9 +67,24 @@ T load(const std::byte* at) noexcept
   return value;
 }
 
-void swapValues(std::byte* values, std::size_t count, std::size_t bytes) noexcept
+template <std::size_t bytes>
+void swapEach(std::byte* values, std::size_t count) noexcept
 {
   for (std::size_t i = 0; i < count; ++i, values += bytes) std::reverse(values, values + bytes);
+}
+
+void swapValues(std::byte* values, std::size_t count, std::size_t bytes) noexcept
+{
+  switch (bytes) {
+  case 2:
+    return swapEach<2>(values, count);
+  case 4:
+    return swapEach<4>(values, count);
+  case 8:
+    return swapEach<8>(values, count);
+  default:
+    return;
+  }
 }
 
 template <class S>
