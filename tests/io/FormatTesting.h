@@ -61,7 +61,7 @@ std::string bytesOf(const std::vector<T>& values, bool swapped = false)
 }
 
 /// A volume of different sizes along the axes whose bytes follow no simple order. Floating-point values
-/// include an infinity and -0.
+/// include the largest one and -0.
 inline McHandle<ZxField3> makeVolume(McPrimType type, int dataVars = 1, ZxDims dims = {7, 5, 3})
 {
   ZxLatticeShape shape{.dims = dims, .numDataVars = dataVars, .primType = type};
@@ -79,7 +79,7 @@ inline McHandle<ZxField3> makeVolume(McPrimType type, int dataVars = 1, ZxDims d
         else
           values[i] = static_cast<T>(static_cast<double>(state) / -7.0);
       }
-      if constexpr (!std::is_integral_v<T>) values[0] = -T{0}, values[1] = std::numeric_limits<T>::infinity();
+      if constexpr (!std::is_integral_v<T>) values[0] = -T{0}, values[1] = std::numeric_limits<T>::max();
     });
     lattice->endWrite(k);
   }

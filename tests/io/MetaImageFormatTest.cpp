@@ -16,10 +16,10 @@ TEST(MetaImageFormat, BringsEveryTypeBackAndOtherReadersAgree)
       SCOPED_TRACE(std::string(name) + " " + mcNameOf(volume->getLattice()->primType()));
       write(*meta, *volume, folder.file(name));
       const auto reader = meta->open(folder.file(name));
-      EXPECT_EQ(voxelsOf(*reader), voxelsOf(*volume));
+      EXPECT_TRUE(voxelsOf(*reader) == voxelsOf(*volume));
       expectExactGeometry(reader->info().geometry, ZxFileGeometry::of(*volume));
       const auto other = readIndependently(*itk::MetaImageIO::New(), folder.file(name));
-      EXPECT_EQ(other.voxels, voxelsOf(*volume));
+      EXPECT_TRUE(other.voxels == voxelsOf(*volume));
       EXPECT_EQ(other.sizes, (std::vector<std::size_t>{7, 5, 3}));
       EXPECT_EQ(other.spacing, (std::vector<double>{0.0046, 4.0 / 3.0, 50.25}));
       EXPECT_EQ(other.origin, (std::vector<double>{-1.5, 0.1 + 0.2, 1e-3}));
@@ -62,8 +62,8 @@ TEST(MetaImageFormat, KeepsParametersThatWouldBreakOtherReaders)
   EXPECT_EQ(reals[0], 2999 / 7.0);
   expectExactGeometry(reader->info().geometry, ZxFileGeometry::of(*volume));
   const auto other = readIndependently(*itk::MetaImageIO::New(), folder.file("p.mha"));
-  EXPECT_EQ(other.voxels, voxelsOf(*volume));
-  EXPECT_EQ(pairOf(other, "Zx_Comment"), "string mine");
+  EXPECT_TRUE(other.voxels == voxelsOf(*volume));
+  EXPECT_EQ(pairOf(other, "Zx_Comment"), "mine");
 }
 
 // Each file holds 2 x 3 x 2 values 1 ... 12 of 16 bits; what differs is how the header says so.

@@ -19,10 +19,10 @@ TEST(NrrdFormat, BringsEveryTypeBackAndOtherReadersAgree)
       volume->parameters().setString("Note", "two\nlines, a \\ and \"quotes\"");
       write(*nrrd, *volume, folder.file(name));
       const auto reader = nrrd->open(folder.file(name));
-      EXPECT_EQ(voxelsOf(*reader), voxelsOf(*volume));
+      EXPECT_TRUE(voxelsOf(*reader) == voxelsOf(*volume));
       expectExactGeometry(reader->info().geometry, ZxFileGeometry::of(*volume));
       const auto other = readIndependently(*itk::NrrdImageIO::New(), folder.file(name));
-      EXPECT_EQ(other.voxels, voxelsOf(*volume));
+      EXPECT_TRUE(other.voxels == voxelsOf(*volume));
       EXPECT_EQ(other.sizes, (std::vector<std::size_t>{7, 5, 3}));
       EXPECT_EQ(other.spacing, (std::vector<double>{0.0046, 4.0 / 3.0, 50.25}));
       EXPECT_EQ(other.origin, (std::vector<double>{-1.5, 0.1 + 0.2, 1e-3}));
@@ -35,7 +35,7 @@ TEST(NrrdFormat, KeepsParametersOfAnySize)
   const TemporaryFolder folder;
   const auto volume = makeVolume(McPrimType::UInt8);
   ZxParamBundle& parameters = volume->parameters();
-  for (int k = 0; k < 5000; ++k)
+  for (int k = 0; k < 2000; ++k)
     parameters.getBundle("AlignTransform")
         ->setReals("slice" + std::to_string(k), {k / 3.0, -1e-300 * k, 0.1, 1.0});
   parameters.setString("Long", std::string(200'000, 'x'));
@@ -44,10 +44,10 @@ TEST(NrrdFormat, KeepsParametersOfAnySize)
   const ZxParamBundle read = nrrd->open(folder.file("p.nrrd"))->info().parameters;
   double reals[4] = {};
   ASSERT_NE(read.findBundle("AlignTransform"), nullptr);
-  EXPECT_EQ(read.findBundle("AlignTransform")->getNumEntries(), 5000);
-  EXPECT_TRUE(read.findBundle("AlignTransform")->findReals("slice4999", 4, reals));
-  EXPECT_EQ(reals[0], 4999 / 3.0);
-  EXPECT_EQ(reals[1], -1e-300 * 4999);
+  EXPECT_EQ(read.findBundle("AlignTransform")->getNumEntries(), 2000);
+  EXPECT_TRUE(read.findBundle("AlignTransform")->findReals("slice1999", 4, reals));
+  EXPECT_EQ(reals[0], 1999 / 3.0);
+  EXPECT_EQ(reals[1], -1e-300 * 1999);
   int ints[3] = {};
   EXPECT_TRUE(read.findNums("ints", 3, ints));
   EXPECT_EQ(ints[0], -2147483647 - 1);
@@ -148,6 +148,26 @@ TEST(NrrdFormat, GivesWideIntegersTheSmallestTypeThatHoldsThem)
   const std::string tooLarge =
       header("type: uint64\nencoding: ascii\ndimension: 2\nsizes: 2 1\n\n1 9007199254740993");
   expectRefused(*nrrd, folder.put("l.nrrd", tooLarge), "uint64 lie beyond 2^53");
+}
+
+// A slice is converted by parts; its size is no multiple of theirs.
+TEST(NrrdFormat, ConvertsLargeSlicesInAnyOrder)
+{
+  const TemporaryFolder folder;
+  std::vector<std::uint16_t> values(1001 * 703 * 2);
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = static_cast<std::uint16_t>(i * 7919 >> 3);
+  const std::string lines = "type: uint16\nencoding: raw\ndimension: 3\nsizes: 1001 703 2\nendian: ";
+  const bool little = std::endian::native == std::endian::little;
+  const std::string path =
+      folder.put("s.nrrd", header(lines + (little ? "big" : "little") + "\n\n") + bytesOf(values, true));
+  const auto reader = nrrd->open(path);
+  const std::size_t half = values.size() / 2;
+  std::vector<std::uint16_t> slice(half);
+  for (const int k : {1, 0, 1}) {
+    reader->readSlice(k, slice.data());
+    EXPECT_TRUE(
+        std::equal(slice.begin(), slice.end(), values.begin() + (k ? static_cast<std::ptrdiff_t>(half) : 0)));
+  }
 }
 
 TEST(NrrdFormat, RefusesWhatItCannotReadByNameAndReason)

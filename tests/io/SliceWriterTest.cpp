@@ -69,6 +69,21 @@ TEST(SliceWriter, AFullDiskEndsInOneSentence)
   }
 }
 
+TEST(SliceWriter, DataBesideAHeaderMayHaveOddNames)
+{
+  const TemporaryFolder folder;
+  const auto volume = makeVolume(McPrimType::UInt16);
+  for (const Target& target : targets()) {
+    const bool pair = target.name.ends_with(".nhdr") || target.name.ends_with(".mhd");
+    for (const char* stem : {"LIST", "50% a 1 2", "a.b", ""}) {
+      if (!pair) continue;
+      const std::string path = folder.file(stem + target.name.substr(1));
+      write(*target.format, *volume, path);
+      EXPECT_TRUE(voxelsOf(*target.format->open(path)) == voxelsOf(*volume)) << path;
+    }
+  }
+}
+
 class Stopping : public ZxWorkArea {
 public:
   Stopping() { setTheWorkArea(this); }

@@ -42,7 +42,9 @@ std::string besideHeader(const std::string& header, const std::string& name)
 
 std::string withEnding(const std::string& path, const std::string& ending)
 {
-  return std::filesystem::path(path).replace_extension(ending).string();
+  const std::size_t dot = path.rfind('.'), slash = path.rfind('/');
+  const bool hasDot = dot != std::string::npos && (slash == std::string::npos || dot > slash);
+  return path.substr(0, hasDot ? dot : path.size()) + ending;
 }
 
 std::string fileName(const std::string& path) { return std::filesystem::path(path).filename().string(); }
@@ -79,6 +81,8 @@ std::string trimmed(const std::string& text)
   if (start == std::string::npos) return {};
   return text.substr(start, text.find_last_not_of(blanks) - start + 1);
 }
+
+bool saysList(const std::string& text) { return text == "LIST" || text.starts_with("LIST "); }
 
 bool parseInteger(const std::string& word, std::int64_t& value) noexcept { return parseNumber(word, value); }
 bool parseReal(const std::string& word, double& value) noexcept { return parseNumber(word, value); }

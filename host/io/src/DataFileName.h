@@ -20,6 +20,8 @@ std::string fileName(const std::string& path);
 std::vector<std::string> expandPattern(const std::string& header, const std::string& pattern,
                                        std::int64_t first, std::int64_t last, std::int64_t step);
 
+/// True when the name of a data file is no name, but says that a list of names follows: "LIST", "LIST 2".
+bool saysList(const std::string& text);
 /// The words of a line between blanks.
 std::vector<std::string> splitWords(const std::string& line);
 /// The text without blanks at both ends.

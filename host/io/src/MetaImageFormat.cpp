@@ -81,17 +81,17 @@ std::vector<std::string> dataFiles(const MetaImageHeader& header)
   const std::string& text = header.field("ElementDataFile");
   if (text == "LOCAL" || text == "Local" || text == "local") return {header.path()};
   if (text.empty()) cannotRead(header.path(), "its header does not name its data (ElementDataFile)");
-  if (text.starts_with("LIST")) {
+  if (saysList(text)) {
     std::vector<std::string> names;
     for (const std::string& name : header.list()) names.push_back(besideHeader(header.path(), name));
     return names;
   }
-  if (text.find('%') == std::string::npos) return {besideHeader(header.path(), text)};
   const std::vector<std::string> words = splitWords(text);
   std::int64_t first = 0, last = 0, step = 1;
-  const bool numbers = words.size() >= 3 && parseInteger(words[1], first) && parseInteger(words[2], last) &&
+  const bool pattern = text.find('%') != std::string::npos && words.size() >= 3 &&
+                       parseInteger(words[1], first) && parseInteger(words[2], last) &&
                        (words.size() < 4 || parseInteger(words[3], step));
-  if (!numbers) cannotRead(header.path(), "the numbers of its data files are missing");
+  if (!pattern) return {besideHeader(header.path(), text)};
   return expandPattern(header.path(), words[0], first, last, step);
 }
 

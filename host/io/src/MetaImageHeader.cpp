@@ -91,7 +91,7 @@ MetaImageHeader MetaImageHeader::read(const std::string& path)
     if (!header.parseLine(line)) cannotRead(path, "its header holds a line that is no MetaImage field");
   }
   header.m_bytes = lines.position();
-  if (!header.field("ElementDataFile").starts_with("LIST")) return header;
+  if (!saysList(header.field("ElementDataFile"))) return header;
   while (lines.next(line))
     if (!trimmed(line).empty()) header.m_list.push_back(trimmed(line));
   return header;

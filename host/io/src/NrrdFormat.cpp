@@ -164,7 +164,7 @@ std::vector<std::string> dataFiles(const NrrdHeader& header)
   const std::string& text = header.field("datafile");
   if (text.empty()) return {header.path()};
   std::vector<std::string> names;
-  if (text.starts_with("LIST")) {
+  if (saysList(text)) {
     for (const std::string& name : header.list()) names.push_back(besideHeader(header.path(), name));
     return names;
   }

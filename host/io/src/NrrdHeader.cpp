@@ -54,7 +54,7 @@ NrrdHeader NrrdHeader::read(const std::string& path)
       header.m_list.push_back(trimmed(line));
     else
       header.parseLine(line);
-    inList = header.field("datafile").starts_with("LIST");
+    inList = saysList(header.field("datafile"));
   }
   // A detached header may end with the file.
   if (!header.has("datafile")) cannotRead(path, "its header has no end");

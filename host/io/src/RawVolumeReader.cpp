@@ -88,6 +88,7 @@ void RawVolumeReader::checkFiles()
   if (files == 0 || all % files != 0)
     cannotRead(m_volume.path, "its voxels cannot be spread over " + std::to_string(files) + " files evenly");
   m_shareBytes = all / files;
+  if (m_shareBytes % m_volume.voxels.bytes() != 0) cannotRead(m_volume.path, "its data files split voxels");
   for (DataFile& file : m_volume.files) {
     if (file.place == Place::AtEnd) file.offset = std::max(fileSize(file.path), m_shareBytes) - m_shareBytes;
     const std::uint64_t held = capacity(file, sizeOf(m_volume.voxels.type));
@@ -106,10 +107,9 @@ McPrimType RawVolumeReader::findType()
   IntegerRange range;
   for (int k = 0; k < m_volume.dims.slices; ++k) {
     throwIfInterrupted();
-    if (k == 0) restart();
-    m_buffer.resize(m_sliceBytes);
-    readStored(m_buffer);
-    m_volume.voxels.extendRange(m_buffer.data(), m_volume.dims.slicePixels(), range);
+    forEachPart([&](std::byte* voxels, std::size_t, std::size_t count) {
+      m_volume.voxels.extendRange(voxels, count, range);
+    });
   }
   restart();
   const std::optional<McPrimType> found = smallestTypeFor(range);
@@ -117,6 +117,20 @@ McPrimType RawVolumeReader::findType()
     cannotRead(m_volume.path, "its values of type " + m_volume.voxels.describe() +
                                   " lie beyond 2^53, where no supported type holds them");
   return *found;
+}
+
+void RawVolumeReader::forEachPart(const std::function<void(std::byte*, std::size_t, std::size_t)>& f)
+{
+  constexpr std::size_t partBytes = 1 << 20;
+  const std::size_t voxelBytes = m_volume.voxels.bytes();
+  const std::size_t all = m_volume.dims.slicePixels(), most = partBytes / voxelBytes;
+  m_part.resize(std::min(all, most) * voxelBytes);
+  for (std::size_t first = 0; first < all; first += most) {
+    const std::size_t count = std::min(most, all - first);
+    readStored({m_part.data(), count * voxelBytes});
+    f(m_part.data(), first, count);
+  }
+  ++m_next;
 }
 
 void RawVolumeReader::restart()
@@ -145,17 +159,18 @@ void RawVolumeReader::readStored(std::span<std::byte> bytes)
 void RawVolumeReader::readSlice(int k, void* dst)
 {
   if (k < m_next) restart();
-  const bool plain = m_volume.voxels.isPlain(m_info.shape.primType);
-  m_buffer.resize(plain && k == m_next ? 0 : m_sliceBytes);
-  for (; m_next < k; ++m_next) readStored(m_buffer);
-  if (plain) {
+  while (m_next < k) forEachPart([](std::byte*, std::size_t, std::size_t) {});
+  const McPrimType type = m_info.shape.primType;
+  const StoredVoxels& voxels = m_volume.voxels;
+  if (voxels.isPlain(type)) {
     readStored({static_cast<std::byte*>(dst), m_sliceBytes});
-  } else {
-    m_buffer.resize(m_sliceBytes);
-    readStored(m_buffer);
-    m_volume.voxels.convert(m_buffer.data(), m_volume.dims.slicePixels(), m_info.shape.primType, dst);
+    ++m_next;
+    return;
   }
-  ++m_next;
+  const std::size_t voxelBytes = m_info.shape.voxelBytes();
+  forEachPart([&](std::byte* stored, std::size_t first, std::size_t count) {
+    voxels.convert(stored, count, type, static_cast<std::byte*>(dst) + first * voxelBytes);
+  });
 }
 
 } // namespace io

@@ -5,6 +5,8 @@
 #include "StoredVoxels.h"
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -51,7 +53,7 @@ struct RawVolume {
 /// The sizes of a header as those of a volume in memory. Throws Error unless all are between 1 and 2^31 - 1.
 ZxDims checkedDims(const std::string& path, std::int64_t width, std::int64_t height, std::int64_t slices);
 
-/// Reads voxels that lie in files one after the other, packed or not. Holds one slice at a time.
+/// Reads voxels that lie in files one after the other, packed or not. Needs a fixed amount of memory.
 class RawVolumeReader final : public VolumeReader {
 public:
   /// Takes format, geometry, parameters and remarks from info and fills in the rest. Throws Error when the
@@ -64,11 +66,13 @@ private:
   McPrimType findType();
   void restart();
   void readStored(std::span<std::byte> bytes);
+  /// Reads one slice by parts that need little memory and calls f(stored voxels, index of the first, count).
+  void forEachPart(const std::function<void(std::byte*, std::size_t, std::size_t)>& f);
 
   RawVolume m_volume;
   std::uint64_t m_sliceBytes = 0;
   std::uint64_t m_shareBytes = 0; ///< of one file
-  std::vector<std::byte> m_buffer;
+  std::vector<std::byte> m_part;
   std::unique_ptr<ByteStream> m_stream;
   std::size_t m_file = 0;        ///< the next one to be opened
   std::uint64_t m_shareLeft = 0; ///< bytes of the open file
