@@ -201,6 +201,27 @@ TEST_F(TiffFormatTest, CutOffFilesAreRefusedWhereverTheyAreCut)
   }
 }
 
+// Nothing is asked but to end: where the pixels of an unpacked file are hit they are read as they are.
+TEST_F(TiffFormatTest, DamagedBytesDoNoHarm)
+{
+  const fs::path data = testDataFolder() / "readers" / "written_by_other_programs" / "tiff_libtiff";
+  if (!fs::exists(data)) GTEST_SKIP() << "no test data";
+  Random random(7);
+  for (const auto& entry : fs::directory_iterator(data)) {
+    const std::string file = readBytes(entry.path().string());
+    for (int i = 0; i < 40; ++i) {
+      std::string damaged = file;
+      // Half of the damage goes to the ends, where the directories are.
+      const int place = random.below(4);
+      const auto n = static_cast<int>(place < 2 ? damaged.size() : 300);
+      const auto at = static_cast<std::size_t>(random.below(n));
+      damaged[place == 2 ? at : damaged.size() - 1 - at] = static_cast<char>(random.next());
+      writeBytes(path("damaged.tif"), damaged);
+      refusalOf(path("damaged.tif"));
+    }
+  }
+}
+
 TEST_F(TiffFormatTest, WritesWhatImageJReads)
 {
   const auto volume = makeVolume({.dims = {4, 3, 2}});

@@ -183,6 +183,8 @@ std::uint64_t tiffExpansion(std::uint16_t compression) noexcept
   case COMPRESSION_ADOBE_DEFLATE:
   case COMPRESSION_DEFLATE:
     return 1032;
+  case COMPRESSION_JPEG:
+    return 512; // A block of 64 values takes at least one bit.
   case COMPRESSION_LZW:
     return 2731; // 4096 bytes from a code of 12 bits.
   default:
