@@ -67,7 +67,7 @@ bool isSliceFile(const std::string& path)
 
 std::string writeFailure(const std::string& path, const std::string& reason)
 {
-  return "Cannot write " + path + ": " + reason + ".";
+  return "Cannot write \"" + path + "\": " + reason + ".";
 }
 
 /// A hidden folder of our own inside a folder.
