@@ -3,6 +3,7 @@
 #include "zx/ZxMessage.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 /// Records the lines of the message console while it lives.

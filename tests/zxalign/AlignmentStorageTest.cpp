@@ -86,7 +86,7 @@ TEST(AlignmentStorage, ScalesPixelsButNotAngles)
   EXPECT_EQ(slices[0].landmarks, (McDArray<QPoint>{{3, 7}, {-3, -7}}));
   storage::readPoints(parameters, slices, kDims, storage::transformBundle, Missing::Tell);
   EXPECT_EQ(slices[0].landmarks, (McDArray<QPoint>{{6, 1}, {-6, -1}})); // 7 / 4 truncated
-  points.setNums("ImageSize", {0, -3}); // no size at all
+  points.setNums("ImageSize", {0, -3});                                 // no size at all
   storage::readPoints(parameters, slices, kDims, storage::pointBundle, Missing::Tell);
   EXPECT_EQ(slices[0].landmarks[0], QPoint(3, 7));
 }

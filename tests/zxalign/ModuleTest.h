@@ -54,6 +54,9 @@ inline bool sameXForm(const SliceXForm& a, const SliceXForm& b)
 }
 
 /// A grey stack whose voxels all differ from their neighbours in every direction.
-inline int greyAt(int x, int y, int k, int c = 0) { return (x * 7 + y * 31 + k * 57 + c * 101 + x * y) % 251; }
+inline int greyAt(int x, int y, int k, int c = 0)
+{
+  return (x * 7 + y * 31 + k * 57 + c * 101 + x * y) % 251;
+}
 
 inline McHandle<ZxField3> greyStack(const ZxDims& dims) { return makeField<std::uint8_t>(dims, 1, greyAt); }

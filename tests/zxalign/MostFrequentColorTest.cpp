@@ -38,7 +38,8 @@ TEST(MostFrequentColor, WithstandsAnyFloat)
 TEST(MostFrequentColor, CountsWholeColours)
 {
   // Each channel by itself has another favourite; of the two colours seen twice the smaller key wins.
-  const std::vector<std::uint8_t> pixels{9, 1, 1, 5, 2, 8, 1, 0, 9, 1, 1, 5, 2, 8, 1, 0, 9, 1, 1, 4, 9, 3, 0, 0};
+  const std::vector<std::uint8_t> pixels{9, 1, 1, 5, 2, 8, 1, 0, 9, 1, 1, 5,
+                                         2, 8, 1, 0, 9, 1, 1, 4, 9, 3, 0, 0};
   McDArray<float> color{1};
   mostFrequentColor(pixels.data(), pixels.size() / 4, 4, McPrimType::UInt8, color);
   EXPECT_EQ(color, (McDArray<float>{2, 8, 1, 0}));

@@ -68,7 +68,8 @@ TEST(RigidFit, TranslatesByTheDifferenceOfTheCentroids)
   EXPECT_EQ(same.dx(), 0.0);
   EXPECT_EQ(same.dy(), 0.0);
   // A mean of -2.5 rounds to -2, one of 2.5 to 3.
-  const QTransform m = fitRigidMotion({{-4, 4}, {-3, 3}, {-2, 2}, {-1, 1}}, {{1, 0}, {-1, 0}, {0, 9}, {0, -9}});
+  const QTransform m =
+      fitRigidMotion({{-4, 4}, {-3, 3}, {-2, 2}, {-1, 1}}, {{1, 0}, {-1, 0}, {0, 9}, {0, -9}});
   EXPECT_EQ(m.dx(), -2.0);
   EXPECT_EQ(m.dy(), 3.0);
 }

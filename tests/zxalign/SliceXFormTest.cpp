@@ -9,8 +9,8 @@
 
 namespace {
 
-// dx != dy with opposite signs, angles that are no multiples of 90, a centre off the diagonal: swapped axes, a
-// lost sign, a wrong order or a wrong centre each move a point by more than the tolerance.
+// dx != dy with opposite signs, angles that are no multiples of 90, a centre off the diagonal: swapped axes,
+// a lost sign, a wrong order or a wrong centre each move a point by more than the tolerance.
 const std::vector<SliceXForm> kTransforms{{},
                                           {7.25f, -2.5f, 0.0f, false},
                                           {0.0f, 0.0f, 17.0f, false},

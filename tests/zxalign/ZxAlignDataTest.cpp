@@ -166,15 +166,17 @@ TEST_F(ZxAlignDataTest, ProjectsGreyBytesOnly)
 TEST_F(ZxAlignDataTest, GivesRawSlicesAndMaskBits)
 {
   const ZxDims dims{5, 3, 4};
-  auto field = makeField<std::int16_t>(dims, 1, [](int x, int y, int k, int) { return x - 100 * y + 1000 * k; });
+  auto field =
+      makeField<std::int16_t>(dims, 1, [](int x, int y, int k, int) { return x - 100 * y + 1000 * k; });
   connect(module->portData, field.get());
   const auto* raw = reinterpret_cast<const std::int16_t*>(module->sliceData().getOriginalDataPtr(3));
   EXPECT_EQ(raw[2 * 5 + 4], 4 - 200 + 3000);
   EXPECT_EQ(module->sliceData().getOriginalDataPtr(4), nullptr);
   EXPECT_EQ(module->sliceData().getOriginalDataPtr(-1), nullptr);
   EXPECT_TRUE(module->sliceData().getMaskBitfield(0).empty());
-  connect(module->portMask,
-          makeLabels<std::uint8_t>(dims, [](int x, int y, int k, int) { return x == 4 && y == 1 && k == 2; }).get());
+  connect(module->portMask, makeLabels<std::uint8_t>(dims, [](int x, int y, int k, int) {
+                              return x == 4 && y == 1 && k == 2;
+                            }).get());
   const std::vector<std::uint8_t> bits = module->sliceData().getMaskBitfield(2);
   EXPECT_EQ(bits, (std::vector<std::uint8_t>{0, 1U << (9 - 8)}));
   EXPECT_EQ(module->sliceData().getMaskBitfield(1), std::vector<std::uint8_t>(2, 0));

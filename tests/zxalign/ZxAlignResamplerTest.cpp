@@ -43,7 +43,8 @@ protected:
     std::vector<T> all(out * static_cast<std::size_t>(d.slices));
     for (int k = 0; k < d.slices; ++k) {
       QTransform m;
-      module->getSlice(k).getInverseMatrix(m, static_cast<float>(d.width / 2), static_cast<float>(d.height / 2));
+      module->getSlice(k).getInverseMatrix(m, static_cast<float>(d.width / 2),
+                                           static_cast<float>(d.height / 2));
       reference::plainResample<T>({d.width, d.height, s.outputWidth, s.outputHeight, left, top, toAffine(m)},
                                   source.data() + in * static_cast<std::size_t>(k), channels,
                                   linear ? Interpolation::Linear : Interpolation::Nearest, background.data(),
@@ -72,7 +73,9 @@ protected:
       for (int k = 0; k < kDims.slices; ++k) setTransform(k, {});
       setSize(13, 7);
       press(1);
-      if (method == kPreview) EXPECT_EQ(resultValues<T>(), valuesOf<T>(*field->getLattice()));
+      if (method == kPreview) {
+        EXPECT_EQ(resultValues<T>(), valuesOf<T>(*field->getLattice()));
+      }
     }
   }
   std::vector<float> backgroundOf(int channels)
@@ -169,8 +172,8 @@ TEST_F(ZxAlignResamplerTest, TakesTheMostFrequentValueAsBackground)
       const int k = static_cast<int>(i / countOf(13, 7, channels));
       ASSERT_EQ(values[i], 10 * k + 3 + static_cast<int>(i) % channels);
     }
-    EXPECT_EQ(console.take()[1], channels == 1 ? "Background color slice 1: 13"
-                                               : "Background color slice 1: 13 14 15 16");
+    EXPECT_EQ(console.take()[1],
+              channels == 1 ? "Background color slice 1: 13" : "Background color slice 1: 13 14 15 16");
   }
 }
 

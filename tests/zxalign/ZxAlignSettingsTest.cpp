@@ -55,7 +55,9 @@ TEST(ZxAlignSettings, EveryOneIsSetReadBackAndChecked)
     // It is a setting of its own.
     const ZxAlignSettings fresh;
     for (const ZxAlignSetting& other : ZxAlignSettings::table())
-      if (other.name != std::string(name)) EXPECT_EQ(settings.get(other.name), fresh.get(other.name)) << name;
+      if (other.name != std::string(name)) {
+        EXPECT_EQ(settings.get(other.name), fresh.get(other.name)) << name;
+      }
   }
 }
 
@@ -63,7 +65,9 @@ TEST(ZxAlignSettings, HasTheDefaultsThatItDocuments)
 {
   const ZxAlignSettings fresh;
   for (const ZxAlignSetting& s : ZxAlignSettings::table()) {
-    if (*s.defaultValue) EXPECT_EQ(fresh.get(s.name), s.defaultValue) << s.name;
+    if (*s.defaultValue) {
+      EXPECT_EQ(fresh.get(s.name), s.defaultValue) << s.name;
+    }
     EXPECT_NE(*s.help, '\0') << s.name;
   }
 }

@@ -21,8 +21,9 @@ ZxFileGeometry voxelsOf(double x, double y)
 
 TEST_F(ZxAlignSlicesTest, StartsWithItsDefaults)
 {
-  const Lines names{"data",        "mask",        "LabelField",      "reference",      "linearRange",
-                    "displayMode", "maxIntNumSlices", "resampleMethod", "action"};
+  const Lines names{"data",        "mask",        "LabelField",      "reference",
+                    "linearRange", "displayMode", "maxIntNumSlices", "resampleMethod",
+                    "action"};
   ASSERT_EQ(module->getPorts().size(), names.size());
   for (std::size_t i = 0; i < names.size(); ++i) EXPECT_EQ(module->getPorts()[i]->getName(), names[i]);
   EXPECT_EQ(module->portLinearRange.getValue(1), 255.0f);
@@ -69,7 +70,8 @@ TEST_F(ZxAlignSlicesTest, TakesUpAnInput)
   EXPECT_FLOAT_EQ(module->alignSettings().rotationStep, static_cast<float>(360.0 / (std::numbers::pi * 8)));
   EXPECT_EQ(module->portLinearRange.getValue(0), 0.0f);
   EXPECT_EQ(module->getSlice(3).landmarks, (McDArray<QPoint>{{2, 1}, {6, 4}}));
-  EXPECT_EQ(editableImage()[8 + 2], greyAt(2, 1, 2) * 255 / static_cast<int>(module->portLinearRange.getValue(1)));
+  EXPECT_EQ(editableImage()[8 + 2],
+            greyAt(2, 1, 2) * 255 / static_cast<int>(module->portLinearRange.getValue(1)));
 
   // Two slices: the upper one is edited, whatever the side was.
   module->setEditableSide(-1);
@@ -77,7 +79,8 @@ TEST_F(ZxAlignSlicesTest, TakesUpAnInput)
   EXPECT_EQ(module->getEditableSlice(), 1);
   EXPECT_EQ(module->getReferenceSlice(), 0);
   // A new stack of the same depth is mapped into the new images.
-  connect(module->portData, makeField<std::uint8_t>({5, 4, 2}, 1, [](int, int, int k, int) { return 9 + k; }).get());
+  connect(module->portData,
+          makeField<std::uint8_t>({5, 4, 2}, 1, [](int, int, int k, int) { return 9 + k; }).get());
   EXPECT_EQ(referenceImage(), std::vector<int>(20, 0));
   EXPECT_EQ(editableImage(), std::vector<int>(20, 255));
 }
@@ -256,7 +259,8 @@ TEST_F(ZxAlignSlicesTest, WholeStackOperationsMoveTheFollowingSlices)
       // A quarter turn about the editable slice's place (7, -3): (dx, 0) goes to (0, -dx).
       const bool moved = k >= c.first && k <= c.last;
       const float f = static_cast<float>(k);
-      const SliceXForm expected = moved ? SliceXForm(7, -3 - (f - 5), 91, k % 2 == 0) : SliceXForm(f, 0, 1, k % 2 == 0);
+      const SliceXForm expected =
+          moved ? SliceXForm(7, -3 - (f - 5), 91, k % 2 == 0) : SliceXForm(f, 0, 1, k % 2 == 0);
       EXPECT_TRUE(sameXForm(module->getSlice(k), expected)) << c.side << " slice " << k;
     }
     EXPECT_FALSE(module->isModified());
@@ -288,7 +292,8 @@ TEST_F(ZxAlignSlicesTest, GivesTheEditableSliceAPlace)
   const std::vector<SliceXForm> before(module->getSlices().begin(), module->getSlices().end());
   module->translateRelative(1, 1); // for the editor alone
   module->rotateRelative(5);
-  for (int k = 0; k < 3; ++k) EXPECT_TRUE(sameXForm(module->getSlice(k), before[static_cast<std::size_t>(k)]));
+  for (int k = 0; k < 3; ++k)
+    EXPECT_TRUE(sameXForm(module->getSlice(k), before[static_cast<std::size_t>(k)]));
 }
 
 TEST_F(ZxAlignSlicesTest, EditsLandmarksOfAllSlices)
@@ -364,12 +369,13 @@ TEST_F(ZxAlignSlicesTest, RunsOverTheWholeStack)
                             }).get());
   module->setSetting("rotation", "off");
   std::vector<ZxAlignPair> done;
-  EXPECT_EQ(module->alignAll(1, 1, [&](const ZxAlignPairResult& r) {
-              done.push_back(r.pair);
-              EXPECT_TRUE(r.changed);
-              EXPECT_GT(r.qualityAfter, r.qualityBefore);
-              EXPECT_EQ(r.transform.tx, 1.0f - static_cast<float>(r.pair.editable));
-            }),
+  EXPECT_EQ(module->alignAll(1, 1,
+                             [&](const ZxAlignPairResult& r) {
+                               done.push_back(r.pair);
+                               EXPECT_TRUE(r.changed);
+                               EXPECT_GT(r.qualityAfter, r.qualityBefore);
+                               EXPECT_EQ(r.transform.tx, 1.0f - static_cast<float>(r.pair.editable));
+                             }),
             3);
   EXPECT_EQ(done, (std::vector<ZxAlignPair>{{2, 1, 1}, {3, 2, 1}, {0, 1, -1}}));
   for (int k = 0; k < 4; ++k)
@@ -384,8 +390,9 @@ TEST_F(ZxAlignSlicesTest, RunsOverTheWholeStack)
 
 TEST_F(ZxAlignSlicesTest, TellsQualityInsideTheMaskAlone)
 {
-  connect(module->portData,
-          makeField<std::uint8_t>(kDims, 1, [](int x, int, int k, int) { return x < 2 ? 100 * k : 50; }).get());
+  connect(module->portData, makeField<std::uint8_t>(kDims, 1, [](int x, int, int k, int) {
+                              return x < 2 ? 100 * k : 50;
+                            }).get());
   module->setRangeCurrent(0, 255);
   EXPECT_LT(module->maskedPairQuality(0), 1.0);
   EXPECT_EQ(module->maskedPairQuality(0), module->pairQuality(0));

@@ -12,8 +12,8 @@ namespace {
 
 class Probe : public ZxAutoAlignMethod {
 public:
-  using ZxAutoAlignMethod::ZxAutoAlignMethod;
   using ZxAutoAlignMethod::computeCenterAndOrientation;
+  using ZxAutoAlignMethod::ZxAutoAlignMethod;
   int doLayout() override { return 0; }
 };
 
@@ -82,7 +82,8 @@ TEST_F(ZxAutoAlignMethodTest, AreRegisteredByNameAndNumber)
   EXPECT_TRUE(is(Method(registry.createAutoAlignMethod(module.get(), "OptimizeAlignMethod")), optimize));
   for (const char* unknown : {"optimizeAlignMethod", "", "Probe"})
     EXPECT_EQ(registry.createAutoAlignMethod(module.get(), unknown), nullptr);
-  for (const int unknown : {-1, 4, 99}) EXPECT_EQ(registry.createAutoAlignMethod(module.get(), unknown), nullptr);
+  for (const int unknown : {-1, 4, 99})
+    EXPECT_EQ(registry.createAutoAlignMethod(module.get(), unknown), nullptr);
 
   const auto make = [](ZxAlignSlices* m) -> ZxAutoAlignMethod* { return new Probe(m); };
   const auto makeOther = [](ZxAlignSlices* m) -> ZxAutoAlignMethod* { return new OtherProbe(m); };

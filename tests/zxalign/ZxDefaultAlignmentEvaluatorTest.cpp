@@ -26,8 +26,8 @@ struct Pair {
 };
 
 /// The measure from its definition, with plain loops, for the given sizes.
-double plainQuality(const kernels::PairImage& a, const kernels::PairImage& b, int channels, const SliceXForm& x0,
-                    const SliceXForm& x1, const kernels::PairMask* mask0 = nullptr,
+double plainQuality(const kernels::PairImage& a, const kernels::PairImage& b, int channels,
+                    const SliceXForm& x0, const SliceXForm& x1, const kernels::PairMask* mask0 = nullptr,
                     const kernels::PairMask* mask1 = nullptr)
 {
   const kernels::PairDifference d = reference::plainPairDifference(
@@ -36,7 +36,8 @@ double plainQuality(const kernels::PairImage& a, const kernels::PairImage& b, in
   if (d.count == 0) return 0.0;
   const double n = static_cast<double>(d.count) * (channels == 4 ? 3 : 1);
   const double q = 1.0 - std::sqrt(static_cast<double>(d.squares) / (n * 65025.0));
-  const double coverage = static_cast<double>(d.count) / (std::min(a.width, b.width) * std::min(a.height, b.height));
+  const double coverage =
+      static_cast<double>(d.count) / (std::min(a.width, b.width) * std::min(a.height, b.height));
   return coverage < 0.5 ? q * std::sqrt(2.0 * coverage) : q;
 }
 
@@ -51,8 +52,9 @@ TEST(ZxDefaultAlignmentEvaluator, HasItsEnds)
   for (const int channels : {1, 4}) {
     const Bytes image = random.bytes(countOf(9, 5, channels));
     EXPECT_EQ(Pair(9, 5, channels, image, image).evaluator->quality({}, {}, 0), 1.0f);
-    EXPECT_EQ(Pair(9, 5, channels, Bytes(image.size(), 0), Bytes(image.size(), 255)).evaluator->quality({}, {}, 0),
-              0.0f);
+    EXPECT_EQ(
+        Pair(9, 5, channels, Bytes(image.size(), 0), Bytes(image.size(), 255)).evaluator->quality({}, {}, 0),
+        0.0f);
     EXPECT_EQ(Pair(9, 5, channels, image, image).evaluator->quality({}, {9, 0, 0, false}, 0), 0.0f); // apart
     const float nan = std::nanf("");
     EXPECT_LE(Pair(9, 5, channels, image, image).evaluator->quality({nan, 1e30f, nan, false}, {}, 0), 1.0f);
@@ -133,7 +135,8 @@ TEST(ZxDefaultAlignmentEvaluator, CountsMasksInPairsAndInItsOwnWayOnReducedImage
     x.translationX /= static_cast<float>(f);
     x.translationY /= static_cast<float>(f);
     EXPECT_EQ(e.quality({}, kTurned, level),
-              static_cast<float>(plainQuality({small0.data(), w, h}, {small1.data(), w, h}, 1, {}, x, &mask0, &mask1)))
+              static_cast<float>(
+                  plainQuality({small0.data(), w, h}, {small1.data(), w, h}, 1, {}, x, &mask0, &mask1)))
         << level;
   }
 }
@@ -142,7 +145,8 @@ TEST(ZxDefaultAlignmentEvaluator, ReducesByWholeBlocksAndKeepsOneLevel)
 {
   // The last row and column of 5 x 5 are dropped: differences there do not count on level 1.
   Bytes a(25, 50), b(25, 50);
-  for (int i = 0; i < 5; ++i) b[static_cast<std::size_t>(20 + i)] = b[static_cast<std::size_t>(5 * i + 4)] = 255;
+  for (int i = 0; i < 5; ++i)
+    b[static_cast<std::size_t>(20 + i)] = b[static_cast<std::size_t>(5 * i + 4)] = 255;
   Pair pair(5, 5, 1, a, b);
   EXPECT_EQ(pair.evaluator->quality({}, {}, 1), 1.0f);
   EXPECT_EQ(pair.evaluator->quality({}, {}, 2), 1.0f); // one pixel

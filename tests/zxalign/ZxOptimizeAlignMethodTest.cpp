@@ -41,8 +41,9 @@ struct PlainSearch {
 
   float quality(const SliceXForm& x) const
   {
-    return module.computeQuality(smallReference.bytes.data(), smallEditable.bytes.data(), smallReference.width,
-                                 smallReference.height, smallReference.channels, reference, x);
+    return module.computeQuality(smallReference.bytes.data(), smallEditable.bytes.data(),
+                                 smallReference.width, smallReference.height, smallReference.channels,
+                                 reference, x);
   }
   static void scale(SliceXForm& x, float s)
   {
@@ -94,8 +95,10 @@ struct PlainSearch {
         std::vector<std::pair<float, float>> offsets;
         if (hi > 1)
           for (int i = -24; i <= 22; i += 2)
-            for (int j = -24; j <= 22; j += 2) offsets.emplace_back(static_cast<float>(i) * sT, static_cast<float>(j) * sT);
-        for (const auto& [x, y] : {std::pair(sT, 0.f), {-sT, 0.f}, {0.f, sT}, {0.f, -sT}}) offsets.emplace_back(x, y);
+            for (int j = -24; j <= 22; j += 2)
+              offsets.emplace_back(static_cast<float>(i) * sT, static_cast<float>(j) * sT);
+        for (const auto& [x, y] : {std::pair(sT, 0.f), {-sT, 0.f}, {0.f, sT}, {0.f, -sT}})
+          offsets.emplace_back(x, y);
         for (const auto& [dx, dy] : offsets) {
           SliceXForm x = editable;
           x.translationX += dx;
@@ -162,7 +165,8 @@ private:
 
 /// Slice 0 shows the scene, slice 1 the same scene as it lies under a transform: applying that transform to
 /// slice 1 puts it back.
-McHandle<ZxField3> displacedPair(const ZxDims& dims, int channels, std::uint32_t seed, const SliceXForm& truth)
+McHandle<ZxField3> displacedPair(const ZxDims& dims, int channels, std::uint32_t seed,
+                                 const SliceXForm& truth)
 {
   const Scene scene(seed);
   const float cx = static_cast<float>(dims.width / 2), cy = static_cast<float>(dims.height / 2);
@@ -181,15 +185,18 @@ protected:
     const bool colour = module->sliceData().isColorField();
     ZxAlignData& data = module->sliceData();
     const unsigned char* p = k == module->getEditableSlice()
-                               ? (colour ? data.getEditableColorPtr() : data.getEditableSlicePtr())
-                               : (colour ? data.getReferenceColorPtr() : data.getReferenceSlicePtr());
+                                 ? (colour ? data.getEditableColorPtr() : data.getEditableSlicePtr())
+                                 : (colour ? data.getReferenceColorPtr() : data.getReferenceSlicePtr());
     return {d.width, d.height, colour ? 4 : 1, {p, p + countOf(d.width, d.height, colour ? 4 : 1)}};
   }
   /// Runs the plain search on the current pair; the module itself stays as it is.
   PlainSearch plain(int budget = 1 << 20)
   {
-    PlainSearch search{*module, image(module->getReferenceSlice()), image(module->getEditableSlice()),
-                       module->getSlice(module->getReferenceSlice()), module->getSlice(module->getEditableSlice()),
+    PlainSearch search{*module,
+                       image(module->getReferenceSlice()),
+                       image(module->getEditableSlice()),
+                       module->getSlice(module->getReferenceSlice()),
+                       module->getSlice(module->getEditableSlice()),
                        budget};
     search.run();
     return search;
@@ -216,18 +223,17 @@ TEST_F(ZxOptimizeAlignMethodTest, EqualsThePlainSearch)
     const char *levels, *iterations, *rotation;
     SliceXForm truth, start;
   };
-  const Case cases[] = {
-      {{128, 103, 2}, 1, "128", "1000", "on", {3, -5, 6, false}, {}},
-      {{128, 103, 2}, 1, "128", "1000", "off", {7, 4, 2, false}, {2, 1, -3, false}},
-      {{210, 201, 2}, 1, "128", "1000", "on", {-6, 9, -4, false}, {0.5f, 0, 0, false}},
-      {{210, 201, 2}, 1, "1", "1000", "on", {-6, 9, -4, false}, {}},
-      {{70, 64, 2}, 1, "0", "1000", "on", {5, 2, 20, false}, {}},
-      {{99, 120, 2}, 1, "128", "1000", "on", {1, -2, 3, false}, {-4, 0, 0, false}},
-      {{102, 101, 2}, 4, "128", "1000", "on", {4, -3, 5, false}, {}},
-      {{128, 103, 2}, 1, "128", "1", "on", {3, -5, 6, false}, {1, 1, 1, false}},
-      {{128, 103, 2}, 1, "128", "5", "on", {3, -5, 6, false}, {1, 1, 1, false}},
-      {{60, 64, 2}, 1, "128", "5", "on", {3, -5, 6, false}, {1, 1, 1, true}},
-      {{128, 103, 2}, 1, "128", "0", "on", {3, -5, 6, false}, {1.3f, 1, 1, true}}};
+  const Case cases[] = {{{128, 103, 2}, 1, "128", "1000", "on", {3, -5, 6, false}, {}},
+                        {{128, 103, 2}, 1, "128", "1000", "off", {7, 4, 2, false}, {2, 1, -3, false}},
+                        {{210, 201, 2}, 1, "128", "1000", "on", {-6, 9, -4, false}, {0.5f, 0, 0, false}},
+                        {{210, 201, 2}, 1, "1", "1000", "on", {-6, 9, -4, false}, {}},
+                        {{70, 64, 2}, 1, "0", "1000", "on", {5, 2, 20, false}, {}},
+                        {{99, 120, 2}, 1, "128", "1000", "on", {1, -2, 3, false}, {-4, 0, 0, false}},
+                        {{102, 101, 2}, 4, "128", "1000", "on", {4, -3, 5, false}, {}},
+                        {{128, 103, 2}, 1, "128", "1", "on", {3, -5, 6, false}, {1, 1, 1, false}},
+                        {{128, 103, 2}, 1, "128", "5", "on", {3, -5, 6, false}, {1, 1, 1, false}},
+                        {{60, 64, 2}, 1, "128", "5", "on", {3, -5, 6, false}, {1, 1, 1, true}},
+                        {{128, 103, 2}, 1, "128", "0", "on", {3, -5, 6, false}, {1.3f, 1, 1, true}}};
   std::uint32_t seed = 10;
   for (const Case& c : cases) {
     connect(module->portData, displacedPair(c.dims, c.channels, ++seed, c.truth).get());
@@ -238,7 +244,9 @@ TEST_F(ZxOptimizeAlignMethodTest, EqualsThePlainSearch)
     setTransform(1, c.start);
     module->setModified(false);
     const PlainSearch search = plain();
-    if (std::string(c.iterations) == "1000") EXPECT_GT(search.accepted.size(), 3U) << seed; // no trivial case
+    if (std::string(c.iterations) == "1000") {
+      EXPECT_GT(search.accepted.size(), 3U) << seed;
+    } // no trivial case
     EXPECT_EQ(module->doLayout(kLeastSquares), 1);
     EXPECT_TRUE(sameXForm(module->getSlice(1), applied(c.start, search.editable))) << seed;
     EXPECT_TRUE(sameXForm(module->getSlice(0), {0.25f, -1, 4, false}));
@@ -257,7 +265,9 @@ TEST_F(ZxOptimizeAlignMethodTest, EndsEarlyOnWideSlices)
     module->doLayout(kLeastSquares);
     EXPECT_TRUE(sameXForm(module->getSlice(1), applied({}, search.editable)));
     const float fraction = module->getSlice(1).translationX - std::floor(module->getSlice(1).translationX);
-    if (width > 1024) EXPECT_EQ(fraction, 0.0f);
+    if (width > 1024) {
+      EXPECT_EQ(fraction, 0.0f);
+    }
     EXPECT_GT(work.getNumQueries(), before);
   }
 }
@@ -274,7 +284,9 @@ TEST_F(ZxOptimizeAlignMethodTest, KeepsTheBestOfAnInterruptedSearch)
     work.interruptAtQuery(work.getNumQueries() + query);
     EXPECT_EQ(module->doLayout(kLeastSquares), 1);
     work.interruptAtQuery(0);
-    if (query == 1) EXPECT_TRUE(sameXForm(module->getSlice(1), start));
+    if (query == 1) {
+      EXPECT_TRUE(sameXForm(module->getSlice(1), start));
+    }
     EXPECT_GE(module->computeQuality(), before - 0.01f) << query;
   }
   EXPECT_FALSE(sameXForm(module->getSlice(1), start));
