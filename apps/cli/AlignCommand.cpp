@@ -51,8 +51,9 @@ std::string settingsTable(const ZxAlignControl& control)
   for (const ZxAlignSetting& setting : control.settings()) {
     const std::string unit = *setting.unit ? std::string(" ") + setting.unit : "";
     const std::string standard = *setting.defaultValue ? setting.defaultValue : "from the input";
-    text += "  " + std::string(setting.name) + "\n      " + setting.help + " " + setting.range + unit +
-            " (default: " + standard + ").\n";
+    const std::string help =
+        std::string(setting.help) + " Values: " + setting.range + unit + "; default: " + standard + ".";
+    text += "  " + std::string(setting.name) + "\n      " + wrapped(help, 6) + "\n";
   }
   return text;
 }
@@ -108,12 +109,15 @@ void AlignCommand::declareSearch(CLI::App& options)
                   "Slice that stays where it is (default: the one below the middle)")
       ->type_name("N");
   options.add_flag("--no-rotation", m_noRotation, "Shift slices only (the same as --set rotation=off)");
-  options.add_option("--iterations", m_iterations, "The same as --set iterations=N")->type_name("N");
-  options.add_option("--translation-step", m_translationStep, "The same as --set translation-step=PIXELS")
+  options.add_option("--iterations", m_iterations, "The same as --set iterations=N, see below")
+      ->type_name("N");
+  options
+      .add_option("--translation-step", m_translationStep,
+                  "The same as --set translation-step=PIXELS, see below")
       ->type_name("PIXELS");
-  options.add_option("--rotation-step", m_rotationStep, "The same as --set rotation-step=DEGREES")
+  options.add_option("--rotation-step", m_rotationStep, "The same as --set rotation-step=DEGREES, see below")
       ->type_name("DEGREES");
-  options.add_option("--levels", m_levels, "The same as --set levels=N")->type_name("N");
+  options.add_option("--levels", m_levels, "The same as --set levels=N, see below")->type_name("N");
   options
       .add_option("--window", m_window,
                   "Grey values that count as black and white in the comparison of slices (default: the "

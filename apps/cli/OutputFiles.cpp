@@ -67,13 +67,13 @@ bool isSliceFile(const std::string& path)
 
 std::string writeFailure(const std::string& path, const std::string& reason)
 {
-  return "Cannot write " + path + ": " + reason + ".";
+  return "Cannot write \"" + path + "\": " + reason + ".";
 }
 
 /// A hidden folder of our own inside a folder.
 fs::path makeStagingFolder(const fs::path& parent, const std::string& target)
 {
-  std::string name = (parent / ".zxalign-XXXXXX").string();
+  std::string name = (parent / (".zxalign-" + std::string(6, 'X'))).string(); // mkdtemp fills it in
   if (!mkdtemp(name.data())) throw Failure(writeFailure(target, std::strerror(errno)));
   return name;
 }

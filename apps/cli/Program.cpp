@@ -6,6 +6,7 @@
 #include "AlignCommand.h"
 #include "Console.h"
 #include "Failure.h"
+#include "HelpFormatter.h"
 #include "InfoCommand.h"
 #include "PhantomCommand.h"
 #include "QualityCommand.h"
@@ -56,7 +57,7 @@ void declareCommon(CLI::App& options, CommonOptions& common)
   options
       .add_option("--threads", common.threads,
                   "Number of threads (default: one for every core); the result does not depend on it")
-      ->check(CLI::Range(1, 1024))
+      ->check(CLI::Range(1, 1024).description(""))
       ->type_name("N");
   options.add_flag("--quiet", common.quiet, "Print results and errors only");
 }
@@ -106,6 +107,7 @@ int runProgram(int argc, char** argv)
 {
   CLI::App program("Aligns the slices of an image stack.", "zxalign");
   program.set_version_flag("--version", std::string("zxalign ") + ZXALIGN_VERSION);
+  program.formatter(std::make_shared<HelpFormatter>());
   program.require_subcommand(1);
   CommonOptions common;
   const std::vector<Entry> commands = makeCommands();
@@ -114,6 +116,7 @@ int runProgram(int argc, char** argv)
     entry.command->declare(*options);
     declareCommon(*options, common);
   }
+  program.footer("zxalign COMMAND --help describes a command with its options, units and defaults.");
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

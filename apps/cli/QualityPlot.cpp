@@ -12,6 +12,7 @@ namespace cli {
 namespace {
 
 constexpr int kMostBars = 12;
+constexpr int kRoomRight = 8; // of the axes
 const QColor kBefore(214, 106, 28);
 const QColor kAfter(20, 96, 168);
 const QColor kGrid(225, 225, 225);
@@ -76,8 +77,12 @@ void paintPairAxis(QPainter& painter, const Scale& scale)
     if (lower % step != 0) continue;
     const int x = mc::roundHalfUp(scale.xOf(lower));
     painter.drawLine(x, scale.area.bottom(), x, scale.area.bottom() + 4);
-    painter.drawText(QRect(x - 150, scale.area.bottom() + 5, 300, metrics.height()), Qt::AlignHCenter,
-                     QString("%1 - %2").arg(lower).arg(lower + 1));
+    const QString text = QString("%1 - %2").arg(lower).arg(lower + 1);
+    // The last label must not run out of the picture.
+    const int half = metrics.horizontalAdvance(text) / 2 + 2;
+    const int middle = std::min(x, scale.area.right() + kRoomRight - half);
+    painter.drawText(QRect(middle - half, scale.area.bottom() + 5, 2 * half, metrics.height()),
+                     Qt::AlignHCenter, text);
   }
 }
 
@@ -153,7 +158,7 @@ QRect insideOfAxes(const QPainter& painter, const QRect& area)
 {
   const QFontMetrics metrics = painter.fontMetrics();
   const int line = metrics.height();
-  return area.adjusted(metrics.horizontalAdvance("00000.00") + 12, line + 12, -8, -2 * line - 10);
+  return area.adjusted(metrics.horizontalAdvance("00000.00") + 12, line + 12, -kRoomRight, -2 * line - 10);
 }
 
 } // namespace

@@ -48,7 +48,7 @@ void ResampleOptions::declare(CLI::App& options)
       .add_option("--interpolation", m_interpolation,
                   "nearest or linear; linear loses the last column and row of each slice, and nearest "
                   "keeps the values as they are (default: linear)")
-      ->check(CLI::IsMember({"nearest", "linear"}))
+      ->check(CLI::IsMember({"nearest", "linear"}).description(""))
       ->type_name("KIND");
   auto* labels =
       options.add_option("--labels", m_labels, "A label field of the size of the input, aligned with it")

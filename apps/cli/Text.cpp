@@ -68,6 +68,25 @@ std::vector<std::string_view> split(std::string_view text, char separator)
   return parts;
 }
 
+std::string wrapped(std::string_view text, std::size_t indent)
+{
+  constexpr std::size_t width = 100;
+  std::string result;
+  std::size_t column = indent;
+  for (const std::string_view word : split(text, ' ')) {
+    if (!result.empty() && column + 1 + word.size() > width) {
+      result += "\n" + std::string(indent, ' ');
+      column = indent;
+    } else if (!result.empty()) {
+      result += ' ';
+      ++column;
+    }
+    result += word;
+    column += word.size();
+  }
+  return result;
+}
+
 bool hasEnding(std::string_view name, std::string_view ending)
 {
   if (name.size() < ending.size()) return false;

@@ -22,6 +22,8 @@ std::optional<int> parseInteger(std::string_view text);
 std::string_view trimmed(std::string_view text);
 /// The parts between separators; "a,,b" has three.
 std::vector<std::string_view> split(std::string_view text, char separator);
+/// The text in lines of at most 100 characters, broken at blanks; every line but the first is indented.
+std::string wrapped(std::string_view text, std::size_t indent);
 /// True when the name ends like that, in whatever case ("TABLE.CSV" and ".csv").
 bool hasEnding(std::string_view name, std::string_view ending);
 

@@ -129,7 +129,8 @@ TEST_F(Refusals, OutputsThatCannotBeWritten)
   std::filesystem::create_directory(folder.file("slices"));
   io::writeVolume(*test::noiseField({{48, 40, 3}, 1, McPrimType::UInt8}), folder.file("slices/s%02d.tif"));
   expectRefusal({"align", "slices", "-o", "slices/"}, "slices");
-  expectRefusal({"align", "slices/s00.tif", "slices/s01.tif", "-o", "slices/s%02d.tif"}, "mixed");
+  expectRefusal({"align", "slices/s00.tif", "slices/s01.tif", "slices/s02.tif", "-o", "slices/s%02d.tif"},
+                "mixed");
 }
 
 // The report is small enough for the limit and is written last; it must not appear alone either.

@@ -87,7 +87,7 @@ Outcome runInterrupted(const Run& run, const std::string& at)
 
 Folder::Folder()
 {
-  std::string name = (fs::temp_directory_path() / "zxalign-test-XXXXXX").string();
+  std::string name = (fs::temp_directory_path() / ("zxalign-test-" + std::string(6, 'X'))).string();
   m_path = mkdtemp(name.data()) ? name : "";
   EXPECT_FALSE(m_path.empty());
 }

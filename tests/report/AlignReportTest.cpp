@@ -30,7 +30,8 @@ void removeSeconds(nlohmann::json& json)
   if (json.is_object())
     for (auto it = json.begin(); it != json.end();)
       it = it.key().find("seconds") != std::string::npos ? json.erase(it) : std::next(it);
-  for (auto& member : json) removeSeconds(member);
+  if (json.is_structured())
+    for (auto& member : json) removeSeconds(member);
 }
 
 } // namespace

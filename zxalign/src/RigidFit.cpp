@@ -40,18 +40,24 @@ QTransform rotation(double degrees)
   return {cosine, sine, -sine, cosine, 0.0, 0.0};
 }
 
+float determinantOf(const McDMatrix<float>& m) { return m[0][0] * m[1][1] - m[0][1] * m[1][0]; }
+
+void negateColumn(McDMatrix<float>& m, int column)
+{
+  for (int row = 0; row < 2; ++row) m[row][column] = -m[row][column];
+}
+
 /// The rotation R = V * U^T that turns the rows of p onto those of q in the sense of least squares.
 McDMatrix<float> leastSquaresRotation(const McDMatrix<float>& p, const McDMatrix<float>& q)
 {
   const McDMatrix<float> h = p.transposed() * q;
-  const float determinant = h[0][0] * h[1][1] - h[0][1] * h[1][0];
+  const float determinant = determinantOf(h);
   McDMatrix<float> u, v;
   float w[2] = {0.0f, 0.0f};
   h.SVD(u, w, v, 30); // Without convergence the partial factors are used.
-  if (determinant < 0.0f) {
-    u[0][1] = -u[0][1];
-    u[1][1] = -u[1][1];
-  }
+  if (determinant < 0.0f) negateColumn(u, 1);
+  // Points on a line leave the determinant 0, and the side that no point lies on may come out mirrored.
+  if (determinantOf(u) * determinantOf(v) < 0.0f) negateColumn(u, w[0] < w[1] ? 0 : 1);
   return v * u.transposed();
 }
 

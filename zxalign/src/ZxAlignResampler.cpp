@@ -14,14 +14,17 @@ namespace {
 
 ZxMessage* msg() { return ZxMessage::getTheMsg(); }
 
-bool holdsLabels(const ZxLattice& lattice) { return dynamic_cast<const ZxLabelLattice*>(&lattice) != nullptr; }
+bool holdsLabels(const ZxLattice& lattice)
+{
+  return dynamic_cast<const ZxLabelLattice*>(&lattice) != nullptr;
+}
 
 } // namespace
 
 ZxAlignResampler::ZxAlignResampler(ZxAlignSlices& module)
   : m_module(module), m_data(module.sliceData()), m_input(*m_data.getLattice()),
-    m_inputIsLabels(holdsLabels(m_input)),
-    m_width(module.alignSettings().outputWidth), m_height(module.alignSettings().outputHeight)
+    m_inputIsLabels(holdsLabels(m_input)), m_width(module.alignSettings().outputWidth),
+    m_height(module.alignSettings().outputHeight)
 {
   const ZxDims& dims = m_input.getDims();
   if (module.alignSettings().automaticOrigin) {
@@ -225,10 +228,8 @@ void ZxAlignResampler::resampleLabels(bool reuse)
 
 McHandle<ZxUniformLabelField3> ZxAlignResampler::obtainLabels(const ZxSpatialData& input, bool reuse)
 {
-  const ZxLatticeShape shape{{m_width, m_height, m_input.getDims().slices},
-                             1,
-                             input.getLattice()->primType(),
-                             ZxCoordType::Uniform};
+  const ZxLatticeShape shape{
+      {m_width, m_height, m_input.getDims().slices}, 1, input.getLattice()->primType(), ZxCoordType::Uniform};
   const ZxBox3f box = outputBox(m_input.getDims(), m_input.getBoundingBox(), m_width, m_height);
   if (reuse) {
     ZxData* data = m_module.getResult(1);
