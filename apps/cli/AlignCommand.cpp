@@ -53,7 +53,7 @@ std::string settingsTable(const ZxAlignControl& control)
     const std::string standard = *setting.defaultValue ? setting.defaultValue : "from the input";
     const std::string help =
         std::string(setting.help) + " Values: " + setting.range + unit + "; default: " + standard + ".";
-    text += "  " + std::string(setting.name) + "\n      " + wrapped(help, 6) + "\n";
+    text.append("  ").append(setting.name).append("\n      ").append(wrapped(help, 6)).append("\n");
   }
   return text;
 }

@@ -29,7 +29,7 @@ void Console::remarks()
 
 std::string Console::reason(const std::string& otherwise)
 {
-  const std::string last = m_held.empty() ? otherwise : m_held.back();
+  std::string last = m_held.empty() ? otherwise : m_held.back();
   m_held.clear();
   return last;
 }
