@@ -150,8 +150,11 @@ TEST_F(ZxAlignSlicesTest, SurvivesObjectsThatVanish)
   EXPECT_TRUE(module->portAction.isButtonSensitive(2));
   pool.remove(module->getResult(0));
   EXPECT_FALSE(module->portAction.isButtonSensitive(2));
-  pool.remove(mask.get());
-  mask = {};
+  module->portMask.disconnect(); // no pass yet
+  pool.remove(std::exchange(mask, {}).get());
+  module->mapSlices();
+  EXPECT_EQ(editableImage()[0], 0);
+  module->fire();
   EXPECT_NE(editableImage()[0], 0); // mapped again, without the mask
   module->portData.disconnect();    // no pass yet
   pool.remove(std::exchange(field, {}).get());

@@ -92,16 +92,6 @@ TEST(ZxDefaultAlignmentEvaluator, EqualsTheDefinition)
     EXPECT_EQ(sizes.quality({}, x), plainQuality(wide, tall, 1, {}, x));
 }
 
-TEST(ZxDefaultAlignmentEvaluator, IgnoresTheFourthByte)
-{
-  Pair pair(6, 5, 4, Random(4));
-  const float before = pair.quality({}, kTurned);
-  for (std::size_t i = 3; i < pair.image0.size(); i += 4) pair.image0[i] ^= 0x5a;
-  EXPECT_EQ(pair.quality({}, kTurned), before);
-  pair.image0[4 * 15 + 2] ^= 0x5a;
-  EXPECT_NE(pair.quality({}, kTurned), before);
-}
-
 TEST(ZxDefaultAlignmentEvaluator, CountsMasksInPairsAndInItsOwnWayOnReducedImages)
 {
   Random random(5);
