@@ -6,11 +6,13 @@
 #include <utility>
 #include <vector>
 
+using Lines = std::vector<std::string>;
+
 /// Records the lines of the message console while it lives.
 class Console {
 public:
   Console()
-    : m_before(ZxMessage::getTheMsg()->setSink([this](const std::string& line) { lines.push_back(line); }))
+    : m_before(ZxMessage::getTheMsg()->setSink([this](const std::string& l) { m_lines.push_back(l); }))
   {
   }
   ~Console() { ZxMessage::getTheMsg()->setSink(std::move(m_before)); }
@@ -18,12 +20,9 @@ public:
   Console& operator=(const Console&) = delete;
 
   /// The lines since the last call.
-  std::vector<std::string> take() { return std::exchange(lines, {}); }
-
-  std::vector<std::string> lines;
+  Lines take() { return std::exchange(m_lines, {}); }
 
 private:
+  Lines m_lines;
   ZxMessage::Sink m_before;
 };
-
-using Lines = std::vector<std::string>;

@@ -2,30 +2,28 @@
 
 #include "zx/ZxField3.h"
 
-#include <cstring>
 #include <vector>
 
-/// Fills a lattice of T with value(x, y, k, c).
-template <class T, class F>
-void fillLattice(ZxLattice& lattice, const F& value)
+/// Fills a new lattice with value(x, y, k, c).
+template <class T, class L, class F>
+std::unique_ptr<L> filled(std::unique_ptr<L> lattice, const F& value)
 {
-  const ZxDims& d = lattice.getDims();
+  const ZxDims& d = lattice->getDims();
   for (int k = 0; k < d.slices; ++k) {
-    T* out = static_cast<T*>(lattice.beginWrite(k));
+    T* out = static_cast<T*>(lattice->beginWrite(k));
     for (int y = 0; y < d.height; ++y)
       for (int x = 0; x < d.width; ++x)
-        for (int c = 0; c < lattice.getNumDataVars(); ++c) *out++ = static_cast<T>(value(x, y, k, c));
-    lattice.endWrite(k);
+        for (int c = 0; c < lattice->getNumDataVars(); ++c) *out++ = static_cast<T>(value(x, y, k, c));
   }
+  return lattice;
 }
 
 /// A field of T of the kind that its lattice asks for.
 template <class T, class F>
 McHandle<ZxField3> makeField(const ZxDims& dims, int numDataVars, const F& value)
 {
-  auto lattice = ZxLattice3::create({dims, numDataVars, mcPrimTypeOf<T>, ZxCoordType::Uniform});
-  fillLattice<T>(*lattice, value);
-  McHandle<ZxField3> field = ZxField3::create(std::move(lattice));
+  auto field = ZxField3::create(
+      filled<T>(ZxLattice3::create({dims, numDataVars, mcPrimTypeOf<T>, ZxCoordType::Uniform}), value));
   field->setLabel("stack.tif");
   return field;
 }
@@ -33,21 +31,17 @@ McHandle<ZxField3> makeField(const ZxDims& dims, int numDataVars, const F& value
 template <class T, class F>
 McHandle<ZxUniformLabelField3> makeLabels(const ZxDims& dims, const F& value)
 {
-  auto lattice = ZxLabelLattice3::create({dims, 1, mcPrimTypeOf<T>, ZxCoordType::Uniform});
-  fillLattice<T>(*lattice, value);
-  auto labels = mcMake<ZxUniformLabelField3>(std::move(lattice));
-  labels->setLabel("labels.tif");
-  return labels;
+  return mcMake<ZxUniformLabelField3>(
+      filled<T>(ZxLabelLattice3::create({dims, 1, mcPrimTypeOf<T>, ZxCoordType::Uniform}), value));
 }
 
 /// All values of a lattice of T, slice after slice.
 template <class T>
 std::vector<T> valuesOf(ZxLattice& lattice)
 {
-  const ZxLatticeShape& shape = lattice.shape();
-  const std::size_t n = shape.dims.slicePixels() * static_cast<std::size_t>(shape.numDataVars);
-  std::vector<T> values(n * static_cast<std::size_t>(shape.dims.slices));
-  for (int k = 0; k < shape.dims.slices; ++k)
+  const std::size_t n = lattice.shape().sliceBytes() / sizeof(T);
+  std::vector<T> values(n * static_cast<std::size_t>(lattice.getDims().slices));
+  for (int k = 0; k < lattice.getDims().slices; ++k)
     lattice.readSlice(k, values.data() + n * static_cast<std::size_t>(k));
   return values;
 }

@@ -4,35 +4,16 @@
 
 TEST(ZxData, ComposesLabels)
 {
-  const auto label = [](const char* base) { return ZxData::composeLabel(base, "align").str(); };
-  EXPECT_EQ(label("stack.tif"), "stack.align");
-  EXPECT_EQ(label("a.b.nrrd"), "a.b.align");
-  EXPECT_EQ(label("stack"), "stack.align");
-  EXPECT_EQ(label(".hidden"), ".hidden.align");
-  EXPECT_EQ(label(""), ".align");
-}
-
-TEST(ZxData, KnowsWhetherItIsSaved)
-{
-  const auto data = mcMake<ZxSpatialData>();
-  EXPECT_FALSE(data->isUnsaved());
-  data->touch();
-  EXPECT_TRUE(data->isUnsaved());
-  data->setSaved();
-  EXPECT_FALSE(data->isUnsaved());
-  EXPECT_EQ(data->getLattice(), nullptr);
+  const std::pair<const char*, const char*> cases[] = {
+      {"stack.tif", "stack.align"}, {"a.b.nrrd", "a.b.align"}, {"stack", "stack.align"}, {".a", ".a.align"}};
+  for (const auto& [base, label] : cases) EXPECT_EQ(ZxData::composeLabel(base, "align"), label);
 }
 
 TEST(ZxFileGeometry, KeepsExactNumbersUnlessTheBoxSaysOtherwise)
 {
   const ZxDims dims{11, 7, 1};
-  auto field = makeField<std::uint8_t>(dims, 1, [](auto...) { return 0; });
-  ZxFileGeometry g;
-  g.origin[1] = -1e-9;
-  g.voxelSize[0] = 0.1;
-  g.voxelSize[1] = 1.0 / 3.0;
-  g.voxelSize[2] = 50;
-  g.unit = "nm";
+  const auto field = makeField<std::uint8_t>(dims, 1, [](auto...) { return 0; });
+  const ZxFileGeometry g{{0, -1e-9, 0}, {0.1, 1.0 / 3.0, 50}, "nm"};
   g.store(field->parameters());
   field->getLattice()->setBoundingBox(g.box(dims));
   const ZxFileGeometry back = ZxFileGeometry::of(*field);

@@ -18,10 +18,9 @@ protected:
     module = {};
     ZxObjectPool::getThePool().clear();
   }
-
-  void connect(ZxConnection& port, ZxData* source)
+  void connect(ZxConnection& port, const McHandle<ZxData>& source)
   {
-    ASSERT_TRUE(port.connect(source));
+    ASSERT_TRUE(port.connect(source.get()));
     module->fire();
   }
   void press(int button)
@@ -30,15 +29,12 @@ protected:
     module->fire();
   }
   void setTransform(int k, const SliceXForm& x) { module->getSlice(k).setXForm(x); }
-  /// The 8-bit image of the editable slice.
-  std::vector<int> editableImage()
+  /// Exactly this transform.
+  bool isAt(int k, const SliceXForm& x) { return SliceInfo(SliceXForm(module->getSlice(k))) == SliceInfo(x); }
+  std::vector<int> editableImage() { return image(module->getComputedEditableSlicePtr()); }
+  std::vector<int> referenceImage() { return image(module->getComputedReferenceSlicePtr()); }
+  std::vector<int> image(const unsigned char* p)
   {
-    const unsigned char* p = module->getComputedEditableSlicePtr();
-    return {p, p + module->getDataLattice()->getDims().slicePixels()};
-  }
-  std::vector<int> referenceImage()
-  {
-    const unsigned char* p = module->getComputedReferenceSlicePtr();
     return {p, p + module->getDataLattice()->getDims().slicePixels()};
   }
 
@@ -47,16 +43,9 @@ protected:
   McHandle<ZxAlignSlices> module = mcMake<ZxAlignSlices>();
 };
 
-inline bool sameXForm(const SliceXForm& a, const SliceXForm& b)
-{
-  return a.translationX == b.translationX && a.translationY == b.translationY && a.rotation == b.rotation &&
-         a.flip == b.flip;
-}
-
 /// A grey stack whose voxels all differ from their neighbours in every direction.
 inline int greyAt(int x, int y, int k, int c = 0)
 {
   return (x * 7 + y * 31 + k * 57 + c * 101 + x * y) % 251;
 }
-
 inline McHandle<ZxField3> greyStack(const ZxDims& dims) { return makeField<std::uint8_t>(dims, 1, greyAt); }

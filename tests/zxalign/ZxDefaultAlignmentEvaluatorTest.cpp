@@ -1,6 +1,7 @@
 #include "zxalign/ZxDefaultAlignmentEvaluator.h"
 
 #include "AlignmentQuality.h"
+#include "kernels/BlockAverage.h"
 #include "reference/PlainPairDifference.h"
 #include "support/Random.h"
 #include "zxalign/ZxAlignSlices.h"
@@ -13,32 +14,43 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
+/// An evaluator with two images of its own; without images given, random ones.
 struct Pair {
+  int width, height, channels;
+  Bytes image0, image1;
   McHandle<ZxDefaultAlignmentEvaluator> evaluator = mcMake<ZxDefaultAlignmentEvaluator>();
-  Bytes image0, image1, mask0, mask1;
 
-  Pair(int width, int height, int channels, Bytes a, Bytes b) : image0(std::move(a)), image1(std::move(b))
+  Pair(int w, int h, int c, Bytes a, Bytes b)
+    : width(w), height(h), channels(c), image0(std::move(a)), image1(std::move(b))
   {
     evaluator->setImageStackParams(width, height, channels);
     evaluator->setImage0(image0.data());
     evaluator->setImage1(image1.data());
   }
+  Pair(int w, int h, int c, Random random)
+    : Pair(w, h, c, random.bytes(countOf(w, h, c)), Random(99).bytes(countOf(w, h, c)))
+  {
+  }
+  float quality(const SliceXForm& x0 = {}, const SliceXForm& x1 = {}, int level = 0) const
+  {
+    return evaluator->quality(x0, x1, level);
+  }
 };
 
-/// The measure from its definition, with plain loops, for the given sizes.
-double plainQuality(const kernels::PairImage& a, const kernels::PairImage& b, int channels,
-                    const SliceXForm& x0, const SliceXForm& x1, const kernels::PairMask* mask0 = nullptr,
-                    const kernels::PairMask* mask1 = nullptr)
+/// The measure from its definition.
+float plainQuality(const kernels::PairImage& a, const kernels::PairImage& b, int channels,
+                   const SliceXForm& x0, const SliceXForm& x1, const kernels::PairMask* mask0 = nullptr,
+                   const kernels::PairMask* mask1 = nullptr)
 {
   const kernels::PairDifference d = reference::plainPairDifference(
       a, inverse16(x0, a.width, a.height), b, inverse16(x1, b.width, b.height), std::max(a.width, b.width),
       std::max(a.height, b.height), channels, mask0, mask1);
-  if (d.count == 0) return 0.0;
+  if (d.count == 0) return 0.0f;
   const double n = static_cast<double>(d.count) * (channels == 4 ? 3 : 1);
   const double q = 1.0 - std::sqrt(static_cast<double>(d.squares) / (n * 65025.0));
   const double coverage =
       static_cast<double>(d.count) / (std::min(a.width, b.width) * std::min(a.height, b.height));
-  return coverage < 0.5 ? q * std::sqrt(2.0 * coverage) : q;
+  return static_cast<float>(coverage < 0.5 ? q * std::sqrt(2.0 * coverage) : q);
 }
 
 const SliceXForm kTurned(1.5f, -2.25f, 20, false);
@@ -48,114 +60,74 @@ const SliceXForm kFlipped(-3, 1, -65, true);
 
 TEST(ZxDefaultAlignmentEvaluator, HasItsEnds)
 {
-  Random random(1);
   for (const int channels : {1, 4}) {
-    const Bytes image = random.bytes(countOf(9, 5, channels));
-    EXPECT_EQ(Pair(9, 5, channels, image, image).evaluator->quality({}, {}, 0), 1.0f);
-    EXPECT_EQ(
-        Pair(9, 5, channels, Bytes(image.size(), 0), Bytes(image.size(), 255)).evaluator->quality({}, {}, 0),
-        0.0f);
-    EXPECT_EQ(Pair(9, 5, channels, image, image).evaluator->quality({}, {9, 0, 0, false}, 0), 0.0f); // apart
-    const float nan = std::nanf("");
-    EXPECT_LE(Pair(9, 5, channels, image, image).evaluator->quality({nan, 1e30f, nan, false}, {}, 0), 1.0f);
+    const Bytes image = Random(1).bytes(countOf(9, 5, channels));
+    const Pair same(9, 5, channels, image, image);
+    EXPECT_EQ(same.quality(), 1.0f);
+    EXPECT_EQ(same.quality({}, {9, 0, 0, false}), 0.0f); // apart
+    EXPECT_EQ(Pair(9, 5, channels, Bytes(image.size(), 0), Bytes(image.size(), 255)).quality(), 0.0f);
+    EXPECT_LE(same.quality({std::nanf(""), 1e30f, std::nanf(""), false}), 1.0f);
   }
-  // A third of the grid is covered.
-  EXPECT_FLOAT_EQ(Pair(9, 5, 1, Bytes(45, 8), Bytes(45, 8)).evaluator->quality({}, {6, 0, 0, false}, 0),
-                  static_cast<float>(std::sqrt(2.0 / 3.0)));
 }
 
 TEST(ZxDefaultAlignmentEvaluator, EqualsTheDefinition)
 {
-  Random random(2);
   const auto module = mcMake<ZxAlignSlices>();
   for (const int channels : {1, 4}) {
-    const Pair pair(23, 14, channels, random.bytes(countOf(23, 14, channels)),
-                    random.bytes(countOf(23, 14, channels)));
+    const Pair pair(23, 14, channels, Random(2));
     const kernels::PairImage a{pair.image0.data(), 23, 14}, b{pair.image1.data(), 23, 14};
     for (const SliceXForm& x0 : {SliceXForm(), kTurned, kFlipped})
       for (const SliceXForm& x1 : {kTurned, kFlipped, SliceXForm(14, 3, 5, false)}) {
-        const auto expected = static_cast<float>(plainQuality(a, b, channels, x0, x1));
-        EXPECT_EQ(pair.evaluator->quality(x0, x1, 0), expected);
+        const float expected = plainQuality(a, b, channels, x0, x1);
+        EXPECT_EQ(pair.quality(x0, x1), expected);
         EXPECT_EQ(module->computeQuality(a.pixels, b.pixels, 23, 14, channels, x0, x1), expected);
       }
   }
-}
-
-TEST(ZxDefaultAlignmentEvaluator, ComparesImagesOfDifferentSizes)
-{
-  Random random(3);
-  Pair pair(20, 8, 1, random.bytes(160), random.bytes(160));
-  pair.evaluator->setDimensions1(8, 20);
-  const kernels::PairImage wide{pair.image0.data(), 20, 8}, tall{pair.image1.data(), 8, 20};
-  for (const SliceXForm& x : {SliceXForm(), kTurned, SliceXForm(-5, 4, 0, false)})
-    EXPECT_EQ(pair.evaluator->quality({}, x, 0), static_cast<float>(plainQuality(wide, tall, 1, {}, x)));
-  // The overlap is as large as it can be: 8 x 8.
-  pair.image0 = Bytes(160, 7);
-  pair.image1 = Bytes(160, 7);
-  pair.evaluator->setImage0(pair.image0.data());
-  pair.evaluator->setImage1(pair.image1.data());
-  EXPECT_EQ(pair.evaluator->quality({-6, 0, 0, false}, {0, -6, 0, false}, 0), 1.0f);
-}
-
-TEST(ZxDefaultAlignmentEvaluator, IgnoresTheFourthByte)
-{
-  Random random(4);
-  Bytes a = random.bytes(countOf(6, 5, 4)), b = random.bytes(a.size());
-  const float before = Pair(6, 5, 4, a, b).evaluator->quality({}, kTurned, 0);
-  for (std::size_t i = 3; i < a.size(); i += 4) a[i] = static_cast<std::uint8_t>(~b[i]);
-  EXPECT_EQ(Pair(6, 5, 4, a, b).evaluator->quality({}, kTurned, 0), before);
-  a[2] = static_cast<std::uint8_t>(~b[2]);
-  EXPECT_NE(Pair(6, 5, 4, a, b).evaluator->quality({}, {}, 0), before);
+  const Pair sizes(20, 8, 1, Random(3));
+  sizes.evaluator->setDimensions1(8, 20);
+  const kernels::PairImage wide{sizes.image0.data(), 20, 8}, tall{sizes.image1.data(), 8, 20};
+  // The overlap of the last is 4 x 8 of 8 x 8: just not lowered.
+  for (const SliceXForm& x :
+       {SliceXForm(), kTurned, SliceXForm(-5, 4, 0, false), SliceXForm(-4, -6, 0, false)})
+    EXPECT_EQ(sizes.quality({}, x), plainQuality(wide, tall, 1, {}, x));
 }
 
 TEST(ZxDefaultAlignmentEvaluator, CountsMasksInPairsAndInItsOwnWayOnReducedImages)
 {
   Random random(5);
-  Pair pair(22, 14, 1, random.bytes(308), random.bytes(308));
-  for (Bytes* mask : {&pair.mask0, &pair.mask1})
-    for (int i = 0; i < 308; ++i) mask->push_back(random.below(4) ? 1 : 0);
-  ZxDefaultAlignmentEvaluator& e = *pair.evaluator;
-  const float unmasked = e.quality({}, kTurned, 0);
-  e.setMask0(pair.mask0.data());
-  EXPECT_EQ(e.quality({}, kTurned, 0), unmasked);
-  e.setMask1(pair.mask1.data());
-  const kernels::PairMask mask0{pair.mask0.data(), 22, 14}, mask1{pair.mask1.data(), 22, 14};
+  const Pair pair(22, 14, 1, Random(6));
+  Bytes bytes0, bytes1;
+  for (Bytes* mask : {&bytes0, &bytes1})
+    for (int i = 0; i < 22 * 14; ++i) mask->push_back(random.below(4) ? 1 : 0);
+  const kernels::PairMask mask0{bytes0.data(), 22, 14}, mask1{bytes1.data(), 22, 14};
+  const float unmasked = pair.quality({}, kTurned);
+  pair.evaluator->setMask0(bytes0.data());
+  EXPECT_EQ(pair.quality({}, kTurned), unmasked);
+  pair.evaluator->setMask1(bytes1.data());
   for (const int level : {0, 1}) {
     const int f = 1 << level, w = 22 / f, h = 14 / f;
-    Bytes small0, small1;
-    for (int y = 0; y < h; ++y)
-      for (int x = 0; x < w; ++x)
-        for (auto [image, small] : {std::pair(&pair.image0, &small0), {&pair.image1, &small1}}) {
-          int sum = 0;
-          for (int i = 0; i < f * f; ++i)
-            sum += (*image)[static_cast<std::size_t>((y * f + i / f) * 22 + x * f + i % f)];
-          small->push_back(static_cast<std::uint8_t>(sum / (f * f)));
-        }
-    SliceXForm x = kTurned;
-    x.translationX /= static_cast<float>(f);
-    x.translationY /= static_cast<float>(f);
-    EXPECT_EQ(e.quality({}, kTurned, level),
-              static_cast<float>(
-                  plainQuality({small0.data(), w, h}, {small1.data(), w, h}, 1, {}, x, &mask0, &mask1)))
-        << level;
+    Bytes small0(countOf(w, h)), small1(countOf(w, h));
+    kernels::blockAverage(pair.image0.data(), 22, 14, 1, f, small0.data());
+    kernels::blockAverage(pair.image1.data(), 22, 14, 1, f, small1.data());
+    const auto s = static_cast<float>(f);
+    const SliceXForm x(kTurned.translationX / s, kTurned.translationY / s, kTurned.rotation, false);
+    EXPECT_EQ(pair.quality({}, kTurned, level),
+              plainQuality({small0.data(), w, h}, {small1.data(), w, h}, 1, {}, x, &mask0, &mask1));
   }
 }
 
 TEST(ZxDefaultAlignmentEvaluator, ReducesByWholeBlocksAndKeepsOneLevel)
 {
   // The last row and column of 5 x 5 are dropped: differences there do not count on level 1.
-  Bytes a(25, 50), b(25, 50);
-  for (int i = 0; i < 5; ++i)
-    b[static_cast<std::size_t>(20 + i)] = b[static_cast<std::size_t>(5 * i + 4)] = 255;
-  Pair pair(5, 5, 1, a, b);
-  EXPECT_EQ(pair.evaluator->quality({}, {}, 1), 1.0f);
-  EXPECT_EQ(pair.evaluator->quality({}, {}, 2), 1.0f); // one pixel
-  EXPECT_EQ(pair.evaluator->quality({}, {}, 3), 0.0f); // none
-  EXPECT_EQ(pair.evaluator->quality({}, {}, 40), 0.0f);
-  EXPECT_LT(pair.evaluator->quality({}, {}, 0), 1.0f);
-  EXPECT_EQ(pair.evaluator->quality({}, {2, 0, 0, false}, 1), 1.0f); // half overlap: not lowered yet
+  Pair pair(5, 5, 1, Bytes(25, 50), Bytes(25, 50));
+  for (std::size_t i = 0; i < 5; ++i) pair.image1[20 + i] = pair.image1[5 * i + 4] = 255;
+  for (const int level : {1, 2}) EXPECT_EQ(pair.quality({}, {}, level), 1.0f);
+  for (const int level : {3, 40}) EXPECT_EQ(pair.quality({}, {}, level), 0.0f); // no pixel is left
+  EXPECT_LT(pair.quality(), 1.0f);
+  EXPECT_EQ(pair.quality({}, {2, 0, 0, false}, 1), 1.0f); // half overlap: not lowered yet
   // Another image makes another reduced one.
-  pair.image1 = Bytes(25, 10);
+  const Bytes other(25, 10);
+  pair.image1 = other;
   pair.evaluator->setImage1(pair.image1.data());
-  EXPECT_FLOAT_EQ(pair.evaluator->quality({}, {}, 1), 1.0f - 40.0f / 255.0f);
+  EXPECT_FLOAT_EQ(pair.quality({}, {}, 1), 1.0f - 40.0f / 255.0f);
 }

@@ -134,7 +134,7 @@ void ZxAlignSlices::checkAuxiliaryInputs(const ZxLattice& lattice)
   // A reference that fits is read when the transforms have their new length.
   for (ZxConnection* connection : {&portMask, &portReference, &portLabelField})
     if (connection->isConnected() && !sameDims(connection->getLattice(), lattice)) connection->disconnect();
-  m_data->setMaskLattice(dynamic_cast<ZxLabelLattice*>(portMask.getLattice()));
+  useMask(dynamic_cast<ZxLabelLattice*>(portMask.getLattice()));
 }
 
 void ZxAlignSlices::initDataWindow(ZxLattice& lattice)
@@ -185,8 +185,15 @@ void ZxAlignSlices::computeMask()
   auto* mask = dynamic_cast<ZxLabelLattice*>(portMask.getLattice());
   if (mask && !sameDims(mask, *m_data->getLattice())) mask = nullptr;
   if (!mask) portMask.disconnect();
-  m_data->setMaskLattice(mask);
+  useMask(mask);
   updateViews();
+}
+
+void ZxAlignSlices::useMask(ZxLabelLattice* mask)
+{
+  const McHandle<ZxData> before = m_maskSource; // until the slices are mapped without it
+  m_maskSource = McHandle<ZxData>(mask ? portMask.getSource() : nullptr);
+  m_data->setMaskLattice(mask);
 }
 
 void ZxAlignSlices::computeReference()

@@ -173,6 +173,7 @@ private:
   void initTransforms();
   void initPair();
   void computeMask();
+  void useMask(ZxLabelLattice* mask);
   void computeReference();
   void computeAction();
   void computeMaxIntNumSlices();
@@ -186,6 +187,7 @@ private:
   ZxAlignPairResult alignPair(const ZxAlignPair& pair, int method);
 
   std::unique_ptr<ZxAlignData> m_data;
+  McHandle<ZxData> m_maskSource;        // keeps the mask that is in use alive
   ZxAutoAlignMethodFabrique* m_methods; // the process's registry
   std::unique_ptr<ZxAlignEditor> m_editor;
   bool m_fixReference = false;
