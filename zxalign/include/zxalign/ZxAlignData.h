@@ -25,9 +25,10 @@ public:
   explicit ZxAlignData(ZxAlignSlices* module);
   ~ZxAlignData();
 
-  /// Takes a new input, which lives at least until the next init() or reset(), and allocates the buffers. No slice is chosen and no mask set afterwards, so that the
-  /// next choice is mapped into the new buffers whatever its number. False, with everything released, when a
-  /// pointer is null or there is not enough memory.
+  /// Takes a new input, which lives at least until the next init() or reset(), and allocates the buffers. No
+  /// slice is chosen and no mask set afterwards, so that the next choice is mapped into the new buffers
+  /// whatever its number. False, with everything released, when a pointer is null or there is not enough
+  /// memory.
   bool init(ZxSpatialData* data, ZxLattice* lattice);
   /// Forgets the input.
   void reset();
