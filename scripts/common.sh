@@ -79,17 +79,27 @@ install_packages()
   packages_installed=yes
 }
 
-# build PRESET [TARGET...]: configures where it has not been done yet (ninja does it by itself when a CMake
-# file has changed) and builds.
+# configure PRESET WITH_TESTS: configures where it has not been done yet, or without the tests that are asked for
+# now (ninja does it by itself when a CMake file has changed).
+configure()
+{
+  local preset=$1 tests=$2
+  local folder="$root/build/$preset"
+  local cache="$folder/CMakeCache.txt"
+  if [ -e "$folder/build.ninja" ] && [ "$packages_installed" = no ] &&
+    { [ "$tests" = OFF ] || grep -q '^ZX_BUILD_TESTS:BOOL=ON' "$cache"; }; then
+    return 0
+  fi
+  # What has tests keeps them.
+  if [ -e "$cache" ] && grep -q '^ZX_BUILD_TESTS:BOOL=ON' "$cache"; then tests=ON; fi
+  stage "Configuring ($preset)"
+  (cd "$root" && quietly "$root/build/configure-$preset.log" cmake --fresh --preset "$preset" \
+    -DZX_BUILD_TESTS="$tests" "${@:3}")
+}
+
+# build PRESET [TARGET...]
 build()
 {
-  local preset=$1
-  shift
-  local folder="$root/build/$preset"
-  if [ ! -e "$folder/build.ninja" ] || [ "$packages_installed" = yes ]; then
-    stage "Configuring ($preset)"
-    (cd "$root" && quietly "$root/build/configure-$preset.log" cmake --fresh --preset "$preset")
-  fi
-  stage "Building ($preset)"
-  ninja -C "$folder" "$@"
+  stage "Building ($1)"
+  ninja -C "$root/build/$1" "${@:2}"
 }
