@@ -34,9 +34,9 @@ void edit(AlignState& state, Random& random)
 }
 
 /// Everything that a state holds, so that a record with wrong landmarks or a wrong pair is no match.
-class History : public testing::Test {
+class AlignHistoryTest : public testing::Test {
 protected:
-  History() { present.slices.resize(3); }
+  AlignHistoryTest() { present.slices.resize(3); }
 
   void change(Random& random)
   {
@@ -45,17 +45,25 @@ protected:
     if (states.empty() || !(states.back() == present)) states.push_back(present);
     edit(present, random);
   }
-  bool stepBack()
+  bool stepBack() { return take(history.undo(present)); }
+  bool stepForward() { return take(history.redo(present)); }
+  bool take(const std::optional<AlignState>& state)
   {
-    const std::optional<AlignState> state = history.undo(present);
     if (state) present = *state;
     return state.has_value();
   }
-  bool stepForward()
+  // All the way, returning the number of steps; 1000 where there is no end.
+  int undoAll()
   {
-    const std::optional<AlignState> state = history.redo(present);
-    if (state) present = *state;
-    return state.has_value();
+    int steps = 0;
+    while (steps < 1000 && stepBack()) ++steps;
+    return steps;
+  }
+  int redoAll()
+  {
+    int steps = 0;
+    while (steps < 1000 && stepForward()) ++steps;
+    return steps;
   }
   void expectState(const AlignState& expected)
   {
@@ -71,7 +79,7 @@ protected:
 
 } // namespace
 
-TEST_F(History, TakesBackAndRedoesAnySequence)
+TEST_F(AlignHistoryTest, TakesBackAndRedoesAnySequence)
 {
   for (std::uint32_t seed = 1; seed <= 3000; ++seed) {
     SCOPED_TRACE(seed);
@@ -89,32 +97,28 @@ TEST_F(History, TakesBackAndRedoesAnySequence)
     expectState(end);
     EXPECT_FALSE(stepForward());
 
-    std::size_t steps = 0;
-    while (stepBack()) ++steps;
+    const auto steps = static_cast<std::size_t>(undoAll());
     // Saving an equal state at the limit costs the oldest one, so that there may be a few less.
-    EXPECT_LE(steps, std::min(states.size(), AlignHistory::limit));
+    ASSERT_LE(steps, std::min(states.size(), AlignHistory::limit));
     EXPECT_TRUE(steps == states.size() || states.size() > 90);
     expectState(states[states.size() - steps]);
-    while (stepForward()) --steps;
-    EXPECT_EQ(steps, 0U);
+    EXPECT_EQ(redoAll(), static_cast<int>(steps));
     expectState(end);
     if (HasFailure()) return;
   }
 }
 
-TEST_F(History, KeepsTheNewestHundred)
+TEST_F(AlignHistoryTest, KeepsTheNewestHundred)
 {
   for (int i = 0; i < 101; ++i) {
     present.slices[0].translationX = static_cast<float>(i);
     history.save(present);
   }
-  int steps = 0;
-  while (stepBack()) ++steps;
-  EXPECT_EQ(steps, 100);
+  EXPECT_EQ(undoAll(), 100);
   EXPECT_EQ(present.slices[0].translationX, 1.0f);
 }
 
-TEST_F(History, KeepsWhatCanBeRedoneWhenSomethingNewIsSaved)
+TEST_F(AlignHistoryTest, KeepsWhatCanBeRedoneWhenSomethingNewIsSaved)
 {
   history.save(present);
   history.save(present); // equal: one snapshot
@@ -133,7 +137,5 @@ TEST_F(History, KeepsWhatCanBeRedoneWhenSomethingNewIsSaved)
   history.save(present);
   present.side = -1;
   history.save(present);
-  int steps = 0;
-  while (stepBack()) ++steps;
-  EXPECT_EQ(steps, 3);
+  EXPECT_EQ(undoAll(), 3);
 }
