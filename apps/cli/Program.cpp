@@ -8,6 +8,7 @@
 #include "Failure.h"
 #include "HelpFormatter.h"
 #include "InfoCommand.h"
+#include "MethodsCommand.h"
 #include "PhantomCommand.h"
 #include "QualityCommand.h"
 #include "ResampleCommand.h"
@@ -47,6 +48,8 @@ std::vector<Entry> makeCommands()
   commands.push_back({"info", "Print what a volume file holds", std::make_unique<InfoCommand>()});
   commands.push_back({"transforms", "Print the alignment stored in a volume, or write it as a table",
                       std::make_unique<TransformsCommand>()});
+  commands.push_back(
+      {"methods", "List the automatic methods, plug-ins included", std::make_unique<MethodsCommand>()});
   commands.push_back(
       {"phantom", "Make a stack of slices with known displacement", std::make_unique<PhantomCommand>()});
   return commands;

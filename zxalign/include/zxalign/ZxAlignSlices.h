@@ -72,8 +72,9 @@ public:
   void lockDataMutex();
   void unlockDataMutex();
 
-  /// Runs the automatic method of an align mode on the current pair; 1 when there is such a method, else 0.
-  /// Without an input nothing is done.
+  /// Runs the automatic method of an align mode on the current pair; 1 when there is such a method, else 0. A
+  /// method that fails leaves a message and the transforms as they were, and counts as none. Without an input
+  /// nothing is done.
   int doLayout(int mode);
   /// Frames per second of ten repaints of the editor's slice view; 0 without an editor.
   float performanceTest();
@@ -150,6 +151,7 @@ public:
   std::string setSetting(const std::string& name, const std::string& value) override;
   std::string getSetting(const std::string& name) const override;
   std::vector<Method> methods() const override;
+  std::vector<ZxAlignPlugIn> plugIns() const override;
   int numSlices() const override;
   int referenceSlice() const override { return m_referenceSlice; }
   std::vector<ZxAlignTransform> transforms() const override;
@@ -184,7 +186,8 @@ private:
   bool hasEditableSlice() const noexcept;
   void showEditableSlice();
   void selectPair(const ZxAlignPair& pair);
-  ZxAlignPairResult alignPair(const ZxAlignPair& pair, int method);
+  /// False when the method failed.
+  bool alignPair(const ZxAlignPair& pair, int method, ZxAlignPairResult& result);
 
   std::unique_ptr<ZxAlignData> m_data;
   McHandle<ZxData> m_maskSource;        // keeps the mask that is in use alive
