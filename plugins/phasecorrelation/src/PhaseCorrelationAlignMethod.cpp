@@ -3,6 +3,7 @@
 #include "RigidSearch.h"
 #include "mc/McMath.h"
 #include "zx/ZxMessage.h"
+#include "zx/ZxWorkArea.h"
 #include "zxalign/ZxAlignSlices.h"
 #include "zxalign/ZxAutoAlignMethodFabrique.h"
 
@@ -23,6 +24,25 @@ SliceXForm placedOn(const SliceXForm& reference, const phasecorrelation::RigidMo
   return placed;
 }
 
+/// True when the user wants to stop. Handles pending events, so that a Stop button can be pressed.
+bool interrupted() { return ZxWorkArea::getTheWorkArea()->wasInterrupted(1); }
+
+/// The motion between the two slices of the pair, each mirrored as it is displayed.
+std::optional<phasecorrelation::RigidMotion> motionOfPair(ZxAlignSlices& module)
+{
+  const ZxDims& dims = module.getDataLattice()->getDims();
+  const SliceXForm& reference = module.getSlice(module.getReferenceSlice());
+  const SliceXForm& editable = module.getSlice(module.getEditableSlice());
+  const auto referencePicture = phasecorrelation::pictureOf(module.getComputedReferenceSlicePtr(), dims.width,
+                                                            dims.height, reference.flip);
+  const auto editablePicture = phasecorrelation::pictureOf(module.getComputedEditableSlicePtr(), dims.width,
+                                                           dims.height, editable.flip);
+  if (module.alignSettings().rotationAllowed)
+    return phasecorrelation::findMotion(referencePicture, editablePicture, &interrupted);
+  return phasecorrelation::findDisplacement(referencePicture, editablePicture,
+                                            static_cast<double>(editable.rotation - reference.rotation));
+}
+
 } // namespace
 
 const char* const PhaseCorrelationAlignMethod::methodName = "PhaseCorrelationAlignMethod";
@@ -34,27 +54,17 @@ ZxAutoAlignMethod* PhaseCorrelationAlignMethod::createMethod(ZxAlignSlices* modu
 
 int PhaseCorrelationAlignMethod::doLayout()
 {
-  const ZxLattice* lattice = m_module->getDataLattice();
-  if (!lattice) return 0;
+  if (!m_module->getDataLattice()) return 0;
   m_module->mapSlices();
-  const ZxDims& dims = lattice->getDims();
-  const SliceXForm reference = m_module->getSlice(m_module->getReferenceSlice());
-  const SliceXForm editable = m_module->getSlice(m_module->getEditableSlice());
-  const auto referencePicture = phasecorrelation::pictureOf(m_module->getComputedReferenceSlicePtr(),
-                                                            dims.width, dims.height, reference.flip);
-  const auto editablePicture = phasecorrelation::pictureOf(m_module->getComputedEditableSlicePtr(),
-                                                           dims.width, dims.height, editable.flip);
-  const auto motion =
-      m_module->alignSettings().rotationAllowed
-          ? phasecorrelation::findMotion(referencePicture, editablePicture)
-          : phasecorrelation::findDisplacement(referencePicture, editablePicture,
-                                               static_cast<double>(editable.rotation - reference.rotation));
+  const auto motion = motionOfPair(*m_module);
+  if (!motion && interrupted()) return 0;
   if (!motion) {
     ZxMessage::getTheMsg()->printf("Slices %d and %d have too little in common for a phase correlation.",
                                    m_module->getReferenceSlice(), m_module->getEditableSlice());
     return 0;
   }
-  const SliceXForm placed = placedOn(reference, *motion);
+  const SliceXForm editable = m_module->getSlice(m_module->getEditableSlice());
+  const SliceXForm placed = placedOn(m_module->getSlice(m_module->getReferenceSlice()), *motion);
   // The slices beyond the editable one follow, so both steps go through the module. The turn is about the
   // editable slice's centre and leaves its translation as it is.
   if (m_module->alignSettings().rotationAllowed) m_module->rotateAll(placed.rotation - editable.rotation);

@@ -189,14 +189,16 @@ std::vector<double> Comparison::candidateAngles() const
 double withinCircle(double degrees) { return degrees - 360.0 * std::ceil((degrees - 180.0) / 360.0); }
 
 /// The angle around a first one at which the peak is highest.
-double refinedAngle(const Comparison& comparison, double degrees)
+double refinedAngle(const Comparison& comparison, double degrees, const std::function<bool()>& stopped)
 {
   // A third of the angle that moves the rim of what the window leaves by a pixel, then a third of that.
   const double coarse = 128.0 / comparison.side();
   for (const double step : {coarse, coarse / 3.0}) {
     std::array<double, 7> heights;
-    for (std::size_t i = 0; i < heights.size(); ++i)
+    for (std::size_t i = 0; i < heights.size(); ++i) {
+      if (stopped()) return degrees;
       heights[i] = comparison.at(degrees + step * (static_cast<double>(i) - 3.0)).significance;
+    }
     const auto best =
         static_cast<std::size_t>(std::max_element(heights.begin() + 1, heights.end() - 1) - heights.begin());
     const double offset = topBetween(heights[best - 1], heights[best], heights[best + 1]).offset;
@@ -214,7 +216,8 @@ std::optional<RigidMotion> findDisplacement(const Picture& reference, const Pict
   return motion;
 }
 
-std::optional<RigidMotion> findMotion(const Picture& reference, const Picture& moved)
+std::optional<RigidMotion> findMotion(const Picture& reference, const Picture& moved,
+                                      const std::function<bool()>& stopped)
 {
   const Comparison comparison(reference, moved, kAngleSide);
   const Comparison small(reference, moved, kCandidateSide);
@@ -222,10 +225,13 @@ std::optional<RigidMotion> findMotion(const Picture& reference, const Picture& m
   for (const double angle : comparison.candidateAngles())
     // The magnitudes of a spectrum are the same after half a turn: the displacement tells.
     for (const double candidate : {angle, angle + 180.0}) {
+      if (stopped()) return std::nullopt;
       const RigidMotion motion = small.at(candidate);
       if (motion.significance > best.significance) best = motion;
     }
-  return findDisplacement(reference, moved, withinCircle(refinedAngle(comparison, best.degrees)));
+  const double degrees = withinCircle(refinedAngle(comparison, best.degrees, stopped));
+  if (stopped()) return std::nullopt;
+  return findDisplacement(reference, moved, degrees);
 }
 
 } // namespace phasecorrelation

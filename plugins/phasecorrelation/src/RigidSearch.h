@@ -2,6 +2,7 @@
 
 #include "Picture.h"
 
+#include <functional>
 #include <optional>
 
 namespace phasecorrelation {
@@ -19,7 +20,12 @@ struct RigidMotion {
 /// Finds the motion over the full circle, from the Fourier-Mellin transform: the magnitudes of the spectra do
 /// not see a displacement, and in polar coordinates a turn is one. Displacements reach up to half the
 /// picture; beyond a third too little is shared to rely on. Nothing where no peak stands out.
-std::optional<RigidMotion> findMotion(const Picture& reference, const Picture& moved);
+///
+/// stopped is asked between pieces of the work, some hundredths of a second apart; nothing is found after it
+/// has said yes.
+std::optional<RigidMotion> findMotion(
+    const Picture& reference, const Picture& moved,
+    const std::function<bool()>& stopped = [] { return false; });
 
 /// Finds the displacement alone, for a turn that is known.
 std::optional<RigidMotion> findDisplacement(const Picture& reference, const Picture& moved, double degrees);

@@ -92,6 +92,16 @@ TEST(RigidSearch, FindsNothingWhereNothingIsShared)
   EXPECT_FALSE(findMotion(picture(small), picture(small)));
 }
 
+TEST(RigidSearch, StopsWhenItIsAskedTo)
+{
+  const TestSlice slice = madeSlice(160, 150, 5);
+  for (const int last : {0, 5, 20}) {
+    int asked = 0;
+    EXPECT_FALSE(findMotion(picture(slice), picture(slice), [&] { return asked++ >= last; }));
+    EXPECT_LE(asked, last + 4);
+  }
+}
+
 TEST(Picture, MirroringAndReducingKeepTheCentreOfTheSlice)
 {
   const TestSlice slice = madeSlice(64, 51, 1);
