@@ -318,6 +318,20 @@ bool ZxAlignSlices::setTransforms(std::span<const ZxAlignTransform> transforms)
   return true;
 }
 
+bool ZxAlignSlices::setLandmarks(std::span<const std::vector<ZxAlignPoint>> landmarks)
+{
+  if (landmarks.size() != m_slices.size()) return false;
+  for (const std::vector<ZxAlignPoint>& points : landmarks)
+    if (points.size() != landmarks[0].size()) return false;
+  for (std::size_t i = 0; i < landmarks.size(); ++i) {
+    m_slices[i].landmarks.clear();
+    for (const ZxAlignPoint& p : landmarks[i]) m_slices[i].landmarks.append(QPoint(p.x, p.y));
+  }
+  m_modified = true;
+  updateViews();
+  return true;
+}
+
 void ZxAlignSlices::selectPair(const ZxAlignPair& pair)
 {
   m_editableSide = pair.side;

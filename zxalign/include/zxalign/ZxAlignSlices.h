@@ -171,6 +171,7 @@ public:
   int referenceSlice() const override { return m_referenceSlice; }
   std::vector<ZxAlignTransform> transforms() const override;
   bool setTransforms(std::span<const ZxAlignTransform> transforms) override;
+  bool setLandmarks(std::span<const std::vector<ZxAlignPoint>> landmarks) override;
   int alignAll(int method, int reference, const std::function<void(const ZxAlignPairResult&)>& done) override;
   double pairQuality(int lower) override;
   double maskedPairQuality(int lower) override;

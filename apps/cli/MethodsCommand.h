@@ -1,0 +1,15 @@
+#pragma once
+
+#include "Command.h"
+
+namespace cli {
+
+/// `zxalign methods`: lists the automatic methods in the order of registration: id, registered name and,
+/// where it has one, the short name.
+class MethodsCommand : public Command {
+public:
+  void declare(CLI::App& options) override;
+  void run(Console& console) override;
+};
+
+} // namespace cli
