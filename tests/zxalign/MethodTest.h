@@ -32,7 +32,7 @@ protected:
       }
       return c == 3 ? 17 + k : mc::roundHalfUp(sum / 9);
     });
-    connect(module->portData, field.get());
+    connect(module->portData, field);
   }
 
   void selectPair(int editable, int reference)

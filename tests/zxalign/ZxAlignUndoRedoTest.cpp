@@ -32,7 +32,7 @@ private:
 
 class ZxAlignUndoRedoTest : public ModuleTest {
 protected:
-  void SetUp() override { connect(module->portData, stack.get()); }
+  void SetUp() override { connect(module->portData, stack); }
   void giveEditor() { module->setEditor(std::make_unique<RecordingEditor>(*module, told)); }
   void selectPair(int editable, int side)
   {
@@ -64,14 +64,14 @@ TEST_F(ZxAlignUndoRedoTest, GivesBackSlicesLandmarksAndPair)
   EXPECT_EQ(module->getEditableSide(), -1);
   EXPECT_EQ(editableImage(), editable);
   EXPECT_EQ(referenceImage(), reference);
-  EXPECT_TRUE(sameXForm(module->getSlice(3), {1, 2, 3, true}));
-  EXPECT_TRUE(sameXForm(module->getSlice(4), {}));
+  EXPECT_TRUE(isAt(3, {1, 2, 3, true}));
+  EXPECT_TRUE(isAt(4, {}));
   EXPECT_EQ(module->getSlice(0).landmarks.size(), 2U);
 
   history.redo();
   EXPECT_EQ(module->getEditableSlice(), 4);
   EXPECT_EQ(module->getReferenceSlice(), 3);
-  EXPECT_TRUE(sameXForm(module->getSlice(4), {5, 6, 0, false}));
+  EXPECT_TRUE(isAt(4, {5, 6, 0, false}));
   ASSERT_EQ(module->getSlice(2).landmarks.size(), 3U);
   EXPECT_EQ(module->getSlice(2).landmarks[2], QPoint(7, 8));
 }
@@ -134,16 +134,16 @@ TEST_F(ZxAlignUndoRedoTest, RecordsRelativeChangesWhileTheEditorIsOpen)
   module->doIt(1);
   module->translateRelative(3, 4);
   module->rotateRelative(10);
-  EXPECT_TRUE(sameXForm(module->getSlice(2), {3, 4, 10, false}));
+  EXPECT_TRUE(isAt(2, {3, 4, 10, false}));
   module->undoRedo().undo();
-  EXPECT_TRUE(sameXForm(module->getSlice(2), {3, 4, 0, false}));
+  EXPECT_TRUE(isAt(2, {3, 4, 0, false}));
   module->undoRedo().undo();
-  EXPECT_TRUE(sameXForm(module->getSlice(2), {}));
+  EXPECT_TRUE(isAt(2, {}));
 
   // Snapshots of one input are of no use to another.
   module->undoRedo().redo();
   const McHandle<ZxField3> other = greyStack({6, 7, 3});
-  connect(module->portData, other.get());
+  connect(module->portData, other);
   module->undoRedo().undo();
   module->undoRedo().redo();
   EXPECT_EQ(module->getSlices().size(), 3U);

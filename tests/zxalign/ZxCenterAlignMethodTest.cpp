@@ -69,8 +69,8 @@ TEST_F(ZxCenterAlignMethodTest, CarriesTheSlicesBeyondAlongAndLeavesTheRest)
   align(kGravity);
   EXPECT_LT(distance(1, 2, kBlob, 25), 0.4);
   EXPECT_NEAR(distance(2, 3, kBlob, 25), apart, 1e-3);
-  EXPECT_TRUE(sameXForm(module->getSlice(0), {}));
-  EXPECT_TRUE(sameXForm(module->getSlice(1), {}));
+  EXPECT_TRUE(isAt(0, {}));
+  EXPECT_TRUE(isAt(1, {}));
   EXPECT_EQ(module->getSlice(2).landmarks, landmarks);
 }
 

@@ -169,9 +169,10 @@ TEST_F(ZxEdgeDetectionAlignMethodTest, RefusesWhatItCannotWorkWith)
     selectPair(1, 0);
     console.take();
     EXPECT_EQ(align(kEdges), 0) << reason;
-    ASSERT_EQ(console.lines.size(), 1U);
-    EXPECT_NE(console.lines[0].find(reason), std::string::npos) << console.lines[0];
-    EXPECT_TRUE(sameXForm(module->getSlice(1), {1, 2, 3, true}));
+    const Lines lines = console.take();
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_NE(lines[0].find(reason), std::string::npos) << lines[0];
+    EXPECT_TRUE(isAt(1, {1, 2, 3, true}));
     EXPECT_FALSE(field->isUnsaved());
   };
   const ZxAlignSettings defaults = module->alignSettings();
