@@ -3,6 +3,7 @@
 #include "AlignModule.h"
 #include "Console.h"
 #include "Failure.h"
+#include "LandmarkTable.h"
 #include "MethodNames.h"
 #include "OutputFiles.h"
 #include "Picture.h"
@@ -135,6 +136,11 @@ void AlignCommand::declareSearch(CLI::App& options)
                   "Start from the alignment stored in a volume, or from a table of the command transforms "
                   "(default: the alignment stored in the input, if there is one)")
       ->type_name("FILE");
+  options
+      .add_option("--landmarks", m_landmarks,
+                  "Landmarks for the method landmarks: a table slice,index,x,y in pixels that names every "
+                  "index on every slice (default: those stored in the input)")
+      ->type_name("FILE.csv");
 }
 
 void AlignCommand::declareOutputs(CLI::App& options)
@@ -171,7 +177,7 @@ void AlignCommand::check(const io::VolumeInfo& info) const
 void AlignCommand::announce(const io::VolumeInfo& info, OutputFiles& files) const
 {
   files.protect(m_input.paths(), OutputFiles::Input::Replaceable);
-  for (const std::string* path : {&m_mask, &m_startFrom, &m_truth})
+  for (const std::string* path : {&m_mask, &m_startFrom, &m_landmarks, &m_truth})
     if (!path->empty()) files.protect({*path}, OutputFiles::Input::Protected);
   if (m_resample.hasLabels()) files.protect({m_resample.labels()}, OutputFiles::Input::Replaceable);
 
@@ -193,6 +199,8 @@ void AlignCommand::connect(AlignModule& module, ZxField3& volume, const io::Volu
                        : "The alignment stored in " + m_input.name() + " is the start.");
   module.connectInput(volume);
   setStart(module, info);
+  if (!m_landmarks.empty())
+    module.control().setLandmarks(readLandmarkTable(m_landmarks, info.shape.dims.slices));
   if (!m_mask.empty()) {
     const WorkingPhase phase("Reading " + m_mask);
     const McHandle<ZxUniformLabelField3> mask = io::readLabels({m_mask});
@@ -277,6 +285,7 @@ std::vector<std::pair<std::string, std::string>> AlignCommand::effectiveOptions(
   options.emplace_back("mask", m_mask);
   options.emplace_back("labels", m_resample.labels());
   options.emplace_back("start-from", m_startFrom);
+  options.emplace_back("landmarks", m_landmarks);
   options.emplace_back("transforms-only", m_transformsOnly ? "on" : "off");
   return options;
 }
@@ -342,6 +351,10 @@ void AlignCommand::run(Console& console)
   connect(module, *volume, info, console);
   report.seconds.reading = reading.seconds();
   align(module, method, report, console);
+  if (volume->isUnsaved())
+    console.remark("The method has changed what is stored with " + m_input.name() +
+                   " (an alignment stored there is gone); the file itself stays as it is unless it is the "
+                   "output.");
   compareWithTruthTable(report);
 
   const Stopwatch resampling;

@@ -52,6 +52,7 @@ private:
   std::vector<std::string> m_window;
   std::string m_mask;
   std::string m_startFrom;
+  std::string m_landmarks;
   bool m_transformsOnly = false;
   std::string m_report;
   std::string m_picture;

@@ -1,11 +1,11 @@
 #include "TransformTable.h"
 
+#include "TableFile.h"
 #include "Text.h"
 #include "io/Error.h"
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 
 namespace cli {
@@ -13,30 +13,14 @@ namespace {
 
 constexpr std::string_view kHeader = "slice,tx,ty,angle_deg,flip";
 
-/// Far above any row of a table; a file that is no text is refused before it fills the memory.
-constexpr std::size_t kLongestLine = 1000;
-
-std::string reasonOf(int error) { return std::strerror(error); }
-
-/// Where a row of the file stands, for the sentence about it.
-struct Position {
-  const std::string& path;
-  int line;
-
-  [[noreturn]] void refuse(const std::string& reason) const
-  {
-    throw io::Error(path + ", line " + std::to_string(line) + ": " + reason + ".");
-  }
-};
-
-float parseField(std::string_view text, const char* name, const Position& where)
+float parseField(std::string_view text, const char* name, const TablePosition& where)
 {
   const std::optional<float> value = parseFloat(trimmed(text));
   if (!value) where.refuse("\"" + std::string(trimmed(text)) + "\" is no number for " + name);
   return *value;
 }
 
-ZxAlignTransform parseRow(std::string_view row, std::size_t slice, const Position& where)
+ZxAlignTransform parseRow(std::string_view row, std::size_t slice, const TablePosition& where)
 {
   const std::vector<std::string_view> fields = split(row, ',');
   if (fields.size() != 5)
@@ -48,28 +32,6 @@ ZxAlignTransform parseRow(std::string_view row, std::size_t slice, const Positio
   if (flip != "0" && flip != "1") where.refuse("flip is 0 or 1, not \"" + std::string(flip) + "\"");
   return {parseField(fields[1], "tx", where), parseField(fields[2], "ty", where),
           parseField(fields[3], "angle_deg", where), flip == "1"};
-}
-
-/// The next line, of a length within reason. False at the end of the file.
-bool nextLine(std::istream& in, std::string& line, const Position& where)
-{
-  line.clear();
-  for (int c; (c = in.get()) != std::istream::traits_type::eof();) {
-    if (c == '\n') return true;
-    if (c == '\0' || line.size() == kLongestLine) where.refuse("this is no table of transforms");
-    line += static_cast<char>(c);
-  }
-  if (in.bad()) throw io::Error(where.path + " could not be read: " + reasonOf(errno) + ".");
-  return !line.empty();
-}
-
-std::ifstream openTable(const std::string& path)
-{
-  std::error_code ignored;
-  if (std::filesystem::is_directory(path, ignored)) throw io::Error(path + " is a folder, not a table.");
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw io::Error(path + " could not be opened: " + reasonOf(errno) + ".");
-  return in;
 }
 
 } // namespace
@@ -99,26 +61,15 @@ void writeTransformTable(std::span<const ZxAlignTransform> transforms, int width
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
   out << transformTableText(transforms, width, height);
   out.close();
-  if (!out) throw io::Error(path + " could not be written: " + reasonOf(errno) + ".");
+  if (!out) throw io::Error(path + " could not be written: " + std::strerror(errno) + ".");
 }
 
 std::vector<ZxAlignTransform> readTransformTable(const std::string& path)
 {
-  std::ifstream in = openTable(path);
   std::vector<ZxAlignTransform> transforms;
-  bool headerSeen = false;
-  std::string line;
-  Position where{path, 1};
-  for (; nextLine(in, line, where); ++where.line) {
-    const std::string_view row = trimmed(line);
-    if (row.empty() || row.front() == '#') continue;
-    if (headerSeen)
-      transforms.push_back(parseRow(row, transforms.size(), where));
-    else if (row == kHeader)
-      headerSeen = true;
-    else
-      where.refuse("the header row " + std::string(kHeader) + " is expected");
-  }
+  readTable(path, kHeader, "transforms", [&](std::string_view row, const TablePosition& where) {
+    transforms.push_back(parseRow(row, transforms.size(), where));
+  });
   if (transforms.empty()) throw io::Error(path + " holds no transforms.");
   return transforms;
 }

@@ -91,8 +91,8 @@ TEST_F(Refusals, ArgumentsThatMakeNoSense)
 {
   const std::vector<std::string> align = {"align", "in.nrrd", "-o", "out.nrrd"};
   const std::pair<std::vector<std::string>, std::string> cases[] = {
-      {{"--method", "magic"}, "no method \"magic\"; available: least-squares (1)"},
-      {{"--method", "gravity"}, "available"},
+      {{"--method", "magic"},
+       "no method \"magic\"; available: gravity (0), least-squares (1), landmarks (2), edges (3)"},
       {{"--set", "speed=9"}, "speed"},
       {{"--set", "iterations"}, "NAME=VALUE"},
       {{"--iterations", "-3"}, "iterations"},

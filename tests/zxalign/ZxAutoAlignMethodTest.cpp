@@ -70,9 +70,13 @@ TEST_F(ZxAutoAlignMethodTest, AreRegisteredByNameAndNumber)
   EXPECT_NE(dynamic_cast<Probe<0>*>(made("Probe").get()), nullptr); // the first wins
   EXPECT_NE(dynamic_cast<Probe<0>*>(made(4).get()), nullptr);
   EXPECT_NE(dynamic_cast<Probe<1>*>(made(5).get()), nullptr);
-  ASSERT_EQ(module->methods().size(), 3U);
-  EXPECT_EQ(module->methods()[0].id, 1);
-  EXPECT_EQ(module->methods()[2].name, "Probe");
+  const std::vector<ZxAlignControl::Method> all = module->methods();
+  ASSERT_EQ(all.size(), 6U);
+  for (int id = 0; id < 6; ++id) EXPECT_EQ(all[static_cast<std::size_t>(id)].id, id);
+  EXPECT_EQ(all[0].name, "CenterAlignMethod");
+  EXPECT_EQ(all[2].name, "LandmarkAlignMethod");
+  EXPECT_EQ(all[3].name, "EdgeDetectionAlignMethod");
+  EXPECT_EQ(all[5].name, "Probe");
   connect(module->portData, greyStack({4, 4, 2}));
   EXPECT_EQ(module->doLayout(4), 1);
   EXPECT_EQ(module->doLayout(99), 0);

@@ -77,6 +77,8 @@ void readLandmarks(const ZxParamBundle& bundle, SliceInfo& slice, Scale scale)
 
 } // namespace
 
+std::string sliceName(std::size_t slice) { return numbered("slice", slice); }
+
 bool writeTransforms(ZxParamBundle& target, const McDArray<SliceInfo>& slices, const ZxDims& dims)
 {
   ZxParamBundle* bundle = target.getBundle(transformBundle);
@@ -84,7 +86,7 @@ bool writeTransforms(ZxParamBundle& target, const McDArray<SliceInfo>& slices, c
   bundle->removeAll();
   for (std::size_t i = 0; i < slices.size(); ++i) {
     const SliceInfo& s = slices[i];
-    bundle->setReals(numbered("slice", i),
+    bundle->setReals(sliceName(i),
                      {s.translationX, -static_cast<double>(s.translationY), s.rotation, s.flip ? 1.0 : -1.0});
   }
   bundle->setNums("ImageSize", {dims.width, dims.height});
@@ -97,7 +99,7 @@ bool writePoints(ZxParamBundle& target, const McDArray<SliceInfo>& slices)
   if (!bundle) return false;
   bundle->removeAll();
   for (std::size_t i = 0; i < slices.size(); ++i) {
-    ZxParamBundle* points = bundle->getBundle(numbered("slice", i));
+    ZxParamBundle* points = bundle->getBundle(sliceName(i));
     for (std::size_t k = 0; k < slices[i].landmarks.size(); ++k)
       points->setNums(numbered("point", k), {slices[i].landmarks[k].x(), slices[i].landmarks[k].y()});
   }
@@ -111,7 +113,7 @@ bool readTransforms(const ZxParamBundle& source, McDArray<SliceInfo>& slices, co
   if (!bundle) return false;
   const Scale scale = scaleFrom(bundle, dims);
   for (std::size_t i = 0; i < slices.size(); ++i) {
-    const std::string name = numbered("slice", i);
+    const std::string name = sliceName(i);
     if (missing == Missing::PassOver)
       readFour(*bundle, name, slices[i], scale);
     else if (!readFiveFourOrThree(*bundle, name, slices[i], scale))
@@ -127,7 +129,7 @@ bool readPoints(const ZxParamBundle& source, McDArray<SliceInfo>& slices, const 
   if (!bundle) return false;
   const Scale scale = scaleFrom(source.findBundle(sizeBundle), dims);
   for (std::size_t i = 0; i < slices.size(); ++i) {
-    if (const ZxParamBundle* points = bundle->findBundle(numbered("slice", i)))
+    if (const ZxParamBundle* points = bundle->findBundle(sliceName(i)))
       readLandmarks(*points, slices[i], scale);
     else if (missing == Missing::Tell)
       ZxMessage::getTheMsg()->printf("No landmarks for slice %d", static_cast<int>(i));

@@ -5,6 +5,8 @@
 #include "zx/ZxParamBundle.h"
 #include "zxalign/SliceInfo.h"
 
+#include <string>
+
 /// The stored form of an alignment in the parameters of a volume.
 ///
 /// Bundle "AlignTransform": per slice "slice%04d" = translation x, translation y upwards, rotation in
@@ -27,6 +29,9 @@ bool readTransforms(const ZxParamBundle& source, McDArray<SliceInfo>& slices, co
 /// Reads landmarks, scaled by the "ImageSize" of the named bundle; false without landmarks.
 bool readPoints(const ZxParamBundle& source, McDArray<SliceInfo>& slices, const ZxDims& dims,
                 const char* sizeBundle, Missing missing);
+
+/// The name of a slice's entry in either bundle: "slice0007".
+std::string sliceName(std::size_t slice);
 
 inline constexpr const char* transformBundle = "AlignTransform";
 inline constexpr const char* pointBundle = "AlignPoints";

@@ -103,11 +103,13 @@ bool ZxAlignSlices::computeData()
 void ZxAlignSlices::rejectInput()
 {
   portData.disconnect();
+  m_undoRedo.clear();
   m_data->reset();
 }
 
 bool ZxAlignSlices::acceptInput(ZxSpatialData* data, ZxLattice* lattice)
 {
+  m_undoRedo.clear(); // its snapshots are of other slices
   if (!m_data->init(data, lattice)) return false;
   if (lattice->isColor()) {
     setUseMaxIntProjection(false);
@@ -254,6 +256,8 @@ void ZxAlignSlices::doIt(int activate)
   ZxWorkArea::getTheWorkArea()->processPendingEvents();
 }
 
+void ZxAlignSlices::setEditor(std::unique_ptr<ZxAlignEditor> editor) { m_editor = std::move(editor); }
+
 void ZxAlignSlices::setSlice(int slice)
 {
   m_editableSlice = slice;
@@ -264,6 +268,22 @@ void ZxAlignSlices::setReferenceSlice(int slice)
 {
   m_referenceSlice = slice;
   m_data->setReferenceSlice(slice);
+}
+
+void ZxAlignSlices::restoreState(const AlignState& state)
+{
+  if (m_editor) m_editor->suspendUpdates();
+  m_slices = state.slices;
+  m_editableSide = state.side;
+  setReferenceSlice(state.currentSlice - state.side);
+  setSlice(state.currentSlice);
+  if (m_useMaxIntProjection) mapSlices(); // projections are made with the transforms
+  m_modified = true;
+  if (m_editor) {
+    m_editor->showPair();
+    m_editor->resumeUpdates();
+  }
+  updateQuality();
 }
 
 void ZxAlignSlices::mapSlices() { m_data->mapSlices(); }

@@ -120,7 +120,7 @@ void ZxAlignSlices::rotate(float angle, bool all)
 void ZxAlignSlices::translateRelative(float dx, float dy)
 {
   if (!m_editor || !m_editorOpen) return;
-  m_editor->saveUndoState();
+  m_undoRedo.saveState();
   translateAll(dx, dy);
   m_modified = true;
   updateQuality();
@@ -129,7 +129,7 @@ void ZxAlignSlices::translateRelative(float dx, float dy)
 void ZxAlignSlices::rotateRelative(float angle)
 {
   if (!m_editor || !m_editorOpen) return;
-  m_editor->saveUndoState();
+  m_undoRedo.saveState();
   rotateAll(angle);
   m_modified = true;
   updateQuality();
@@ -251,14 +251,19 @@ float ZxAlignSlices::computeQuality(const unsigned char* image0, const unsigned 
 
 float ZxAlignSlices::computeQuality()
 {
+  const int n = static_cast<int>(m_slices.size());
+  return m_editableSlice >= 0 && m_editableSlice < n ? computeQuality(getSlice(m_editableSlice)) : 0.0f;
+}
+
+float ZxAlignSlices::computeQuality(const SliceXForm& editable)
+{
   const ZxDims& dims = m_data->getDims();
   const int n = static_cast<int>(m_slices.size());
-  const auto inside = [n](int slice) { return slice >= 0 && slice < n; };
-  if (!m_data->getLattice() || !inside(m_referenceSlice) || !inside(m_editableSlice)) return 0.0f;
+  if (!m_data->getLattice() || m_referenceSlice < 0 || m_referenceSlice >= n) return 0.0f;
   const bool colour = m_data->isColorField();
   return computeQuality(colour ? m_data->getReferenceColorPtr() : m_data->getReferenceSlicePtr(),
                         colour ? m_data->getEditableColorPtr() : m_data->getEditableSlicePtr(), dims.width,
-                        dims.height, colour ? 4 : 1, getSlice(m_referenceSlice), getSlice(m_editableSlice));
+                        dims.height, colour ? 4 : 1, getSlice(m_referenceSlice), editable);
 }
 
 void ZxAlignSlices::updateQuality()
@@ -309,6 +314,20 @@ bool ZxAlignSlices::setTransforms(std::span<const ZxAlignTransform> transforms)
   for (std::size_t i = 0; i < transforms.size(); ++i) {
     const ZxAlignTransform& t = transforms[i];
     m_slices[i].setXForm(SliceXForm(t.tx, t.ty, t.angleDegrees, t.flip));
+  }
+  m_modified = true;
+  updateViews();
+  return true;
+}
+
+bool ZxAlignSlices::setLandmarks(std::span<const std::vector<ZxAlignPoint>> landmarks)
+{
+  if (landmarks.size() != m_slices.size()) return false;
+  for (const std::vector<ZxAlignPoint>& points : landmarks)
+    if (points.size() != landmarks[0].size()) return false;
+  for (std::size_t i = 0; i < landmarks.size(); ++i) {
+    m_slices[i].landmarks.clear();
+    for (const ZxAlignPoint& p : landmarks[i]) m_slices[i].landmarks.append(QPoint(p.x, p.y));
   }
   m_modified = true;
   updateViews();

@@ -1,42 +1,14 @@
 #include "zxalign/ZxAutoAlignMethod.h"
 
+#include "kernels/Moments.h"
 #include "mc/McMath.h"
 #include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignSlices.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 
 namespace {
-
-/// Sums of v, x v, y v, x^2 v, x y v and y^2 v over an image.
-struct Moments {
-  double m00 = 0, m10 = 0, m01 = 0, m20 = 0, m11 = 0, m02 = 0;
-};
-
-Moments momentsOf(const unsigned char* image, int width, int height)
-{
-  Moments m;
-  for (std::int64_t y = 0; y < height; ++y) {
-    std::int64_t v0 = 0, v1 = 0, v2 = 0; // of one row: below 2^8 * 65535^3 / 3
-    for (std::int64_t x = 0; x < width; ++x) {
-      const std::int64_t v = *image++;
-      v0 += v;
-      v1 += x * v;
-      v2 += x * x * v;
-    }
-    const auto row = static_cast<double>(y);
-    m.m00 += static_cast<double>(v0);
-    m.m10 += static_cast<double>(v1);
-    m.m20 += static_cast<double>(v2);
-    m.m01 += row * static_cast<double>(v0);
-    m.m11 += row * static_cast<double>(v1);
-    m.m02 += row * row * static_cast<double>(v0);
-  }
-  if (m.m00 == 0.0) m.m00 = 1.0;
-  return m;
-}
 
 struct Direction {
   double x, y;
@@ -62,7 +34,8 @@ void ZxAutoAlignMethod::computeCenterAndOrientation(const unsigned char* image, 
                                                     int flipped) const
 {
   const ZxDims& dims = m_module->sliceData().getDims();
-  const Moments m = momentsOf(image, dims.width, dims.height);
+  kernels::Moments m = kernels::momentsOf(image, dims.width, dims.height);
+  if (m.m00 == 0.0) m.m00 = 1.0;
   const double cx = m.m10 / m.m00;
   const double cy = m.m01 / m.m00;
   const double a20 = (m.m20 - 2.0 * cx * m.m10 + cx * cx * m.m00) / m.m00;

@@ -1,6 +1,9 @@
 #include "zxalign/ZxAutoAlignMethodFabrique.h"
 
 #include "Guarded.h"
+#include "ZxCenterAlignMethod.h"
+#include "ZxEdgeDetectionAlignMethod.h"
+#include "ZxLandmarkAlignMethod.h"
 #include "ZxOptimizeAlignMethod.h"
 #include "zx/ZxDSO.h"
 #include "zx/ZxInterpreter.h"
@@ -18,7 +21,10 @@ ZxAutoAlignMethodFabrique::ZxAutoAlignMethodFabrique() { registerAutoAlignMethod
 
 void ZxAutoAlignMethodFabrique::registerAutoAlignMethod()
 {
+  m_methods.append({ZxCenterAlignMethod::methodName, &ZxCenterAlignMethod::createMethod, 0});
   m_methods.append({ZxOptimizeAlignMethod::methodName, &ZxOptimizeAlignMethod::createMethod, 1});
+  m_methods.append({ZxLandmarkAlignMethod::methodName, &ZxLandmarkAlignMethod::createMethod, 2});
+  m_methods.append({ZxEdgeDetectionAlignMethod::methodName, &ZxEdgeDetectionAlignMethod::createMethod, 3});
   loadPlugIns();
 }
 
@@ -65,14 +71,7 @@ std::string ZxAutoAlignMethodFabrique::loadPlugIn(const std::string& symbol, con
   return "its entry " + symbol + " failed: " + problem;
 }
 
-int ZxAutoAlignMethodFabrique::getNextIdNumber() const noexcept
-{
-  // Numbers up to 3 belong to the built-in methods.
-  constexpr int firstFree = 4;
-  const auto plugIns =
-      std::count_if(m_methods.begin(), m_methods.end(), [](const auto& m) { return m.id >= firstFree; });
-  return firstFree + static_cast<int>(plugIns);
-}
+int ZxAutoAlignMethodFabrique::getNextIdNumber() const noexcept { return static_cast<int>(m_methods.size()); }
 
 void ZxAutoAlignMethodFabrique::registerAutoAlignMethodPlugIn(const char* name, CreateFunction create)
 {

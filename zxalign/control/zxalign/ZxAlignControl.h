@@ -22,6 +22,13 @@ struct ZxAlignTransform {
   friend bool operator==(const ZxAlignTransform&, const ZxAlignTransform&) = default;
 };
 
+/// A landmark: pixels of the unflipped slice, x to the right, y downwards.
+struct ZxAlignPoint {
+  int x = 0;
+  int y = 0;
+  friend bool operator==(const ZxAlignPoint&, const ZxAlignPoint&) = default;
+};
+
 /// Two neighbouring slices, one of which is moved. side is +1 when the editable slice is the upper one (the
 /// higher index), -1 when it is the lower one; the reference slice is editable - side.
 struct ZxAlignPair {
@@ -88,6 +95,9 @@ public:
   virtual std::vector<ZxAlignTransform> transforms() const = 0;
   /// Sets the transforms of all slices; landmarks stay. False when there are not as many as slices.
   virtual bool setTransforms(std::span<const ZxAlignTransform> transforms) = 0;
+  /// Replaces the landmarks of all slices, one list a slice; landmark k marks the same structure on each.
+  /// False, and nothing changes, when there are not as many lists as slices or they differ in length.
+  virtual bool setLandmarks(std::span<const std::vector<ZxAlignPoint>> landmarks) = 0;
 
   /// Aligns every slice to its neighbour with a method, from the reference slice upwards and then downwards.
   /// Calls done after each pair. Reports progress and stops when the work area is interrupted, or, after a

@@ -1,5 +1,6 @@
 #pragma once
 
+class ZxAlignSlices;
 struct SliceInfo;
 
 /// What the module asks of its editor window. The window implements it; the module works without one.
@@ -18,8 +19,20 @@ public:
   virtual void setActive(bool active) = 0;
   /// Closes the window after asking what to do with unsaved changes; false when it stays open.
   virtual bool cancel() = 0;
-  /// Records the present state so that the next change can be taken back.
-  virtual void saveUndoState() = 0;
   /// Repaints the slice view at once.
   virtual void repaintSliceView() = 0;
+
+  /// The module that the window edits.
+  virtual ZxAlignSlices& module() = 0;
+  /// Between them the slice view shows nothing of what changes; the calls nest. The last repaints it.
+  virtual void suspendUpdates() = 0;
+  virtual void resumeUpdates() = 0;
+  /// Takes up the module's present pair: editable and reference slice and the editable side.
+  virtual void showPair() = 0;
+
+  // What the menu bar shows as possible.
+  virtual void undoEmpty() = 0;
+  virtual void undoNotEmpty() = 0;
+  virtual void redoEmpty() = 0;
+  virtual void redoNotEmpty() = 0;
 };

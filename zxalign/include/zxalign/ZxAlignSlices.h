@@ -3,9 +3,11 @@
 #include "mc/McDArray.h"
 #include "zx/ZxField3.h"
 #include "zx/ZxModule.h"
+#include "zxalign/AlignHistory.h"
 #include "zxalign/SliceInfo.h"
 #include "zxalign/ZxAlignControl.h"
 #include "zxalign/ZxAlignSettings.h"
+#include "zxalign/ZxAlignUndoRedo.h"
 
 #include <QPoint>
 #include <QTransform>
@@ -76,6 +78,20 @@ public:
   /// method that fails leaves a message and the transforms as they were, and counts as none. Without an input
   /// nothing is done.
   int doLayout(int mode);
+  /// The editor window, or null. A module takes it over once, before it is opened for the first time.
+  ZxAlignEditor* editor() const noexcept { return m_editor.get(); }
+  void setEditor(std::unique_ptr<ZxAlignEditor> editor);
+
+  // History. A snapshot holds all slice records and the pair that is being edited.
+  ZxAlignUndoRedo& undoRedo() noexcept { return m_undoRedo; }
+  /// The snapshots themselves, one history for the module's and the editor's undo and redo. Forgotten when
+  /// the input changes.
+  AlignHistory& history() noexcept { return m_history; }
+  AlignState currentState() const { return {m_slices, m_editableSlice, m_editableSide}; }
+  /// Gives back slices, editable side, editable slice and the reference slice beside it. References into the
+  /// slices become invalid.
+  void restoreState(const AlignState& state);
+
   /// Frames per second of ten repaints of the editor's slice view; 0 without an editor.
   float performanceTest();
 
@@ -141,8 +157,9 @@ public:
   /// Quality (0 to 1) of two images of one size under two transforms; channels 1 or 4.
   float computeQuality(const unsigned char* image0, const unsigned char* image1, int width, int height,
                        int channels, const SliceXForm& xform0, const SliceXForm& xform1) const;
-  /// Quality of the current pair.
+  /// Quality of the current pair, or what it would be with another transform of the editable slice.
   float computeQuality();
+  float computeQuality(const SliceXForm& editable);
   /// Shows the quality of the current pair in the status line, unless the work area is busy.
   void updateQuality();
 
@@ -156,6 +173,7 @@ public:
   int referenceSlice() const override { return m_referenceSlice; }
   std::vector<ZxAlignTransform> transforms() const override;
   bool setTransforms(std::span<const ZxAlignTransform> transforms) override;
+  bool setLandmarks(std::span<const std::vector<ZxAlignPoint>> landmarks) override;
   int alignAll(int method, int reference, const std::function<void(const ZxAlignPairResult&)>& done) override;
   double pairQuality(int lower) override;
   double maskedPairQuality(int lower) override;
@@ -206,4 +224,6 @@ private:
   int m_editableThickness = 10;
   bool m_editorOpen = false;
   ZxAlignSettings m_settings;
+  AlignHistory m_history;
+  ZxAlignUndoRedo m_undoRedo{this};
 };
