@@ -100,6 +100,7 @@ void AlignCommand::declareSearch(CLI::App& options)
       .add_option("--method", m_method,
                   "Automatic method: short name, registered name or id (default: least-squares)")
       ->type_name("METHOD");
+  m_plugIns.declare(options);
   options
       .add_option("--set", m_settings, "Change a setting of the module, see the list below; can be repeated")
       ->expected(1)
@@ -330,7 +331,7 @@ void AlignCommand::write(AlignModule& module, ZxField3& volume, AlignReport& rep
 
 void AlignCommand::run(Console& console)
 {
-  AlignModule module(console);
+  AlignModule module(console, m_plugIns);
   const int method = findMethod(module.control(), m_method);
   const io::VolumeInfo info = m_input.info();
   OutputFiles files;

@@ -3,6 +3,7 @@
 #include "AlignReport.h"
 #include "Command.h"
 #include "InputOptions.h"
+#include "PlugInOptions.h"
 #include "ResampleOptions.h"
 
 #include <string>
@@ -40,6 +41,7 @@ private:
   std::vector<std::pair<std::string, std::string>> effectiveOptions(AlignModule& module) const;
 
   InputOptions m_input;
+  PlugInOptions m_plugIns;
   ResampleOptions m_resample;
   std::string m_output;
   std::string m_method = "least-squares";

@@ -8,14 +8,19 @@
 
 namespace cli {
 
-AlignModule::AlignModule(Console& console) : m_console(console)
+AlignModule::AlignModule(Console& console, const PlugInOptions& plugIns) : m_console(console)
 {
   const std::string problem = ZxPackage::load("zxalign");
   if (!problem.empty()) throw Failure(problem);
+  plugIns.announce();
   m_module =
       McHandle<ZxCompModule>(dynamic_cast<ZxCompModule*>(ZxObjectPool::getThePool().create("ZxAlignSlices")));
   m_control = dynamic_cast<ZxAlignControl*>(m_module.get());
   if (!m_control) throw Failure("The package zxalign does not have the module ZxAlignSlices.");
+  for (const ZxAlignPlugIn& plugIn : m_control->plugIns())
+    if (!plugIn.problem.empty())
+      m_console.remark("The plug-in " + plugIn.name + " was not loaded: " + plugIn.problem + ".");
+  m_console.remarks();
 }
 
 AlignModule::~AlignModule()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PlugInOptions.h"
 #include "zx/ZxField3.h"
 #include "zx/ZxModule.h"
 #include "zxalign/ZxAlignControl.h"
@@ -16,7 +17,9 @@ enum class Interpolation { Nearest, Linear };
 /// what the module says about a refusal into a Failure.
 class AlignModule {
 public:
-  explicit AlignModule(Console& console);
+  /// With the methods of the plug-ins that are installed beside the package, and of those asked for. Shows
+  /// which of them were not loaded.
+  explicit AlignModule(Console& console, const PlugInOptions& plugIns = {});
   ~AlignModule();
   AlignModule(const AlignModule&) = delete;
   AlignModule& operator=(const AlignModule&) = delete;

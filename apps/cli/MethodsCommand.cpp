@@ -12,18 +12,21 @@ namespace cli {
 
 void MethodsCommand::declare(CLI::App& options)
 {
+  m_plugIns.declare(options);
   options.footer("Each line holds the id, the registered name and the short name, where there is one. "
                  "zxalign align --method takes any of the three.");
 }
 
 void MethodsCommand::run(Console& console)
 {
-  AlignModule module(console);
+  AlignModule module(console, m_plugIns);
   const std::vector<ZxAlignControl::Method> methods = module.control().methods();
-  std::size_t width = 0;
-  for (const ZxAlignControl::Method& method : methods) width = std::max(width, method.name.size());
+  const auto shortNameOf = [&](const auto& method) { return methodName(module.control(), method.id); };
+  std::size_t width = 0; // of the names that have something beside them
+  for (const ZxAlignControl::Method& method : methods)
+    if (shortNameOf(method) != method.name) width = std::max(width, method.name.size());
   for (const ZxAlignControl::Method& method : methods) {
-    const std::string shortName = methodName(module.control(), method.id);
+    const std::string shortName = shortNameOf(method);
     std::string line = std::to_string(method.id) + " " + method.name;
     if (shortName != method.name) line += std::string(width - method.name.size() + 1, ' ') + shortName;
     console.result(line);

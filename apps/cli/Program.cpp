@@ -50,6 +50,8 @@ std::vector<Entry> makeCommands()
   commands.push_back({"transforms", "Print the alignment stored in a volume, or write it as a table",
                       std::make_unique<TransformsCommand>()});
   commands.push_back(
+      {"methods", "List the automatic methods, plug-ins included", std::make_unique<MethodsCommand>()});
+  commands.push_back(
       {"phantom", "Make a stack of slices with known displacement", std::make_unique<PhantomCommand>()});
   return commands;
 }

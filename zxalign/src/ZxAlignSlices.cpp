@@ -1,5 +1,6 @@
 #include "zxalign/ZxAlignSlices.h"
 
+#include "Guarded.h"
 #include "ZxAlignResampler.h"
 #include "mc/McMath.h"
 #include "mc/McRound.h"
@@ -324,8 +325,13 @@ int ZxAlignSlices::doLayout(int mode)
   if (!m_data->getLattice()) return 0;
   const std::unique_ptr<ZxAutoAlignMethod> method(m_methods->createAutoAlignMethod(this, mode));
   if (!method) return 0;
-  method->doLayout();
-  return 1;
+  const McDArray<SliceInfo> before = m_slices;
+  const std::string problem = guarded([&] { method->doLayout(); });
+  if (problem.empty()) return 1;
+  m_slices = before;
+  showEditableSlice();
+  ZxMessage::getTheMsg()->printf("The automatic method %d failed: %s.", mode, problem.c_str());
+  return 0;
 }
 
 float ZxAlignSlices::performanceTest()

@@ -297,6 +297,8 @@ std::vector<ZxAlignControl::Method> ZxAlignSlices::methods() const
   return all;
 }
 
+std::vector<ZxAlignPlugIn> ZxAlignSlices::plugIns() const { return m_methods->getPlugIns(); }
+
 int ZxAlignSlices::numSlices() const { return m_data->getLattice() ? m_data->getDims().slices : 0; }
 
 std::vector<ZxAlignTransform> ZxAlignSlices::transforms() const
@@ -339,21 +341,20 @@ void ZxAlignSlices::selectPair(const ZxAlignPair& pair)
   setSlice(pair.editable);
 }
 
-ZxAlignPairResult ZxAlignSlices::alignPair(const ZxAlignPair& pair, int method)
+bool ZxAlignSlices::alignPair(const ZxAlignPair& pair, int method, ZxAlignPairResult& result)
 {
   using Clock = std::chrono::steady_clock;
   const Clock::time_point start = Clock::now();
   selectPair(pair);
-  ZxAlignPairResult result;
   result.pair = pair;
   result.qualityBefore = static_cast<double>(computeQuality());
   const ZxAlignTransform before = toControl(getSlice(pair.editable));
-  doLayout(method);
+  if (!doLayout(method)) return false;
   result.transform = toControl(getSlice(pair.editable));
   result.changed = !(result.transform == before);
   result.qualityAfter = static_cast<double>(computeQuality());
   result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
-  return result;
+  return true;
 }
 
 int ZxAlignSlices::alignAll(int method, int reference,
@@ -368,8 +369,8 @@ int ZxAlignSlices::alignAll(int method, int reference,
   for (const ZxAlignPair& pair : pairs) {
     workArea->setProgressText("Aligning slice %d with %d", pair.editable, pair.reference);
     workArea->setProgressFraction((static_cast<float>(count) + 0.5f) / static_cast<float>(pairs.size()));
-    const ZxAlignPairResult result = alignPair(pair, method);
-    if (workArea->wasInterrupted(1)) break;
+    ZxAlignPairResult result;
+    if (!alignPair(pair, method, result) || workArea->wasInterrupted(1)) break;
     if (done) done(result);
     ++count;
   }

@@ -1,9 +1,13 @@
 #include "zxalign/ZxAutoAlignMethodFabrique.h"
 
+#include "Guarded.h"
 #include "ZxCenterAlignMethod.h"
 #include "ZxEdgeDetectionAlignMethod.h"
 #include "ZxLandmarkAlignMethod.h"
 #include "ZxOptimizeAlignMethod.h"
+#include "zx/ZxDSO.h"
+#include "zx/ZxInterpreter.h"
+#include "zx/ZxMessage.h"
 
 #include <algorithm>
 
@@ -21,6 +25,50 @@ void ZxAutoAlignMethodFabrique::registerAutoAlignMethod()
   m_methods.append({ZxOptimizeAlignMethod::methodName, &ZxOptimizeAlignMethod::createMethod, 1});
   m_methods.append({ZxLandmarkAlignMethod::methodName, &ZxLandmarkAlignMethod::createMethod, 2});
   m_methods.append({ZxEdgeDetectionAlignMethod::methodName, &ZxEdgeDetectionAlignMethod::createMethod, 3});
+  loadPlugIns();
+}
+
+void ZxAutoAlignMethodFabrique::loadPlugIns()
+{
+  const char* list = ZxInterpreter::getTheInterpreter().getVar(kZxAlignPlugInVariable);
+  if (!list) return;
+  const auto wanted = ZxInterpreter::splitList(list);
+  if (!wanted) {
+    m_plugIns.push_back({list, "the list of plug-ins is no well-formed list"});
+    return;
+  }
+  bool ended = false;
+  for (const std::string& entry : *wanted) {
+    const auto items = ZxInterpreter::splitList(entry.c_str());
+    const bool complete = items && items->size() == 3;
+    ZxAlignPlugIn plugIn{complete ? items->front() : entry, {}};
+    if (ended)
+      plugIn.problem = "one before it in the list could not be used";
+    else
+      plugIn.problem = complete ? loadPlugIn((*items)[1], (*items)[2])
+                                : "its entry does not have three items: name, symbol and library";
+    ended = ended || !plugIn.problem.empty();
+    m_plugIns.push_back(std::move(plugIn));
+  }
+}
+
+std::string ZxAutoAlignMethodFabrique::loadPlugIn(const std::string& symbol, const std::string& library)
+{
+  ZxDSO object;
+  if (object.open(library.c_str(), ZxDSO::Symbols::Local) != 0) return object.getError();
+  const void* number = object.getSymbol("zxalign_plugin_interface");
+  if (!number) return "the library " + library + " does not say which plug-in interface it was built for";
+  const int built = *static_cast<const int*>(number);
+  if (built != kZxAlignPlugInInterface)
+    return "the library " + library + " was built for the plug-in interface " + std::to_string(built) +
+           " and this is " + std::to_string(kZxAlignPlugInInterface);
+  const auto entry = reinterpret_cast<ZxAlignPlugInEntry>(object.getSymbol(symbol.c_str()));
+  if (!entry) return "the library " + library + " lacks the symbol " + symbol;
+  const std::size_t before = m_methods.size();
+  const std::string problem = guarded([&] { entry(this); });
+  if (problem.empty()) return {};
+  m_methods.resize(before); // A plug-in that failed half-way offers nothing.
+  return "its entry " + symbol + " failed: " + problem;
 }
 
 int ZxAutoAlignMethodFabrique::getNextIdNumber() const noexcept { return static_cast<int>(m_methods.size()); }
@@ -35,13 +83,23 @@ ZxAutoAlignMethod* ZxAutoAlignMethodFabrique::createAutoAlignMethod(ZxAlignSlice
 {
   const auto it =
       std::find_if(m_methods.begin(), m_methods.end(), [&](const auto& m) { return m.name == name; });
-  return it == m_methods.end() ? nullptr : it->create(module);
+  return it == m_methods.end() ? nullptr : make(*it, module);
 }
 
 ZxAutoAlignMethod* ZxAutoAlignMethodFabrique::createAutoAlignMethod(ZxAlignSlices* module, int id) const
 {
   const auto it = std::find_if(m_methods.begin(), m_methods.end(), [&](const auto& m) { return m.id == id; });
-  return it == m_methods.end() ? nullptr : it->create(module);
+  return it == m_methods.end() ? nullptr : make(*it, module);
+}
+
+ZxAutoAlignMethod* ZxAutoAlignMethodFabrique::make(const ZxAutoAlignMethodID& method, ZxAlignSlices* module)
+{
+  ZxAutoAlignMethod* made = nullptr;
+  const std::string problem = guarded([&] { made = method.create(module); });
+  if (!problem.empty())
+    ZxMessage::getTheMsg()->printf("The automatic method %s could not be made: %s.", method.name.getString(),
+                                   problem.c_str());
+  return made;
 }
 
 void ZxAutoAlignMethodFabrique::getAutoAlignMethods(McDArray<int>& ids, McDArray<McString>& names) const

@@ -5,12 +5,12 @@
 ZxDSO::ZxDSO() = default;
 ZxDSO::~ZxDSO() = default; // QLibrary's destructor leaves the library loaded.
 
-int ZxDSO::open(const char* fileName)
+int ZxDSO::open(const char* fileName, Symbols symbols)
 {
   m_library = std::make_unique<QLibrary>(QString::fromUtf8(fileName));
-  // Methods in other libraries find the package's classes among the global symbols.
-  m_library->setLoadHints(QLibrary::ResolveAllSymbolsHint | QLibrary::ExportExternalSymbolsHint |
-                          QLibrary::PreventUnloadHint);
+  QLibrary::LoadHints hints = QLibrary::ResolveAllSymbolsHint | QLibrary::PreventUnloadHint;
+  if (symbols == Symbols::Global) hints |= QLibrary::ExportExternalSymbolsHint;
+  m_library->setLoadHints(hints);
   if (m_library->load()) return 0;
   m_error = m_library->errorString().toStdString();
   m_library.reset();

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <set>
+#include <map>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -31,6 +31,13 @@ std::vector<fs::path> packageFolders()
   return folders;
 }
 
+/// The folders of the packages that were loaded, by name.
+std::map<std::string, fs::path>& loadedPackages()
+{
+  static std::map<std::string, fs::path> packages;
+  return packages;
+}
+
 using InitFunction = void (*)();
 using BuildIdFunction = int (*)();
 
@@ -38,8 +45,7 @@ using BuildIdFunction = int (*)();
 
 std::string ZxPackage::load(const std::string& name)
 {
-  static std::set<std::string> loaded;
-  if (loaded.count(name)) return {};
+  if (loadedPackages().count(name)) return {};
   const std::string fileName = "lib" + name + ".so";
   std::error_code ignored;
   fs::path file;
@@ -59,6 +65,12 @@ std::string ZxPackage::load(const std::string& name)
   if (buildId() != kZxBuildId)
     return "The package " + file.string() + " was built for another version of the program.";
   init();
-  loaded.insert(name);
+  loadedPackages()[name] = file.parent_path();
   return {};
+}
+
+std::string ZxPackage::folder(const std::string& name)
+{
+  const auto it = loadedPackages().find(name);
+  return it == loadedPackages().end() ? std::string() : it->second.string();
 }

@@ -57,6 +57,15 @@ struct ZxAlignSetting {
   const char* help;         ///< one sentence
 };
 
+/// The interpreter's variable that lists the plug-ins. Read once, when the first module is created.
+inline constexpr const char* kZxAlignPlugInVariable = "::zxalign_autoalignmethod_plugins";
+
+/// A plug-in that the list asks for.
+struct ZxAlignPlugIn {
+  std::string name;    ///< for people: the first item of its entry, or the entry where it has no three items
+  std::string problem; ///< empty when it is loaded, else why it is not: a clause without a full stop
+};
+
 class ZxAlignControl {
 public:
   virtual ~ZxAlignControl() = default;
@@ -75,6 +84,9 @@ public:
     std::string name;
   };
   virtual std::vector<Method> methods() const = 0;
+  /// The plug-ins that were wanted, in the order of the list. Those with a problem are missing from
+  /// methods().
+  virtual std::vector<ZxAlignPlugIn> plugIns() const = 0;
 
   /// Number of slices of the input; 0 without one.
   virtual int numSlices() const = 0;
@@ -88,8 +100,8 @@ public:
   virtual bool setLandmarks(std::span<const std::vector<ZxAlignPoint>> landmarks) = 0;
 
   /// Aligns every slice to its neighbour with a method, from the reference slice upwards and then downwards.
-  /// Calls done after each pair. Reports progress and stops when the work area is interrupted: what has been
-  /// aligned by then stays. Returns the number of pairs done.
+  /// Calls done after each pair. Reports progress and stops when the work area is interrupted, or, after a
+  /// message, when the method fails: what has been aligned by then stays. Returns the number of pairs done.
   virtual int alignAll(int method, int reference,
                        const std::function<void(const ZxAlignPairResult&)>& done) = 0;
 

@@ -74,8 +74,9 @@ public:
   void lockDataMutex();
   void unlockDataMutex();
 
-  /// Runs the automatic method of an align mode on the current pair; 1 when there is such a method, else 0.
-  /// Without an input nothing is done.
+  /// Runs the automatic method of an align mode on the current pair; 1 when there is such a method, else 0. A
+  /// method that fails leaves a message and the transforms as they were, and counts as none. Without an input
+  /// nothing is done.
   int doLayout(int mode);
   /// The editor window, or null. A module takes it over once, before it is opened for the first time.
   ZxAlignEditor* editor() const noexcept { return m_editor.get(); }
@@ -167,6 +168,7 @@ public:
   std::string setSetting(const std::string& name, const std::string& value) override;
   std::string getSetting(const std::string& name) const override;
   std::vector<Method> methods() const override;
+  std::vector<ZxAlignPlugIn> plugIns() const override;
   int numSlices() const override;
   int referenceSlice() const override { return m_referenceSlice; }
   std::vector<ZxAlignTransform> transforms() const override;
@@ -202,7 +204,8 @@ private:
   bool hasEditableSlice() const noexcept;
   void showEditableSlice();
   void selectPair(const ZxAlignPair& pair);
-  ZxAlignPairResult alignPair(const ZxAlignPair& pair, int method);
+  /// False when the method failed.
+  bool alignPair(const ZxAlignPair& pair, int method, ZxAlignPairResult& result);
 
   std::unique_ptr<ZxAlignData> m_data;
   McHandle<ZxData> m_maskSource;        // keeps the mask that is in use alive

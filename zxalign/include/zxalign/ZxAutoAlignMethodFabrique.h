@@ -2,8 +2,11 @@
 
 #include "mc/McDArray.h"
 #include "mc/McString.h"
+#include "zxalign/ZxAlignControl.h"
+#include "zxalign/ZxAlignPlugInInterface.h"
 
-#include <memory>
+#include <string>
+#include <vector>
 
 class ZxAlignSlices;
 class ZxAutoAlignMethod;
@@ -12,21 +15,34 @@ class ZxAutoAlignMethod;
 ///
 /// A method has a name and a number, the align mode, by which the module, the tools and scripts ask for it.
 /// Built-in methods have fixed numbers; further ones take the next number in the order of registration.
+///
+/// Plug-ins are shared libraries that the interpreter's variable kZxAlignPlugInVariable names: a list of
+/// lists of three, which are a name for people, the entry symbol (a ZxAlignPlugInEntry) and the library. They
+/// are loaded in that order when the registry is made, up to the first that cannot be used, and stay loaded.
 class ZxAutoAlignMethodFabrique {
 public:
   using CreateFunction = ZxAutoAlignMethod* (*)(ZxAlignSlices*);
 
+  /// The registry of the process, made by the first call.
   static ZxAutoAlignMethodFabrique* getInstance();
+
+  /// A registry with the built-in methods and those of the plug-ins. Prints nothing about plug-ins that
+  /// cannot be used: getPlugIns() tells.
+  ZxAutoAlignMethodFabrique();
 
   /// Adds a method under the next number. The first of several methods of one name is the one found by it.
   void registerAutoAlignMethodPlugIn(const char* name, CreateFunction create);
 
-  /// A new method for a module by exact name or by number; null when there is none. The caller owns it.
+  /// A new method for a module by exact name or by number; null when there is none, or, after a message, when
+  /// it could not be made. The caller owns it.
   ZxAutoAlignMethod* createAutoAlignMethod(ZxAlignSlices* module, const char* name) const;
   ZxAutoAlignMethod* createAutoAlignMethod(ZxAlignSlices* module, int id) const;
 
   /// Numbers and names of all methods in the order of registration.
   void getAutoAlignMethods(McDArray<int>& ids, McDArray<McString>& names) const;
+
+  /// The plug-ins that were wanted, in the order of the list, and why those missing are.
+  const std::vector<ZxAlignPlugIn>& getPlugIns() const noexcept { return m_plugIns; }
 
 private:
   struct ZxAutoAlignMethodID {
@@ -35,9 +51,14 @@ private:
     int id = 0;
   };
 
-  ZxAutoAlignMethodFabrique();
   void registerAutoAlignMethod();
+  void loadPlugIns();
+  /// Empty, or what is wrong.
+  std::string loadPlugIn(const std::string& symbol, const std::string& library);
   int getNextIdNumber() const noexcept;
 
+  static ZxAutoAlignMethod* make(const ZxAutoAlignMethodID& method, ZxAlignSlices* module);
+
   McDArray<ZxAutoAlignMethodID> m_methods;
+  std::vector<ZxAlignPlugIn> m_plugIns;
 };

@@ -12,8 +12,12 @@ public:
   ZxDSO();
   ~ZxDSO();
 
-  /// Opens a library by file name; 0 on success.
-  int open(const char* fileName);
+  /// Whether libraries that are opened later find the symbols of this one. Those of a package are global, so
+  /// that plug-ins find its classes; those of plug-ins are local, so that two of them may use the same names.
+  enum class Symbols { Global, Local };
+
+  /// Opens a library by file name; 0 on success. All symbols that it needs must be there.
+  int open(const char* fileName, Symbols symbols = Symbols::Global);
   /// Address of a symbol, or null.
   void* getSymbol(const char* name);
   /// Why the last open() failed.

@@ -15,4 +15,7 @@ public:
   ///
   /// Returns an empty string, or one sentence that says what is wrong.
   static std::string load(const std::string& name);
+
+  /// The folder from which a package was loaded, where what belongs to it lies; empty when it was not loaded.
+  static std::string folder(const std::string& name);
 };

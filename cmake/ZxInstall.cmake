@@ -1,0 +1,26 @@
+# Installation, in components: runtime (programs and libraries), sdk (what plug-ins are built with) and plugins.
+include(CMakePackageConfigHelpers)
+set(config ${CMAKE_INSTALL_LIBDIR}/cmake/zxalign)
+
+foreach(name mc zx numbers)
+  set_target_properties(host_${name} PROPERTIES EXPORT_NAME ${name})
+endforeach()
+foreach(name control sdk)
+  set_target_properties(zxalign_${name} PROPERTIES EXPORT_NAME ${name})
+endforeach()
+set_target_properties(zxalign PROPERTIES EXPORT_NAME package)
+set_target_properties(zxalign-cli PROPERTIES EXPORT_NAME program)
+
+install(TARGETS zxalign-cli EXPORT zxalign RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+install(TARGETS host_mc host_zx zxalign EXPORT zxalign
+  LIBRARY DESTINATION ${ZX_PACKAGE_DIR} COMPONENT runtime
+  FILE_SET HEADERS DESTINATION ${ZX_HEADER_DIR} COMPONENT sdk)
+install(TARGETS host_numbers zxalign_control zxalign_sdk EXPORT zxalign
+  FILE_SET HEADERS DESTINATION ${ZX_HEADER_DIR} COMPONENT sdk)
+
+install(EXPORT zxalign NAMESPACE zxalign:: FILE zxalignTargets.cmake DESTINATION ${config} COMPONENT sdk)
+configure_package_config_file(cmake/zxalignConfig.cmake.in ${CMAKE_BINARY_DIR}/zxalignConfig.cmake
+  INSTALL_DESTINATION ${config})
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/zxalignConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/zxalignConfig.cmake ${CMAKE_BINARY_DIR}/zxalignConfigVersion.cmake
+  DESTINATION ${config} COMPONENT sdk)
