@@ -45,7 +45,6 @@ std::vector<Entry> makeCommands()
       {"resample", "Make the aligned volume from a stored alignment", std::make_unique<ResampleCommand>()});
   commands.push_back(
       {"quality", "Print how well neighbouring slices match", std::make_unique<QualityCommand>()});
-  commands.push_back({"methods", "List the automatic methods", std::make_unique<MethodsCommand>()});
   commands.push_back({"info", "Print what a volume file holds", std::make_unique<InfoCommand>()});
   commands.push_back({"transforms", "Print the alignment stored in a volume, or write it as a table",
                       std::make_unique<TransformsCommand>()});
