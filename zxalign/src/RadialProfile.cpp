@@ -39,7 +39,7 @@ RadialProfile measureRadialProfile(const kernels::ObjectImage& image, const kern
                                    kernels::PixelPosition centre, int n, float step)
 {
   RadialProfile profile(entry(n), 0.0f);
-  const double radius = std::max(image.width, image.height) / 2;
+  const int radius = std::max(image.width, image.height) / 2;
   kernels::PixelPosition hit = centre;
   for (int k = 0; k < n / 4; ++k) {
     double sine = 0, cosine = 0;
