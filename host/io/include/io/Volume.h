@@ -30,8 +30,8 @@ struct ReadOptions {
 };
 
 /// Inputs are one volume file, one folder of slices, or a list of slice files. A folder is taken in natural
-/// order of its names (2 before 10), and so is a list in the order of its bytes, which is what a shell makes of
-/// a pattern like *.png; any other list keeps the order given.
+/// order of its names (2 before 10), and so is a list in the order of its bytes, which is what a shell makes
+/// of a pattern like *.png; any other list keeps the order given.
 VolumeInfo readInfo(const std::vector<std::string>& inputs, const ReadOptions& options = {});
 
 /// Reads a volume. The label of the result is the file's name without its folder. Remarks go to the message
