@@ -141,7 +141,8 @@ PairDifference plainRow(const Walk& wa, const Walk& wb, std::int64_t n)
 class MaskIndex {
 public:
   MaskIndex(const PairImage& image, const PairMask& mask)
-    : m_bytes(mask.bytes), m_size(std::int64_t{image.width} * image.height),
+    : m_bytes(mask.bytes), m_size(std::min(std::int64_t{image.width} * image.height,
+                                           std::int64_t{mask.fullWidth} * mask.fullHeight)),
       m_row(static_cast<std::size_t>(std::max(0, image.height))),
       m_column(static_cast<std::size_t>(std::max(0, image.width)))
   {

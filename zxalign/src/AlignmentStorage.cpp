@@ -3,6 +3,7 @@
 #include "mc/McRound.h"
 #include "zx/ZxMessage.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
 
@@ -63,6 +64,14 @@ bool readFiveFourOrThree(const ZxParamBundle& bundle, const std::string& name, S
   return true;
 }
 
+/// A stored pixel position at another scale; far outside every image where a damaged file says so, and far
+/// enough from the limits of an integer for sums and differences.
+int pixelOf(int stored, float scale)
+{
+  constexpr float farthest = 1 << 24;
+  return mc::truncToInt(std::clamp(static_cast<float>(stored) * scale, -farthest, farthest));
+}
+
 void readLandmarks(const ZxParamBundle& bundle, SliceInfo& slice, Scale scale)
 {
   slice.landmarks.clear();
@@ -70,8 +79,7 @@ void readLandmarks(const ZxParamBundle& bundle, SliceInfo& slice, Scale scale)
     int p[2];
     // Written as "point", looked up as "Point": names of a bundle match without regard to case.
     if (!bundle.findNums(numbered("Point", static_cast<std::size_t>(k)), 2, p)) continue;
-    slice.landmarks.append(QPoint(mc::truncToInt(static_cast<float>(p[0]) * scale.x),
-                                  mc::truncToInt(static_cast<float>(p[1]) * scale.y)));
+    slice.landmarks.append(QPoint(pixelOf(p[0], scale.x), pixelOf(p[1], scale.y)));
   }
 }
 

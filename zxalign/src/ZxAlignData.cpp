@@ -114,10 +114,17 @@ unsigned char* ZxAlignData::getReferenceColorPtr() noexcept
 unsigned char* ZxAlignData::getOriginalDataPtr(int slice)
 {
   if (!m_lattice || slice < 0 || slice >= m_dims.slices) return nullptr;
-  const std::lock_guard lock(m_mutex);
-  if (m_lattice->readSlice(slice, m_rawSlice.data())) return m_rawSlice.data();
-  ZxMessage::getTheMsg()->printf("Slice %d of %s cannot be read.", slice, getInputDataName().getString());
+  {
+    const std::lock_guard lock(m_mutex);
+    if (m_lattice->readSlice(slice, m_rawSlice.data())) return m_rawSlice.data();
+  }
+  tellUnreadable(slice); // Not under the mutex: a console may repaint, and what it shows may want the mutex.
   return nullptr;
+}
+
+void ZxAlignData::tellUnreadable(int slice) const
+{
+  ZxMessage::getTheMsg()->printf("Slice %d of %s cannot be read.", slice, getInputDataName().getString());
 }
 
 std::vector<std::uint8_t> ZxAlignData::getMaskBitfield(int slice)
@@ -166,11 +173,13 @@ void ZxAlignData::mapNormally(int slice, McDArray<unsigned char>& grey, McDArray
 {
   const std::vector<std::uint8_t> mask = getMaskBitfield(slice);
   const std::size_t n = m_dims.slicePixels();
-  const std::lock_guard lock(m_mutex);
+  std::unique_lock lock(m_mutex);
   const void* inMemory = m_lattice->sliceInMemory(slice);
   if (!inMemory && !m_lattice->readSlice(slice, m_rawSlice.data())) {
-    ZxMessage::getTheMsg()->printf("Slice %d of %s cannot be read.", slice, getInputDataName().getString());
     std::fill(m_rawSlice.begin(), m_rawSlice.end(), static_cast<unsigned char>(0));
+    lock.unlock();
+    tellUnreadable(slice);
+    lock.lock();
   }
   const auto* raw = inMemory ? static_cast<const unsigned char*>(inMemory) : m_rawSlice.data();
   float min = 0, scale = 0;

@@ -14,6 +14,13 @@ namespace {
 
 ZxMessage* msg() { return ZxMessage::getTheMsg(); }
 
+bool endWrite(ZxLattice& output, int k)
+{
+  if (output.endWrite(k)) return true;
+  msg()->printf("Slice %d of the result cannot be written.", k);
+  return false;
+}
+
 bool holdsLabels(const ZxLattice& lattice)
 {
   return dynamic_cast<const ZxLabelLattice*>(&lattice) != nullptr;
@@ -22,9 +29,9 @@ bool holdsLabels(const ZxLattice& lattice)
 } // namespace
 
 ZxAlignResampler::ZxAlignResampler(ZxAlignSlices& module)
-  : m_module(module), m_data(module.sliceData()), m_input(*m_data.getLattice()),
-    m_inputIsLabels(holdsLabels(m_input)), m_width(module.alignSettings().outputWidth),
-    m_height(module.alignSettings().outputHeight)
+  : m_module(module), m_data(module.sliceData()), m_inputData(m_data.getSpatialData()),
+    m_input(*m_data.getLattice()), m_inputIsLabels(holdsLabels(m_input)),
+    m_width(module.alignSettings().outputWidth), m_height(module.alignSettings().outputHeight)
 {
   const ZxDims& dims = m_input.getDims();
   if (module.alignSettings().automaticOrigin) {
@@ -134,7 +141,9 @@ int ZxAlignResampler::bandRows() const
 void ZxAlignResampler::showProgress(int k, int row)
 {
   const double rows = static_cast<double>(k) * m_height + row;
-  const double all = static_cast<double>(m_input.getDims().slices) * m_height;
+  // The slices of the labels follow those of the image.
+  const int passes = m_module.portLabelField.isConnected() ? 2 : 1;
+  const double all = static_cast<double>(m_input.getDims().slices) * passes * m_height;
   ZxWorkArea::getTheWorkArea()->setProgressFraction(static_cast<float>(rows / all));
 }
 
@@ -179,7 +188,7 @@ ZxAlignResampler::Outcome ZxAlignResampler::resampleSlice(int k, ZxLattice& outp
     showProgress(k, end);
     if (ZxWorkArea::getTheWorkArea()->wasInterrupted(1)) return Outcome::Stopped;
   }
-  return output.endWrite(k) ? Outcome::Done : Outcome::Stopped;
+  return endWrite(output, k) ? Outcome::Done : Outcome::Stopped;
 }
 
 std::vector<float> ZxAlignResampler::backgroundOf(int k, const unsigned char* source)
@@ -200,7 +209,7 @@ std::vector<float> ZxAlignResampler::backgroundOf(int k, const unsigned char* so
   const auto value = [&](std::size_t i) { return static_cast<double>(background[i]); };
   if (channels == 1)
     msg()->printf("Background color slice %d: %.0f", k, value(0));
-  else if (channels == 4)
+  else if (!color.isEmpty())
     msg()->printf("Background color slice %d: %.0f %.0f %.0f %.0f", k, value(0), value(1), value(2),
                   value(3));
   return background;
@@ -208,8 +217,9 @@ std::vector<float> ZxAlignResampler::backgroundOf(int k, const unsigned char* so
 
 void ZxAlignResampler::resampleLabels(bool reuse)
 {
-  ZxSpatialData* input = m_module.portLabelField.getSpatialData();
-  auto* labels = dynamic_cast<ZxLabelLattice*>(input->getLattice());
+  const McHandle<ZxSpatialData> input(
+      m_module.portLabelField.getSpatialData()); // Pending events may drop it.
+  auto* labels = input ? dynamic_cast<ZxLabelLattice*>(input->getLattice()) : nullptr;
   if (!labels) return msg()->printf("No input LabelLattice or no output LabelLattice.");
   const McHandle<ZxUniformLabelField3> result = obtainLabels(*input, reuse);
   if (!result) return;
@@ -247,7 +257,7 @@ McHandle<ZxUniformLabelField3> ZxAlignResampler::obtainLabels(const ZxSpatialDat
   }
   auto lattice = ZxLabelLattice3::create(shape);
   if (!lattice) {
-    msg()->printf("Error creating result Labelfield.");
+    msg()->printf("Error creating result Label Lattice.");
     return {};
   }
   lattice->setBoundingBox(box);
@@ -264,7 +274,10 @@ ZxAlignResampler::Outcome ZxAlignResampler::resampleLabelSlices(ZxLattice& input
   for (int k = 0; k < slices; ++k) {
     workArea->setProgressText("Resampling slice %d of %d", k + 1, slices);
     void* target = output.beginWrite(k);
-    if (!target || !input.readSlice(k, source.data())) return Outcome::Stopped;
+    if (!target || !input.readSlice(k, source.data())) {
+      msg()->printf("Slice %d of the labels cannot be %s.", k, target ? "read" : "written");
+      return Outcome::Stopped;
+    }
     const kernels::ResampleFrame frame = frameOf(k, dims.width, dims.height);
     mcVisit(input.primType(), [&](auto zero) {
       using T = decltype(zero);
@@ -272,8 +285,8 @@ ZxAlignResampler::Outcome ZxAlignResampler::resampleLabelSlices(ZxLattice& input
         kernels::resampleLabelRows(frame, reinterpret_cast<const T*>(source.data()), static_cast<T*>(target),
                                    0, m_height);
     });
-    if (!output.endWrite(k)) return Outcome::Stopped;
-    showProgress(k, m_height);
+    if (!endWrite(output, k)) return Outcome::Stopped;
+    showProgress(m_input.getDims().slices + k, m_height);
     if (workArea->wasInterrupted(1)) return Outcome::Stopped;
   }
   return Outcome::Done;

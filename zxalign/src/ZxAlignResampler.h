@@ -38,6 +38,7 @@ private:
 
   ZxAlignSlices& m_module;
   ZxAlignData& m_data;
+  McHandle<ZxSpatialData> m_inputData; // Pending events may drop the module's own hold on it.
   ZxLattice& m_input;
   bool m_inputIsLabels;
   OutputBorders m_borders;

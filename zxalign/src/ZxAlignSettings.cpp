@@ -22,7 +22,6 @@ struct Binding {
 
 constexpr double anyInt = std::numeric_limits<int>::max();
 constexpr double anyFloat = std::numeric_limits<float>::max();
-constexpr double maxSize = 1 << 20;
 
 struct Row {
   ZxAlignSetting setting;
@@ -37,12 +36,11 @@ const std::array rows{
         {&ZxAlignSettings::maxIterations, 0, anyInt}},
     Row{{"translation-step", "pixels", "1", "0.000001 or more",
          "Least squares: step of a translation at full resolution, halved twice at the end."},
-        {&ZxAlignSettings::translationStep, 1e-6, anyFloat}},
+        {&ZxAlignSettings::translationStep, 1e-6f, anyFloat}},
     Row{{"rotation-step", "degrees", "", "0.000001 to 360",
          "Least squares: step of a rotation at full resolution; by default the angle that moves a point at "
-         "half "
-         "the width by one pixel."},
-        {&ZxAlignSettings::rotationStep, 1e-6, 360}},
+         "half the width by one pixel."},
+        {&ZxAlignSettings::rotationStep, 1e-6f, 360}},
     Row{{"levels", "", "128", "0 or more",
          "Least squares: most levels of reduced images to search first; 0 searches at full resolution only."},
         {&ZxAlignSettings::resamplingLevels, 0, anyInt}},
@@ -67,10 +65,10 @@ const std::array rows{
         {&ZxAlignSettings::brightBackground, 0, 1}},
     Row{{"width", "pixels", "", "1 to 1048576",
          "Width of the resampled slices; by default that of the input."},
-        {&ZxAlignSettings::outputWidth, 1, maxSize}},
+        {&ZxAlignSettings::outputWidth, 1, ZxAlignSettings::maxOutputSize}},
     Row{{"height", "pixels", "", "1 to 1048576",
          "Height of the resampled slices; by default that of the input."},
-        {&ZxAlignSettings::outputHeight, 1, maxSize}},
+        {&ZxAlignSettings::outputHeight, 1, ZxAlignSettings::maxOutputSize}},
     Row{{"automatic-origin", "", "off", "on, off",
          "Places the common box of all slices at the output's first pixel instead of centring the input."},
         {&ZxAlignSettings::automaticOrigin, 0, 1}},

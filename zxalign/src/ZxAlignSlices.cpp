@@ -33,7 +33,9 @@ bool sameDims(const ZxLattice* a, const ZxLattice& b) { return a && a->getDims()
 int storedSize(const ZxParamBundle& parameters, const char* name, int inputSize)
 {
   int size = 0;
-  return parameters.findNums(name, 1, &size) && size > 0 ? size : inputSize;
+  return parameters.findNums(name, 1, &size) && size > 0 && size <= ZxAlignSettings::maxOutputSize
+             ? size
+             : inputSize;
 }
 
 } // namespace
@@ -66,7 +68,11 @@ ZxAlignSlices::ZxAlignSlices()
   ZxAlignSlices::update();
 }
 
-ZxAlignSlices::~ZxAlignSlices() = default;
+ZxAlignSlices::~ZxAlignSlices()
+{
+  m_editor.reset(); // It shows and edits everything else.
+  m_data.reset();
+}
 
 void ZxAlignSlices::update()
 {
@@ -322,7 +328,8 @@ void ZxAlignSlices::unlockDataMutex() { m_data->dataMutex().unlock(); }
 
 int ZxAlignSlices::doLayout(int mode)
 {
-  if (!m_data->getLattice()) return 0;
+  const bool hasReference = m_referenceSlice >= 0 && m_referenceSlice < numSlices();
+  if (!hasEditableSlice() || !hasReference) return 0;
   const std::unique_ptr<ZxAutoAlignMethod> method(m_methods->createAutoAlignMethod(this, mode));
   if (!method) return 0;
   const McDArray<SliceInfo> before = m_slices;

@@ -57,7 +57,7 @@ void ZxAlignSlices::forAffectedSlices(Change change)
 
 bool ZxAlignSlices::hasEditableSlice() const noexcept
 {
-  return m_editableSlice >= 0 && m_editableSlice < static_cast<int>(m_slices.size());
+  return m_editableSlice >= 0 && m_editableSlice < numSlices();
 }
 
 void ZxAlignSlices::showEditableSlice()
@@ -304,13 +304,13 @@ int ZxAlignSlices::numSlices() const { return m_data->getLattice() ? m_data->get
 std::vector<ZxAlignTransform> ZxAlignSlices::transforms() const
 {
   std::vector<ZxAlignTransform> all;
-  for (const SliceInfo& slice : m_slices) all.push_back(toControl(slice));
+  for (int k = 0; k < numSlices(); ++k) all.push_back(toControl(getSlice(k)));
   return all;
 }
 
 bool ZxAlignSlices::setTransforms(std::span<const ZxAlignTransform> transforms)
 {
-  if (transforms.size() != m_slices.size()) return false;
+  if (transforms.size() != static_cast<std::size_t>(numSlices())) return false;
   for (std::size_t i = 0; i < transforms.size(); ++i) {
     const ZxAlignTransform& t = transforms[i];
     m_slices[i].setXForm(SliceXForm(t.tx, t.ty, t.angleDegrees, t.flip));
@@ -322,7 +322,7 @@ bool ZxAlignSlices::setTransforms(std::span<const ZxAlignTransform> transforms)
 
 bool ZxAlignSlices::setLandmarks(std::span<const std::vector<ZxAlignPoint>> landmarks)
 {
-  if (landmarks.size() != m_slices.size()) return false;
+  if (landmarks.size() != static_cast<std::size_t>(numSlices())) return false;
   for (const std::vector<ZxAlignPoint>& points : landmarks)
     if (points.size() != landmarks[0].size()) return false;
   for (std::size_t i = 0; i < landmarks.size(); ++i) {

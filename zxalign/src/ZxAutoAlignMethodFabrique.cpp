@@ -75,12 +75,14 @@ int ZxAutoAlignMethodFabrique::getNextIdNumber() const noexcept { return static_
 
 void ZxAutoAlignMethodFabrique::registerAutoAlignMethodPlugIn(const char* name, CreateFunction create)
 {
+  if (!name || !create) return;
   m_methods.append({McString(name), create, getNextIdNumber()});
 }
 
 ZxAutoAlignMethod* ZxAutoAlignMethodFabrique::createAutoAlignMethod(ZxAlignSlices* module,
                                                                     const char* name) const
 {
+  if (!name) return nullptr;
   const auto it =
       std::find_if(m_methods.begin(), m_methods.end(), [&](const auto& m) { return m.name == name; });
   return it == m_methods.end() ? nullptr : make(*it, module);

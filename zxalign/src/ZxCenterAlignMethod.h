@@ -6,8 +6,8 @@
 /// Brings the grey-value centres of gravity of both slices together and, where rotation is allowed, makes
 /// their principal axes parallel.
 ///
-/// An axis has two directions: of the two turns the one with the higher quality is taken, the smaller change
-/// of the axis alone where both are equal.
+/// An axis has two directions: of the two turns, half a circle apart, the one with the higher quality is
+/// taken, the first one where both are equal.
 class ZxCenterAlignMethod : public ZxAutoAlignMethod {
 public:
   using ZxAutoAlignMethod::ZxAutoAlignMethod;

@@ -10,7 +10,7 @@
 /// search can find.
 ///
 /// A discrete hill climb: a wide first search on reduced images (a grid of shifts of 24 x 24 double steps and
-/// a sweep of rotations in steps of 10 degrees times the reduction), then single steps on finer and finer
+/// a sweep of rotations in steps of 10 degrees), then single steps on finer and finer
 /// images, two halvings of the steps at full resolution, and a momentum move that repeats the last successful
 /// step. A candidate must be strictly better; the first of equal ones wins.
 class ZxOptimizeAlignMethod : public ZxAutoAlignMethod {

@@ -3,6 +3,7 @@
 #include "zx/ZxObjectPool.h"
 
 #include <algorithm>
+#include <utility>
 
 const McTypeInfo& ZxModule::getClassTypeId()
 {
@@ -23,6 +24,9 @@ void ZxModule::fire()
   for (ZxPort* p : m_ports) p->endPass();
   update();
   m_inPass = false;
+  if (m_forgotten.empty()) return;
+  for (ZxPort* p : std::exchange(m_forgotten, {})) p->touch();
+  fire();
 }
 
 ZxPort* ZxModule::findPort(std::string_view name) const noexcept
@@ -39,6 +43,7 @@ void ZxModule::forgetData(const ZxData* data)
     auto* connection = dynamic_cast<ZxConnection*>(p);
     if (!connection || !data || connection->getSource() != data) continue;
     connection->disconnect();
+    if (m_inPass) m_forgotten.push_back(p);
     found = true;
   }
   if (found) fire();

@@ -32,7 +32,6 @@ void ZxWorkArea::startWorking(const char* message)
   m_working = true;
   m_text = message;
   m_fraction = 0.0f;
-  forgetInterrupt();
   workingChanged();
 }
 

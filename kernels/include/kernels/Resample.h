@@ -28,10 +28,9 @@ struct ResampleFrame {
 /// source holds width x height and output outWidth x outHeight pixels of `channels` interleaved values;
 /// background holds `channels` values.
 /// - Nearest: the pixel (floor(sx + 0.5), floor(sy + 0.5)), outside the slice the background.
-/// - Linear: with ix = floor(sx), iy = floor(sy) inside 0 <= ix < width - 1, 0 <= iy < height - 1 the
-/// weighted
-///   sum of the four neighbours in float, elsewhere the background. Needing both neighbours, it never samples
-///   the last column and row; they become background on purpose.
+/// - Linear: with ix = floor(sx), iy = floor(sy) inside 0 <= ix < width - 1, 0 <= iy < height - 1 the sum of
+///   the four neighbours, weighted in float; elsewhere the background. Needing both neighbours, it never
+///   samples the last column and row; they become background on purpose.
 ///
 /// Every value passes through float. Integers are stored by rounding to the nearest, ties to even, and
 /// clamped; float is stored as it is, and double receives the float. Positions that are not finite are

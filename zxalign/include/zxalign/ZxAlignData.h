@@ -73,9 +73,10 @@ public:
   ZxMutex& dataMutex() noexcept { return m_mutex; }
 
 private:
-  /// Maps one slice, or the projection that stands for it.
   enum class Role { Editable, Reference };
+  /// Maps one slice, or the projection that stands for it.
   void mapSlice(Role role);
+  void tellUnreadable(int slice) const;
   void mapNormally(int slice, McDArray<unsigned char>& grey, McDArray<unsigned char>& colour);
   void mapGrey(const unsigned char* raw, float min, float scale, McDArray<unsigned char>& grey) const;
   void project(int first, int last, McDArray<unsigned char>& grey);

@@ -8,6 +8,8 @@
 /// The settings of the module: of its automatic methods and of its output. Plain values with their defaults;
 /// those marked "input" get theirs when an input is connected.
 struct ZxAlignSettings {
+  static constexpr int maxOutputSize = 1 << 20; ///< pixels along one side
+
   // Which moves are allowed at all.
   bool rotationAllowed = true;
 

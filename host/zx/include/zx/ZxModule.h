@@ -29,8 +29,8 @@ public:
   const std::vector<ZxPort*>& getPorts() const noexcept { return m_ports; }
   /// The port of that name, or null.
   ZxPort* findPort(std::string_view name) const noexcept;
-  /// Disconnects every connection to an object and, when there was one, runs a pass. The pool calls this when
-  /// the object is removed.
+  /// Disconnects every connection to an object and, when there was one, runs a pass; during a pass, right
+  /// after it. The pool calls this when the object is removed.
   virtual void forgetData(const ZxData* data);
 
 protected:
@@ -40,6 +40,7 @@ protected:
 private:
   friend class ZxPort;
   bool m_inPass = false;
+  std::vector<ZxPort*> m_forgotten; // connections whose data went away during a pass
 };
 
 /// A module that makes results from its input.

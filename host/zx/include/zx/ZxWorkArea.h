@@ -15,7 +15,7 @@ public:
   /// Makes a work area the current one (null: the silent one). It is not owned and must outlive its use.
   static void setTheWorkArea(ZxWorkArea* area);
 
-  /// Starts a working phase: fraction 0, an interruption of before is forgotten.
+  /// Starts a working phase with its text and the fraction 0.
   void startWorking(const char* message);
   void stopWorking();
   bool isWorking() const noexcept { return m_working; }
@@ -42,7 +42,6 @@ protected:
   /// A working phase has begun or ended.
   virtual void workingChanged() {}
   virtual bool interruptRequested() { return false; }
-  virtual void forgetInterrupt() {}
 
 private:
   std::string m_text;
