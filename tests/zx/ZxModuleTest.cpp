@@ -120,3 +120,20 @@ TEST_F(ZxModuleTest, ForgetsWhatIsRemovedFromThePool)
   EXPECT_FALSE(probe->portData.isConnected());
   EXPECT_EQ(probe->passes, (Passes{{"data"}, {"data"}}));
 }
+
+// While a pass handles what the user does, the input may be removed: the module must hear of it, in a pass of
+// its own.
+TEST_F(ZxModuleTest, HearsOfDataThatGoAwayDuringAPass)
+{
+  const McHandle<ZxField3> input = volume();
+  pool.add(input.get());
+  pool.add(probe.get());
+  probe->portData.connect(input.get());
+  probe->work = [&] {
+    probe->work = nullptr;
+    pool.remove(input.get());
+  };
+  probe->fire();
+  EXPECT_EQ(probe->passes, (Passes{{"data"}, {"data"}}));
+  EXPECT_FALSE(probe->portData.isConnected());
+}

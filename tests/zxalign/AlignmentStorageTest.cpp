@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 using storage::Missing;
 
 namespace {
@@ -111,4 +113,15 @@ TEST(AlignmentStorage, TellsWhatIsMissing)
   parameters.setNum("alignpoints", 1);
   EXPECT_FALSE(storage::writeTransforms(parameters, slices, kDims));
   EXPECT_FALSE(storage::writePoints(parameters, slices));
+}
+
+TEST(AlignmentStorage, KeepsDamagedLandmarksWithinReach)
+{
+  ZxParamBundle parameters;
+  ZxParamBundle* points = parameters.getBundle("AlignPoints")->getBundle("slice0000");
+  points->setNums("Point0000", {std::numeric_limits<int>::min(), std::numeric_limits<int>::max()});
+  McDArray<SliceInfo> slices(1);
+  ASSERT_TRUE(storage::readPoints(parameters, slices, {20, 10, 1}, "AlignPoints", Missing::PassOver));
+  ASSERT_EQ(slices[0].landmarks.size(), 1u);
+  EXPECT_EQ(slices[0].landmarks[0], QPoint(-(1 << 24), 1 << 24));
 }
