@@ -168,8 +168,8 @@ void AlignCommand::check(const io::VolumeInfo& info) const
   if (m_transformsOnly && m_resample.hasLabels())
     throw Failure("--labels needs the resampling that --transforms-only leaves out.");
   // What is too small for any reference is refused by the module.
-  if (m_reference < -1 || (dims.slices > 1 && m_reference >= dims.slices))
-    throw Failure("There is no slice " + std::to_string(m_reference) + " to be the reference; " +
+  if (m_reference && (*m_reference < 0 || (dims.slices > 1 && *m_reference >= dims.slices)))
+    throw Failure("There is no slice " + std::to_string(*m_reference) + " to be the reference; " +
                   m_input.name() + " has the slices 0 to " + std::to_string(dims.slices - 1) + ".");
   if (!m_mask.empty()) requireSameDims("mask", m_mask, io::readInfo({m_mask}).shape.dims, m_input, dims);
 }
@@ -250,7 +250,7 @@ void AlignCommand::setOptions(AlignModule& module, const ZxLatticeShape& shape, 
 void AlignCommand::align(AlignModule& module, int method, AlignReport& report, Console& console) const
 {
   ZxAlignControl& control = module.control();
-  report.reference = m_reference < 0 ? control.referenceSlice() : m_reference;
+  report.reference = m_reference.value_or(control.referenceSlice());
   const int total = control.numSlices() - 1;
   const Stopwatch watch;
   const int done = control.alignAll(method, report.reference,

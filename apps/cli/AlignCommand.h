@@ -6,6 +6,7 @@
 #include "PlugInOptions.h"
 #include "ResampleOptions.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -46,7 +47,7 @@ private:
   std::string m_output;
   std::string m_method = "least-squares";
   std::vector<std::string> m_settings; ///< NAME=VALUE
-  int m_reference = -1;                ///< -1: the module's
+  std::optional<int> m_reference;      ///< none: the module's
   bool m_noRotation = false;
   std::string m_iterations, m_translationStep, m_rotationStep, m_levels;
   std::vector<std::string> m_window;

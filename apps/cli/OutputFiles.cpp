@@ -70,6 +70,19 @@ std::string writeFailure(const std::string& path, const std::string& reason)
   return "Cannot write \"" + path + "\": " + reason + ".";
 }
 
+/// The file beside a header that its voxels go into; empty for formats of one file.
+std::string dataFileOf(const std::string& path)
+{
+  if (!hasEnding(path, ".nhdr") && !hasEnding(path, ".mhd")) return {};
+  return fs::path(path).replace_extension(".raw").string();
+}
+
+/// The file of the parameters, below the folder of the volume.
+std::string parametersOf(const std::string& path)
+{
+  return nameOf(path) + (path.ends_with('/') ? "slice_%04d.tif" : "") + ".params.json";
+}
+
 /// A hidden folder of our own inside a folder.
 fs::path makeStagingFolder(const fs::path& parent, const std::string& target)
 {
@@ -111,6 +124,20 @@ void OutputFiles::refuseTwice(const std::string& path)
   m_announced.push_back(name);
 }
 
+void OutputFiles::refuseForeignData(const std::string& path)
+{
+  const std::string data = dataFileOf(path);
+  if (data.empty()) return;
+  refuseTwice(data);
+  const fs::path header = uniquePath(path);
+  for (const ProtectedInput& input : m_inputs)
+    if (input.path != header && fs::path(input.path).replace_extension(".raw") == uniquePath(data))
+      throw Failure(writeFailure(path, data + " holds the data of an input"));
+  std::error_code ignored;
+  if (fs::exists(data, ignored) && !fs::exists(path, ignored))
+    throw Failure(writeFailure(path, data + " is there and belongs to another volume"));
+}
+
 void OutputFiles::refuseInputs(const std::string& path, bool volume) const
 {
   const fs::path name = uniquePath(path);
@@ -140,10 +167,10 @@ void OutputFiles::announceVolume(const std::string& path, const ZxLatticeShape& 
   const std::string refusal = io::checkWritable(shape, path);
   if (!refusal.empty()) throw Failure(refusal);
   refuseTwice(path);
-  if (isSequence(path))
-    refuseInputSlices(path);
-  else
-    refuseInputs(path, true);
+  if (isSequence(path)) return refuseInputSlices(path);
+  refuseTwice(path + ".params.json");
+  refuseInputs(path, true);
+  refuseForeignData(path);
 }
 
 void OutputFiles::announceFile(const std::string& path)
@@ -158,13 +185,16 @@ void OutputFiles::announceFile(const std::string& path)
   if (fs::exists(path, error) && !fs::is_regular_file(path, error))
     throw Failure(writeFailure(path, "it is there and not a regular file"));
   refuseTwice(path);
+  const fs::path inside = uniquePath(path).parent_path();
+  if (isSliceFile(path) && std::find(m_announced.begin(), m_announced.end(), inside) != m_announced.end())
+    throw Failure(writeFailure(path, "it would become one of the slices of another output"));
   refuseInputs(path, false);
 }
 
 void OutputFiles::write(const std::string& path, const std::function<void(const std::string&)>& writer)
 {
   const fs::path folder = folderOf(path);
-  m_staged.push_back({makeStagingFolder(folder, path), folder});
+  m_staged.push_back({makeStagingFolder(folder, path), folder, parametersOf(path)});
   const std::string staged = (m_staged.back().folder / nameOf(path)).string();
   try {
     writer(staged);
@@ -182,6 +212,9 @@ void OutputFiles::commit()
 {
   std::string done;
   for (const Staged& s : m_staged) {
+    // Parameters of what is replaced do not belong to what replaces it.
+    std::error_code ignored;
+    if (!fs::exists(s.folder / s.parameters, ignored)) fs::remove(s.target / s.parameters, ignored);
     for (const fs::directory_entry& entry : fs::directory_iterator(s.folder)) {
       const fs::path target = s.target / entry.path().filename();
       try {

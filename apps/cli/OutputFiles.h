@@ -48,8 +48,10 @@ private:
   struct Staged {
     std::filesystem::path folder; ///< hidden, beside the target
     std::filesystem::path target; ///< the folder of the target
+    std::string parameters; ///< below both: where the parameters of a volume go when its file holds none
   };
   void refuseTwice(const std::string& path);
+  void refuseForeignData(const std::string& path);
   void refuseInputs(const std::string& path, bool volume) const;
   void refuseInputSlices(const std::string& path) const;
   void removeStaged() noexcept;

@@ -83,7 +83,8 @@ int runGuarded(Command& command, const CommonOptions& common)
     say(stopped.what());
     return Interrupted;
   } catch (const io::Interrupted&) {
-    say("Stopped (" + ZxWorkArea::getTheWorkArea()->getProgressText() + "); nothing was written.");
+    const std::string doing = ZxWorkArea::getTheWorkArea()->getProgressText();
+    say(doing.empty() ? "Stopped; nothing was written." : "Stopped (" + doing + "); nothing was written.");
     return Interrupted;
   } catch (const std::bad_alloc&) {
     say("There is not enough memory.");

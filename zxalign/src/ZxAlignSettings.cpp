@@ -35,7 +35,7 @@ const std::array rows{
          "Least squares: most iterations per pair; 0 leaves the pair as it is."},
         {&ZxAlignSettings::maxIterations, 0, anyInt}},
     Row{{"translation-step", "pixels", "1", "0.000001 or more",
-         "Least squares: step of a translation at full resolution, halved twice at the end."},
+         "Least squares: step of a translation at full resolution, halved once at the end."},
         {&ZxAlignSettings::translationStep, 1e-6f, anyFloat}},
     Row{{"rotation-step", "degrees", "", "0.000001 to 360",
          "Least squares: step of a rotation at full resolution; by default the angle that moves a point at "

@@ -156,6 +156,8 @@ ZxParamBundle fromJson(const std::string& text, const std::string& fileName)
     bundleFromJson(json, bundle, 0);
   } catch (const nlohmann::detail::parse_error& error) {
     cannotRead(fileName, "it is no valid JSON at byte " + std::to_string(error.byte));
+  } catch (const nlohmann::detail::exception&) {
+    cannotRead(fileName, "a number in it is too large");
   } catch (const Damage& damage) {
     cannotRead(fileName, damage.reason);
   }

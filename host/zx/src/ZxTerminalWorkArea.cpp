@@ -12,11 +12,14 @@ namespace {
 
 volatile std::sig_atomic_t interrupted = 0;
 
-void onInterrupt(int)
+// Ctrl+C, a batch system's end of time, a closed terminal: all ask for the same.
+constexpr int stopSignals[] = {SIGINT, SIGTERM, SIGHUP};
+
+void onInterrupt(int signal)
 {
   interrupted = 1;
   // The next one ends the program, whatever it is doing.
-  std::signal(SIGINT, SIG_DFL);
+  std::signal(signal, SIG_DFL);
 }
 
 std::string clock(double seconds)
@@ -38,7 +41,7 @@ std::size_t terminalWidth()
 ZxTerminalWorkArea::ZxTerminalWorkArea(Display display)
   : m_visible(display == Display::WhenTerminal && isatty(STDERR_FILENO))
 {
-  std::signal(SIGINT, onInterrupt);
+  for (const int signal : stopSignals) std::signal(signal, onInterrupt);
   setTheWorkArea(this);
 }
 
@@ -46,7 +49,7 @@ ZxTerminalWorkArea::~ZxTerminalWorkArea()
 {
   clearLine();
   setTheWorkArea(nullptr);
-  std::signal(SIGINT, SIG_DFL);
+  for (const int signal : stopSignals) std::signal(signal, SIG_DFL);
 }
 
 bool ZxTerminalWorkArea::wasInterruptedEver() noexcept { return interrupted != 0; }
