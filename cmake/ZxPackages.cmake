@@ -2,7 +2,8 @@
 find_package(Threads REQUIRED)
 find_package(TBB REQUIRED)
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui)
-find_package(TCL REQUIRED)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(TCL REQUIRED IMPORTED_TARGET tcl) # CMake's own module asks for Tk as well.
 find_package(TIFF REQUIRED)
 find_package(JPEG REQUIRED)
 find_package(PNG REQUIRED)
@@ -12,8 +13,7 @@ find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
 
 add_library(tcl INTERFACE)
-target_include_directories(tcl SYSTEM INTERFACE ${TCL_INCLUDE_PATH})
-target_link_libraries(tcl INTERFACE ${TCL_LIBRARY})
+target_link_libraries(tcl INTERFACE PkgConfig::TCL)
 
 if(ZX_BUILD_TESTS)
   find_package(GTest REQUIRED)
