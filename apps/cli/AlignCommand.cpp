@@ -39,10 +39,13 @@ std::string percent(double quality) { return fixed(quality * 100.0, 2) + " %"; }
 
 std::string summaryOf(const AlignReport& report)
 {
+  const auto left = std::count_if(report.pairs.begin(), report.pairs.end(),
+                                  [](const ZxAlignPairResult& pair) { return !pair.changed; });
   return std::to_string(report.pairs.size()) + (report.pairs.size() == 1 ? " pair" : " pairs") +
          " aligned in " + fixed(report.seconds.aligning, 1) + " s, mean quality " +
          percent(meanQuality(report.pairs, &ZxAlignPairResult::qualityBefore)) + " before, " +
-         percent(meanQuality(report.pairs, &ZxAlignPairResult::qualityAfter)) + " after.";
+         percent(meanQuality(report.pairs, &ZxAlignPairResult::qualityAfter)) + " after." +
+         (left ? " " + std::to_string(left) + " of them were left as they are." : "");
 }
 
 /// The settings of the module as a table for the help.
@@ -167,6 +170,8 @@ void AlignCommand::check(const io::VolumeInfo& info) const
   const ZxDims& dims = info.shape.dims;
   if (m_transformsOnly && m_resample.hasLabels())
     throw Failure("--labels needs the resampling that --transforms-only leaves out.");
+  if (!m_picture.empty() && !hasEnding(m_picture, ".png"))
+    throw Failure("The picture is a PNG: its name must end in .png, which " + m_picture + " does not.");
   // What is too small for any reference is refused by the module.
   if (m_reference && (*m_reference < 0 || (dims.slices > 1 && *m_reference >= dims.slices)))
     throw Failure("There is no slice " + std::to_string(*m_reference) + " to be the reference; " +
@@ -214,7 +219,8 @@ void AlignCommand::setStart(AlignModule& module, const io::VolumeInfo& info) con
 {
   if (m_startFrom.empty()) return;
   if (hasEnding(m_startFrom, ".csv")) {
-    const std::vector<ZxAlignTransform> start = readTransformTable(m_startFrom);
+    const std::vector<ZxAlignTransform> start =
+        readTransformTable(m_startFrom, info.shape.dims.width, info.shape.dims.height);
     if (!module.control().setTransforms(start))
       throw Failure("The table " + m_startFrom + " has " + std::to_string(start.size()) + " slices, but " +
                     m_input.name() + " has " + std::to_string(info.shape.dims.slices) + ".");
@@ -267,7 +273,8 @@ void AlignCommand::align(AlignModule& module, int method, AlignReport& report, C
 void AlignCommand::compareWithTruthTable(AlignReport& report) const
 {
   if (m_truth.empty()) return;
-  const std::vector<ZxAlignTransform> truth = readTransformTable(m_truth);
+  const std::vector<ZxAlignTransform> truth =
+      readTransformTable(m_truth, report.dimensions.width, report.dimensions.height);
   if (truth.size() != report.transforms.size())
     throw Failure("The table " + m_truth + " has " + std::to_string(truth.size()) + " slices, but " +
                   m_input.name() + " has " + std::to_string(report.transforms.size()) + ".");

@@ -65,6 +65,7 @@ void AlignModule::set(const std::string& setting, const std::string& value)
 
 void AlignModule::setWindow(float min, float max)
 {
+  if (min > max) throw Failure("--window takes the grey value of black first: MIN cannot be above MAX.");
   auto& window = port<ZxPortFloatTextN>("linearRange");
   window.setValue(0, min);
   window.setValue(1, max);

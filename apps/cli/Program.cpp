@@ -105,6 +105,16 @@ int endParsing(const CLI::App& program, const CLI::ParseError& error)
   return Failed;
 }
 
+/// The name of an option or argument with an empty value, which is more often a script's unset variable than
+/// what somebody means; empty when there is none.
+std::string emptyOption(const CLI::App& command)
+{
+  for (const CLI::Option* option : command.get_options())
+    for (const std::string& value : option->results())
+      if (value.empty()) return option->get_name();
+  return {};
+}
+
 } // namespace
 
 int runProgram(int argc, char** argv)
@@ -126,8 +136,12 @@ int runProgram(int argc, char** argv)
   } catch (const CLI::ParseError& error) {
     return endParsing(program, error);
   }
-  for (const Entry& entry : commands)
-    if (program.got_subcommand(entry.name)) return runGuarded(*entry.command, common);
+  for (const Entry& entry : commands) {
+    if (!program.got_subcommand(entry.name)) continue;
+    const std::string empty = emptyOption(*program.get_subcommand(entry.name));
+    if (empty.empty()) return runGuarded(*entry.command, common);
+    say("The value of " + empty + " is empty.");
+  }
   return Failed;
 }
 

@@ -39,7 +39,7 @@ void ResampleCommand::check(const io::VolumeInfo& info) const
 void ResampleCommand::applyTable(AlignModule& module, const ZxDims& dims) const
 {
   if (m_transforms.empty()) return;
-  const std::vector<ZxAlignTransform> transforms = readTransformTable(m_transforms);
+  const std::vector<ZxAlignTransform> transforms = readTransformTable(m_transforms, dims.width, dims.height);
   if (!module.control().setTransforms(transforms))
     throw Failure("The table " + m_transforms + " has " + std::to_string(transforms.size()) +
                   " slices, but " + m_input.name() + " has " + std::to_string(dims.slices) + ".");

@@ -34,6 +34,26 @@ ZxAlignTransform parseRow(std::string_view row, std::size_t slice, const TablePo
           parseField(fields[3], "angle_deg", where), flip == "1"};
 }
 
+/// Stands in a remark between the centre and the size of the slices.
+constexpr std::string_view kSizeMark = " of slices of ";
+
+/// Refuses a table whose remarks state another slice size: its transforms turn about another centre. Tables
+/// without such a remark fit any size.
+void checkStatedSize(const std::string& path, int width, int height)
+{
+  std::ifstream in(path);
+  for (std::string line; std::getline(in, line) && line.starts_with('#');) {
+    const std::size_t mark = line.find(kSizeMark);
+    if (mark == std::string::npos) continue;
+    const std::string stated =
+        line.substr(mark + kSizeMark.size(), line.find(" pixels", mark) - mark - kSizeMark.size());
+    const std::string present = std::to_string(width) + " x " + std::to_string(height);
+    if (stated != present)
+      throw io::Error("The table " + path + " is for slices of " + stated + " pixels, not of " + present +
+                      ".");
+  }
+}
+
 } // namespace
 
 std::string transformTableText(std::span<const ZxAlignTransform> transforms, int width, int height)
@@ -41,8 +61,8 @@ std::string transformTableText(std::span<const ZxAlignTransform> transforms, int
   std::string text = "# Alignment of a stack of slices: the mapping of each slice into the aligned frame.\n"
                      "# tx, ty: pixels; x to the right, y downwards. angle_deg: degrees. flip: 0 or 1.\n"
                      "# Centre c = (" +
-                     std::to_string(width / 2) + ", " + std::to_string(height / 2) + ") of slices of " +
-                     std::to_string(width) + " x " + std::to_string(height) +
+                     std::to_string(width / 2) + ", " + std::to_string(height / 2) + ")" +
+                     std::string(kSizeMark) + std::to_string(width) + " x " + std::to_string(height) +
                      " pixels; the centre of the first pixel is (0, 0).\n"
                      "# u = p - c; if flip is 1: u.x = -u.x; with a = angle_deg:\n"
                      "# p' = (u.x cos a + u.y sin a, -u.x sin a + u.y cos a) + (tx, ty) + c\n";
@@ -64,8 +84,9 @@ void writeTransformTable(std::span<const ZxAlignTransform> transforms, int width
   if (!out) throw io::Error(path + " could not be written: " + std::strerror(errno) + ".");
 }
 
-std::vector<ZxAlignTransform> readTransformTable(const std::string& path)
+std::vector<ZxAlignTransform> readTransformTable(const std::string& path, int width, int height)
 {
+  if (width > 0) checkStatedSize(path, width, height);
   std::vector<ZxAlignTransform> transforms;
   readTable(path, kHeader, "transforms", [&](std::string_view row, const TablePosition& where) {
     transforms.push_back(parseRow(row, transforms.size(), where));

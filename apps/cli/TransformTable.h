@@ -20,9 +20,9 @@ std::string transformTableText(std::span<const ZxAlignTransform> transforms, int
 void writeTransformTable(std::span<const ZxAlignTransform> transforms, int width, int height,
                          const std::string& path);
 
-/// Reads a table. Throws io::Error, which names the line, where a row is not what is expected: slices not
-/// from 0 in order, a missing or additional field, a number that is none or not finite, a flip other than 0
-/// and 1.
-std::vector<ZxAlignTransform> readTransformTable(const std::string& path);
+/// Reads a table for slices of width x height pixels (0: of any size). Throws io::Error when its remarks
+/// state another size, and, naming the line, where a row is not what is expected: slices not from 0 in order,
+/// a missing or additional field, a number that is none or not finite, a flip other than 0 and 1.
+std::vector<ZxAlignTransform> readTransformTable(const std::string& path, int width = 0, int height = 0);
 
 } // namespace cli

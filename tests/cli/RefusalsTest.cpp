@@ -97,7 +97,11 @@ TEST_F(Refusals, ArgumentsThatMakeNoSense)
       {{"--set", "iterations"}, "NAME=VALUE"},
       {{"--iterations", "-3"}, "iterations"},
       {{"--reference", "3"}, "slices 0 to 2"},
+      {{"--reference", "-1"}, "slices 0 to 2"},
       {{"--window", "1", "x"}, "two numbers"},
+      {{"--window", "10", "5"}, "MIN"},
+      {{"--mask", ""}, "--mask is empty"},
+      {{"--picture", "p.jpg"}, ".png"},
       {{"--background", "red"}, "background"},
       {{"--size", "0", "10"}, "--size"},
       {{"--size", "10", "10", "--auto-size"}, "auto-size"},
@@ -148,6 +152,17 @@ TEST_F(Refusals, DamagedFilesOfTheCollection)
   for (const auto& [name, about] : cases.items())
     if (about["expect"].get<std::string>().starts_with("refuse"))
       expectRefusal({"quality", collection + "/" + name}, name);
+}
+
+// Headers with their voxels in a file beside them may meet in that file.
+TEST_F(Refusals, DataFilesOfOtherVolumes)
+{
+  test::makePhantom(folder.file("s.nhdr"), 3, 32);
+  const std::string voxels = test::readFile(folder.file("s.raw"));
+  expectRefusal({"align", "s.nhdr", "-o", "s.mhd"}, "s.raw");
+  expectRefusal({"align", "in.nrrd", "-o", "s.mhd"}, "s.raw");
+  expectRefusal({"align", "in.nrrd", "-o", "o.nhdr", "--report", "o.raw"}, "o.raw");
+  EXPECT_EQ(test::readFile(folder.file("s.raw")), voxels);
 }
 
 } // namespace

@@ -29,7 +29,8 @@ TEST(TransformTable, ReadsBackExactlyWhatItWrites)
       {16777217.0f, -1e-30f, std::numeric_limits<float>::denorm_min(), true}};
   const test::Folder folder;
   cli::writeTransformTable(transforms, 61, 40, folder.file("t.csv"));
-  EXPECT_EQ(cli::readTransformTable(folder.file("t.csv")), transforms);
+  EXPECT_EQ(cli::readTransformTable(folder.file("t.csv"), 61, 40), transforms);
+  EXPECT_THROW(cli::readTransformTable(folder.file("t.csv"), 40, 61), io::Error); // they turn elsewhere
   EXPECT_NE(test::readFile(folder.file("t.csv")).find("(30, 20)"), std::string::npos);
 }
 

@@ -151,9 +151,11 @@ TEST_F(ZxAlignResamplerTest, MovesLabelsAsItMovesVoxels)
   // Labels take the way of voxels with nearest neighbour and keep their type.
   const auto check = [&](auto zero) {
     using T = decltype(zero);
-    connect(module->portData, makeField<T>(kDims, 1, greyAt));
+    const auto field = makeField<T>(kDims, 1, greyAt);
+    ZxFileGeometry{{7, 0, 0}, {1, 1, 1}, ""}.store(field->parameters());
+    connect(module->portData, field);
     const auto labels = makeLabels<T>(kDims, greyAt);
-    ZxFileGeometry{{7, 0, 0}, {1, 1, 1}, ""}.store(labels->parameters());
+    ZxFileGeometry{{-1, 0, 0}, {1, 1, 1}, ""}.store(labels->parameters());
     connect(module->portLabelField, labels);
     transformAll();
     setSize(18, 11);

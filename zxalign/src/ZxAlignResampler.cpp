@@ -227,7 +227,7 @@ void ZxAlignResampler::resampleLabels(bool reuse)
   ZxParamBundle& parameters = result->parameters();
   m_module.saveTransform(parameters, m_module.m_slices);
   parameters.merge(input->parameters());
-  storeGeometry(*input, parameters);
+  storeGeometry(*m_inputData, parameters); // Labels lie where the voxels lie that they name.
   result->setLabel(ZxData::composeLabel(input->getLabel(), "align"));
   parameters.setNum("AlignIsApplied", 1);
   result->touch();
