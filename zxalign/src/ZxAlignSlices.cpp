@@ -333,9 +333,11 @@ int ZxAlignSlices::doLayout(int mode)
   const std::unique_ptr<ZxAutoAlignMethod> method(m_methods->createAutoAlignMethod(this, mode));
   if (!method) return 0;
   const McDArray<SliceInfo> before = m_slices;
+  const bool wasModified = m_modified;
   const std::string problem = guarded([&] { method->doLayout(); });
   if (problem.empty()) return 1;
   m_slices = before;
+  m_modified = wasModified;
   showEditableSlice();
   ZxMessage::getTheMsg()->printf("The automatic method %d failed: %s.", mode, problem.c_str());
   return 0;

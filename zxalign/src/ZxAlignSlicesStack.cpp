@@ -17,6 +17,7 @@
 #include "zxalign/ZxDefaultAlignmentEvaluator.h"
 
 #include <chrono>
+#include <utility>
 
 namespace {
 
@@ -363,8 +364,9 @@ int ZxAlignSlices::alignAll(int method, int reference,
   ZxWorkArea* workArea = ZxWorkArea::getTheWorkArea();
   const std::vector<ZxAlignPair> pairs = alignmentOrder(reference, numSlices());
   const ZxWorkingPhase phase("");
-  m_transformAll = true;
-  m_fixReference = false;
+  // A run needs these two; the user finds them as they were.
+  const bool transformAll = std::exchange(m_transformAll, true);
+  const bool fixReference = std::exchange(m_fixReference, false);
   int count = 0;
   for (const ZxAlignPair& pair : pairs) {
     workArea->setProgressText("Aligning slice %d with %d", pair.editable, pair.reference);
@@ -374,6 +376,8 @@ int ZxAlignSlices::alignAll(int method, int reference,
     if (done) done(result);
     ++count;
   }
+  m_transformAll = transformAll;
+  m_fixReference = fixReference;
   return count;
 }
 
