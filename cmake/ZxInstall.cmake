@@ -2,7 +2,7 @@
 include(CMakePackageConfigHelpers)
 set(config ${CMAKE_INSTALL_LIBDIR}/cmake/zxalign)
 
-foreach(name mc zx numbers)
+foreach(name mc zx qx numbers)
   set_target_properties(host_${name} PROPERTIES EXPORT_NAME ${name})
 endforeach()
 foreach(name control sdk)
@@ -12,7 +12,7 @@ set_target_properties(zxalign PROPERTIES EXPORT_NAME package)
 set_target_properties(zxalign-cli PROPERTIES EXPORT_NAME program)
 
 install(TARGETS zxalign-cli EXPORT zxalign RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
-install(TARGETS host_mc host_zx zxalign EXPORT zxalign
+install(TARGETS host_mc host_zx host_qx zxalign EXPORT zxalign
   LIBRARY DESTINATION ${ZX_PACKAGE_DIR} COMPONENT runtime
   FILE_SET HEADERS DESTINATION ${ZX_HEADER_DIR} COMPONENT sdk)
 install(TARGETS host_numbers zxalign_control zxalign_sdk EXPORT zxalign

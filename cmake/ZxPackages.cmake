@@ -1,7 +1,8 @@
 # Every library that the project stands on, in one place.
 find_package(Threads REQUIRED)
 find_package(TBB REQUIRED)
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets OpenGL OpenGLWidgets Svg)
+find_package(OpenGL REQUIRED)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(TCL REQUIRED IMPORTED_TARGET tcl) # CMake's own module asks for Tk as well.
 find_package(TIFF REQUIRED)
@@ -17,6 +18,7 @@ target_link_libraries(tcl INTERFACE PkgConfig::TCL)
 
 if(ZX_BUILD_TESTS)
   find_package(GTest REQUIRED)
+  find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
   # Reads the files that host/io writes, as a second opinion.
   find_package(ITK 5.2 REQUIRED COMPONENTS ITKCommon ITKIOImageBase ITKIONRRD ITKIOMRC ITKIOMeta ITKIONIFTI)
   add_library(itk_io INTERFACE)

@@ -3,11 +3,16 @@ set(ZX_MAY_USE_kernels host::numbers TBB::tbb)
 set(ZX_MAY_USE_mc      host::numbers Threads::Threads)
 set(ZX_MAY_USE_zx      host::mc Qt6::Core Qt6::Gui tcl)
 set(ZX_MAY_USE_io      host::mc host::zx TIFF::TIFF JPEG::JPEG PNG::PNG ZLIB::ZLIB BZip2::BZip2 nlohmann_json::nlohmann_json)
+set(ZX_MAY_USE_qx      host::mc host::zx Qt6::Core Qt6::Gui Qt6::Widgets Qt6::OpenGL Qt6::OpenGLWidgets Qt6::Svg
+                       OpenGL::GL)
 set(ZX_MAY_USE_package zx::kernels host::mc host::zx zxalign::control Qt6::Core Qt6::Gui)
+set(ZX_MAY_USE_editor  zx::kernels host::mc host::zx host::qx zxalign::objects Qt6::Core Qt6::Gui Qt6::Widgets
+                       OpenGL::GL)
 set(ZX_MAY_USE_samples host::mc)
 # The programs load the package; they see its window-less interface only, never its classes.
 set(ZX_MAY_USE_apps    host::mc host::zx host::io zxalign::control zx::samples Qt6::Core Qt6::Gui
                        CLI11::CLI11 nlohmann_json::nlohmann_json TBB::tbb)
+set(ZX_MAY_USE_desktop host::mc host::zx host::io host::qx Qt6::Core Qt6::Gui Qt6::Widgets)
 
 function(zx_check_dependencies layer)
   foreach(dep IN LISTS ARGN)

@@ -101,6 +101,7 @@ public:
   const SliceInfo& getSlice(int slice) const noexcept { return m_slices[static_cast<std::size_t>(slice)]; }
   SliceInfo& getSlice(int slice) noexcept { return m_slices[static_cast<std::size_t>(slice)]; }
   const McDArray<SliceInfo>& getSlices() const noexcept { return m_slices; }
+  McDArray<SliceInfo>& slices() noexcept { return m_slices; }
   /// The transforms with which the label field was last realigned.
   const McDArray<SliceInfo>& getAppliedLabelSlices() const noexcept { return m_appliedLabelSlices; }
   bool isReferenceFixed() const noexcept { return m_fixReference; }

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QIcon>
+
+/// The program's icons.
+class ZxResource {
+public:
+  /// The icon of a name like "AlignMirror.png": drawn from the vector picture of that name, sharp at every
+  /// size and scale, in colours that can be read on the present palette. Null, after a message, when there is
+  /// none.
+  static QIcon readIcon(const char* name);
+};
