@@ -143,11 +143,11 @@ TEST_F(ZxModuleTest, HearsOfDataThatGoAwayDuringAPass)
 TEST_F(ZxModuleTest, TakesUpChangesFromOutsideAfterThePass)
 {
   probe->work = [this] {
-    probe->work = nullptr;
     probe->change([this] { probe->numbers.setValue(0, 7.0f); });
     for (const int button : {1, 0}) probe->change([this, button] { probe->buttons.hit(button); });
     EXPECT_TRUE(probe->isInPass());
     EXPECT_EQ(probe->numbers.getValue(0), 1.0f);
+    probe->work = nullptr;
   };
   probe->change([this] { probe->buttons.hit(1); });
   EXPECT_EQ(probe->passes, (Passes{{"buttons"}, {"numbers"}, {"buttons"}, {"buttons"}}));
@@ -168,9 +168,9 @@ TEST_F(ZxModuleTest, KeepsDataOfThePassAlive)
   pool.add(probe.get());
   probe->portData.connect(input);
   probe->work = [&] {
-    probe->work = nullptr;
     pool.remove(input);
     EXPECT_TRUE(alive);
+    probe->work = nullptr;
   };
   probe->fire();
   EXPECT_FALSE(alive);
