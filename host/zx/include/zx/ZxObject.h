@@ -12,7 +12,8 @@ public:
   bool isOfType(const McTypeInfo& type) const { return getTypeId().isDerivedFrom(type); }
 
   const McString& getLabel() const noexcept { return m_label; }
-  void setLabel(McString label) { m_label = std::move(label); }
+  /// Sets the label. In the pool labels are unique: one that is taken gets a number.
+  void setLabel(McString label);
 
 private:
   McString m_label;

@@ -2,6 +2,7 @@
 
 #include "zx/ZxObject.h"
 
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -12,8 +13,9 @@ public:
 
   /// Adds an object unless it is there already; a label that is taken gets a number.
   void add(ZxObject* object);
-  /// Removes an object and disconnects every module from it.
-  void remove(ZxObject* object);
+  /// Removes an object and disconnects every module from it. False, and a line on the message console, when
+  /// the object is in use by a job (ZxData::isInUse()).
+  bool remove(ZxObject* object);
   /// Removes everything, modules first.
   void clear();
   bool contains(const ZxObject* object) const noexcept;
@@ -23,7 +25,26 @@ public:
   /// Adds a new module of a registered class, or returns null when there is no such class.
   ZxObject* create(std::string_view typeName);
 
+  /// Calls a function after every change of the pool (an object added, removed, renamed), for as long as its
+  /// number is not given back.
+  int addListener(std::function<void()> changed);
+  void removeListener(int number);
+
 private:
+  friend class ZxObject;
+  struct Listener {
+    int number;
+    std::function<void()> changed;
+  };
+
   ZxObjectPool() = default;
+  /// A label that is free, made from one that is wanted.
+  std::string freeLabel(const std::string& wanted, const ZxObject* except) const;
+  /// An object of the pool gets another label.
+  McString relabelled(ZxObject& object, McString label);
+  void changed();
+
   std::vector<McHandle<ZxObject>> m_objects;
+  std::vector<Listener> m_listeners;
+  int m_nextNumber = 0;
 };
