@@ -36,6 +36,18 @@ const McTypeInfo& ZxSpatialData::getClassTypeId()
   return type;
 }
 
+ZxDataUse::ZxDataUse(McHandle<ZxSpatialData> data) : m_data(std::move(data))
+{
+  ++m_data->m_users;
+  if (ZxLattice* lattice = m_data->getLattice()) lattice->lock();
+}
+
+ZxDataUse::~ZxDataUse()
+{
+  if (ZxLattice* lattice = m_data->getLattice()) lattice->unlock();
+  --m_data->m_users;
+}
+
 ZxFileGeometry ZxFileGeometry::of(const ZxSpatialData& data)
 {
   ZxFileGeometry g;

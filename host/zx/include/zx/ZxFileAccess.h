@@ -74,6 +74,8 @@ public:
 
 private:
   friend class ZxFileJob;
+  /// Writes into the parameters whether the data are labels.
+  static void noteContent(ZxSpatialData& data);
   virtual ZxFileOutcome readVolume(const ZxReadRequest& request) = 0;
   virtual ZxFileOutcome writeVolume(const ZxSpatialData& data, const std::string& path) = 0;
 };

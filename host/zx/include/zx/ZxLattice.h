@@ -60,7 +60,7 @@ public:
   const void* sliceInMemory(int k) const { return m_source->sliceInMemory(k); }
   /// Like that of the source; null while the voxels are locked.
   void* beginWrite(int k);
-  bool endWrite(int k) { return m_source->endWrite(k); }
+  bool endWrite(int k);
 
   /// Keeps everyone from writing to the voxels until unlock() was called as often, on any thread.
   void lock() noexcept { ++m_locks; }

@@ -3,6 +3,7 @@
 #include "zx/ZxObject.h"
 
 #include <functional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -38,10 +39,8 @@ private:
   };
 
   ZxObjectPool() = default;
-  /// A label that is free, made from one that is wanted.
-  std::string freeLabel(const std::string& wanted, const ZxObject* except) const;
-  /// An object of the pool gets another label.
-  McString relabelled(ZxObject& object, McString label);
+  /// A label that no object but this one has, made from the one that is wanted.
+  std::string freeLabel(const std::string& wanted, const ZxObject* object) const;
   void changed();
 
   std::vector<McHandle<ZxObject>> m_objects;
