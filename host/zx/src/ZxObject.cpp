@@ -10,9 +10,12 @@ const McTypeInfo& ZxObject::getClassTypeId()
 
 void ZxObject::setLabel(McString label)
 {
-  ZxObjectPool& pool = ZxObjectPool::getThePool();
   if (label == m_label) return;
-  const bool isInPool = pool.contains(this);
-  m_label = isInPool ? pool.freeLabel(label.str(), this) : std::move(label);
-  if (isInPool) pool.changed();
+  m_label = m_inPool ? McString(ZxObjectPool::getThePool().freeLabel(label.str(), *this)) : std::move(label);
+  changed();
+}
+
+void ZxObject::changed()
+{
+  if (m_inPool) ZxObjectPool::getThePool().tellChanged(this);
 }

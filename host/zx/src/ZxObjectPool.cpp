@@ -11,12 +11,30 @@ ZxObjectPool& ZxObjectPool::getThePool()
   return instance;
 }
 
-std::string ZxObjectPool::freeLabel(const std::string& wanted, const ZxObject* object) const
+template <class Call>
+void ZxObjectPool::tell(Call call)
+{
+  const std::vector<ZxPoolObserver*> observers = m_observers;
+  for (ZxPoolObserver* o : observers)
+    if (std::find(m_observers.begin(), m_observers.end(), o) != m_observers.end()) call(*o);
+}
+
+void ZxObjectPool::tellChanged(ZxObject* object)
+{
+  tell([object](ZxPoolObserver& o) { o.objectChanged(object); });
+}
+
+void ZxObjectPool::tellPortsChanged(ZxModule* module)
+{
+  tell([module](ZxPoolObserver& o) { o.portsChanged(module); });
+}
+
+std::string ZxObjectPool::freeLabel(const std::string& wanted, const ZxObject& object) const
 {
   std::string label = wanted;
   for (int n = 2;; ++n) {
     const ZxObject* const holder = find(label);
-    if (!holder || holder == object) return label;
+    if (!holder || holder == &object) return label;
     label = wanted + " (" + std::to_string(n) + ")";
   }
 }
@@ -24,13 +42,22 @@ std::string ZxObjectPool::freeLabel(const std::string& wanted, const ZxObject* o
 void ZxObjectPool::add(ZxObject* object)
 {
   if (!object || contains(object)) return;
-  object->setLabel(freeLabel(object->getLabel().str(), object));
+  object->setLabel(McString(freeLabel(object->getLabel().str(), *object)));
   m_objects.emplace_back(object);
-  changed();
+  object->m_inPool = true;
+  tell([object](ZxPoolObserver& o) { o.objectAdded(object); });
+}
+
+void ZxObjectPool::take(const McHandle<ZxObject>& object)
+{
+  std::erase(m_objects, object);
+  object->m_inPool = false;
+  tell([&object](ZxPoolObserver& o) { o.objectRemoved(object.get()); });
 }
 
 bool ZxObjectPool::remove(ZxObject* object)
 {
+  if (!contains(object)) return true;
   const McHandle<ZxObject> alive(object);
   const auto* data = dynamic_cast<ZxData*>(object);
   if (data && data->isInUse()) {
@@ -38,8 +65,7 @@ bool ZxObjectPool::remove(ZxObject* object)
                                    data->getLabel().getString());
     return false;
   }
-  std::erase(m_objects, alive);
-  changed();
+  take(alive);
   if (!data) return true;
   const std::vector<McHandle<ZxObject>> others = m_objects; // A pass may change the pool.
   for (const McHandle<ZxObject>& o : others)
@@ -49,27 +75,10 @@ bool ZxObjectPool::remove(ZxObject* object)
 
 void ZxObjectPool::clear()
 {
-  std::erase_if(m_objects,
-                [](const McHandle<ZxObject>& o) { return dynamic_cast<ZxModule*>(o.get()) != nullptr; });
-  m_objects.clear();
-  changed();
-}
-
-int ZxObjectPool::addListener(std::function<void()> changed)
-{
-  m_listeners.push_back({m_nextNumber, std::move(changed)});
-  return m_nextNumber++;
-}
-
-void ZxObjectPool::removeListener(int number)
-{
-  std::erase_if(m_listeners, [&](const Listener& l) { return l.number == number; });
-}
-
-void ZxObjectPool::changed()
-{
-  const std::vector<Listener> listeners = m_listeners; // One that hears of it may leave or come.
-  for (const Listener& listener : listeners) listener.changed();
+  const std::vector<McHandle<ZxObject>> objects = m_objects;
+  for (const bool modules : {true, false})
+    for (const McHandle<ZxObject>& o : objects)
+      if ((dynamic_cast<ZxModule*>(o.get()) != nullptr) == modules && o->isInPool()) take(o);
 }
 
 bool ZxObjectPool::contains(const ZxObject* object) const noexcept

@@ -18,12 +18,12 @@ public:
   const ZxParamBundle& parameters() const noexcept { return m_parameters; }
 
   /// Says that the data or its parameters have changed: they count as unsaved from now on.
-  void touch() noexcept { ++m_changes; }
+  void touch();
   bool isUnsaved() const noexcept { return m_changes != m_saved; }
-  void setSaved() noexcept { setSaved(m_changes); }
+  void setSaved() { setSaved(m_changes); }
   /// Counts the changes so far; with setSaved() it says which state of the data was saved.
   std::uint64_t changeCount() const noexcept { return m_changes; }
-  void setSaved(std::uint64_t changeCount) noexcept { m_saved = changeCount; }
+  void setSaved(std::uint64_t changeCount);
 
   /// Name of the file from which the data were read or to which they were last written; empty when they have
   /// none. That of slices is the name of their folder or of the first.

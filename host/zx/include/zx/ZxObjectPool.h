@@ -1,21 +1,22 @@
 #pragma once
 
 #include "zx/ZxObject.h"
+#include "zx/ZxPoolObserver.h"
 
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-/// The objects of a session, in the order in which they were added. Owns them through handles.
+/// The objects of a session, in the order in which they were added. Owns them through handles, and tells its
+/// observers (ZxPoolObserver) of every change.
 class ZxObjectPool {
 public:
   static ZxObjectPool& getThePool();
 
   /// Adds an object unless it is there already; a label that is taken gets a number.
   void add(ZxObject* object);
-  /// Removes an object and disconnects every module from it. False, and a line on the message console, when
-  /// the object is in use by a job (ZxData::isInUse()).
+  /// Removes an object and disconnects every module from it. Does nothing for one that is not in the pool.
+  /// False, and a line on the message console, for data that a job works with (ZxData::isInUse()).
   bool remove(ZxObject* object);
   /// Removes everything, modules first.
   void clear();
@@ -26,24 +27,20 @@ public:
   /// Adds a new module of a registered class, or returns null when there is no such class.
   ZxObject* create(std::string_view typeName);
 
-  /// Calls a function after every change of the pool (an object added, removed, renamed), for as long as its
-  /// number is not given back.
-  int addListener(std::function<void()> changed);
-  void removeListener(int number);
-
 private:
+  friend class ZxModule;
   friend class ZxObject;
-  struct Listener {
-    int number;
-    std::function<void()> changed;
-  };
-
+  friend class ZxPoolObserver;
   ZxObjectPool() = default;
-  /// A label that no object but this one has, made from the one that is wanted.
-  std::string freeLabel(const std::string& wanted, const ZxObject* object) const;
-  void changed();
+  /// A label that no other object and no command has, made from the one that is wanted.
+  std::string freeLabel(const std::string& wanted, const ZxObject& object) const;
+  void take(const McHandle<ZxObject>& object);
+  void tellChanged(ZxObject* object);
+  void tellPortsChanged(ZxModule* module);
+  /// Calls a function for every observer; one may come or go meanwhile.
+  template <class Call>
+  void tell(Call call);
 
   std::vector<McHandle<ZxObject>> m_objects;
-  std::vector<Listener> m_listeners;
-  int m_nextNumber = 0;
+  std::vector<ZxPoolObserver*> m_observers;
 };
