@@ -144,8 +144,10 @@ int hitButton(ZxPortButtonList& port, Tcl_Interp* interp, ZxArguments arguments)
   if (!i) return kZxError;
   if (!port.isButtonSensitive(*i) || !port.isSensitive())
     return zxError(interp, "the button \"" + port.getButtonLabel(*i) + "\" cannot be pressed now");
+  const ZxWorkArea* const area = ZxWorkArea::getTheWorkArea();
+  const std::int64_t before = area->numInterruptions();
   port.getOwner()->change([&port, i = *i] { port.hit(i); });
-  if (ZxWorkArea::getTheWorkArea()->wasInterrupted()) return zxError(interp, "stopped by the user");
+  if (area->numInterruptions() != before) return zxError(interp, "stopped by the user");
   return kZxOk;
 }
 

@@ -22,6 +22,9 @@ public:
   const std::string& getName() const noexcept { return m_name; }
   const std::string& getLabel() const noexcept { return m_label; }
   ZxModule* getOwner() const noexcept { return m_owner; }
+  /// What the port is for, with the unit of its values: one or two sentences for a person. May be empty.
+  const std::string& getTip() const noexcept { return m_tip; }
+  void setTip(std::string tip) { m_tip = std::move(tip); }
   /// True inside a compute() pass when the port has changed since the pass before.
   bool isNew() const noexcept { return m_newInPass; }
   /// Says that the port has changed.
@@ -52,6 +55,7 @@ private:
   ZxModule* m_owner;
   std::string m_name;
   std::string m_label;
+  std::string m_tip;
   bool m_changed = false;
   bool m_newInPass = false;
   bool m_visible = true;
