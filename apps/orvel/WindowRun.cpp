@@ -44,6 +44,9 @@ int runWindow(const std::string& script, const std::vector<std::string>& files)
   interpreter.setQuitHandler([&window](int status) { quit(window, status); });
   for (const std::string& problem : session.problems()) print(problem);
   window.show();
+  QStringList names;
+  for (const std::string& file : files) names << QString::fromStdString(file);
+  if (!names.isEmpty()) window.open(names);
   QTimer scriptEvents;
   QObject::connect(&scriptEvents, &QTimer::timeout, [&interpreter] { interpreter.handleEvents(); });
   scriptEvents.start(scriptEventMilliseconds);
