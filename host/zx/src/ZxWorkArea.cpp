@@ -1,6 +1,7 @@
 #include "zx/ZxWorkArea.h"
 
 #include "ZxFormat.h"
+#include "zx/ZxThreadReports.h"
 
 #include <algorithm>
 #include <utility>
@@ -23,7 +24,11 @@ ZxWorkArea*& current()
 
 ZxWorkArea::~ZxWorkArea() = default;
 
-ZxWorkArea* ZxWorkArea::getTheWorkArea() { return current(); }
+ZxWorkArea* ZxWorkArea::getTheWorkArea()
+{
+  const ZxThreadReports* own = ZxThreadReports::ofThisThread();
+  return own ? &own->workArea() : current();
+}
 
 void ZxWorkArea::setTheWorkArea(ZxWorkArea* area) { current() = area ? area : &silent(); }
 
@@ -68,7 +73,9 @@ void ZxWorkArea::setProgressFraction(float fraction)
 bool ZxWorkArea::wasInterrupted(int processEvents)
 {
   if (processEvents) processPendingEvents();
-  return interruptRequested();
+  const bool stops = interruptRequested();
+  if (stops) ++m_interruptions;
+  return stops;
 }
 
 ZxWorkingPhase::ZxWorkingPhase(const char* message) : m_started(!ZxWorkArea::getTheWorkArea()->isWorking())
