@@ -205,8 +205,12 @@ void ZxInterpreter::setArguments(const std::string& program, std::span<const std
 void ZxInterpreter::handleEvents()
 {
   if (m_depth > 0) return;
-  while (Tcl_DoOneEvent(TCL_ALL_EVENTS | TCL_DONT_WAIT)) {
-  }
+  constexpr int atATime = 100; // What asks for itself again at once must not keep everything else waiting.
+  run([](Tcl_Interp*) {
+    for (int i = 0; i < atATime && Tcl_DoOneEvent(TCL_ALL_EVENTS | TCL_DONT_WAIT); ++i) {
+    }
+    return TCL_OK;
+  });
 }
 
 void ZxInterpreter::quit(int status)
