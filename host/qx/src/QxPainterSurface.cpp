@@ -32,7 +32,7 @@ void QxPainterSurface::paint(QPainter& painter)
   if (!m_scene.levels.isEmpty()) paintImage(painter);
   for (QxImageViewerShape* shape : m_scene.shapes) {
     painter.save();
-    painter.setTransform(m_scene.geometry.screenToWidget(), true);
+    painter.setTransform(m_scene.geometry().screenToWidget(), true);
     shape->paint(painter, m_scene.viewer);
     painter.restore();
   }
@@ -40,7 +40,7 @@ void QxPainterSurface::paint(QPainter& painter)
 
 void QxPainterSurface::paintImage(QPainter& painter)
 {
-  const QxImageViewerGeometry& geometry = m_scene.geometry;
+  const QxImageViewerGeometry& geometry = m_scene.geometry();
   const double widest = std::max(geometry.pixelWidth(), geometry.pixelHeight());
   const double devicePixels = widest * m_scene.viewer->devicePixelRatio();
   const int level = m_scene.levels.levelFor(devicePixels);
@@ -52,7 +52,7 @@ void QxPainterSurface::paintImage(QPainter& painter)
   // The last pixel of a reduction may reach beyond an image of odd size.
   painter.setClipRect(geometry.imageToWidget().mapRect(QRectF(QPointF(0, 0), geometry.imageSize())));
   painter.setTransform(toWidget, true);
-  painter.setRenderHint(QPainter::SmoothPixmapTransform, devicePixels < 1.0);
+  painter.setRenderHint(QPainter::SmoothPixmapTransform, devicePixels * step < 1.0);
   const QRectF seen = toWidget.inverted().mapRect(QRectF(m_scene.viewer->rect()));
   const QRect part = seen.toAlignedRect().adjusted(-1, -1, 1, 1) & image.rect();
   painter.drawImage(part.topLeft(), image, part);
