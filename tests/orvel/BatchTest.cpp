@@ -100,6 +100,13 @@ TEST_F(BatchTest, EndsWithTheStatusOfTheScript)
             "missing.tcl: there is no such file\n");
 }
 
+TEST_F(BatchTest, OutputThatCannotBeWrittenIsAFailure)
+{
+  const Outcome outcome = run("close stdout; open /dev/full w; puts hello");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "orvel: Standard output could not be written: No space left on device.\n");
+}
+
 TEST_F(BatchTest, DamagedFilesAndAFullDiskAreOneSentence)
 {
   makeStack("stack.nrrd");

@@ -113,6 +113,10 @@ ZxInterpreter::~ZxInterpreter()
 {
   m_objectCommands.reset();
   m_channels.reset();
+  flushOutput();
+  // Without another holder the end of the interpreter would close these for the whole program.
+  for (const int standard : {TCL_STDIN, TCL_STDOUT, TCL_STDERR})
+    if (Tcl_Channel channel = Tcl_GetStdChannel(standard)) Tcl_RegisterChannel(nullptr, channel);
 }
 
 void ZxInterpreter::Delete::operator()(Tcl_Interp* interp) const { Tcl_DeleteInterp(interp); }
@@ -223,6 +227,12 @@ void ZxInterpreter::setOutput(std::function<void(const std::string&)> output)
 {
   m_channels.reset();
   if (output) m_channels = std::make_unique<ZxScriptChannels>(m_interp.get(), std::move(output));
+}
+
+bool ZxInterpreter::flushOutput()
+{
+  Tcl_Channel channel = Tcl_GetStdChannel(TCL_STDOUT);
+  return !channel || Tcl_Flush(channel) == TCL_OK;
 }
 
 bool ZxInterpreter::isComplete(const std::string& script) { return Tcl_CommandComplete(script.c_str()) != 0; }
