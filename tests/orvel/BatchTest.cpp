@@ -17,7 +17,8 @@ protected:
   {
     test::writeFile(folder.file("script.tcl"), script);
     arguments.insert(arguments.begin(), {"-b", "script.tcl"});
-    return test::run({arguments, {{"QT_QPA_PLATFORM", "offscreen"}}, folder.path(), largestFile});
+    return test::run(
+        {arguments, {{"LC_ALL", ""}, {"LC_NUMERIC", "de_DE.UTF-8"}}, folder.path(), largestFile});
   }
   /// A stack whose slices are ramps, each moved against the one before.
   void makeStack(const std::string& name)
@@ -105,6 +106,15 @@ TEST_F(BatchTest, OutputThatCannotBeWrittenIsAFailure)
   const Outcome outcome = run("close stdout; open /dev/full w; puts hello");
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.err, "orvel: Standard output could not be written: No space left on device.\n");
+}
+
+TEST_F(BatchTest, AWindowNeedsADisplay)
+{
+  const std::map<std::string, std::string> none{
+      {"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}, {"QT_QPA_PLATFORM", ""}};
+  const Outcome outcome = test::run({{}, none, folder.path(), -1});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "orvel: There is no display for the window; orvel -b SCRIPT needs none.\n");
 }
 
 TEST_F(BatchTest, DamagedFilesAndAFullDiskAreOneSentence)
