@@ -38,6 +38,7 @@ namespace {
 QxMainWindow* theMainWindow = nullptr;
 
 constexpr int layoutVersion = 1;
+constexpr int messageMilliseconds = 10000;
 constexpr const char* geometryKey = "window/geometry";
 constexpr const char* stateKey = "window/state";
 constexpr QSize usualSize(1280, 800);
@@ -205,6 +206,9 @@ void QxMainWindow::connectParts()
   connect(m_page, &QxVolumePage::openWanted, m_files, qOverload<>(&QxFileCommands::askForFiles));
   connect(m_fileQueue, &QxFileQueue::opened, this, [this](ZxSpatialData* volume) { select(volume); });
   connect(m_files, &QxFileCommands::failed, m_messageBar, &QxMessageBar::tell);
+  connect(m_console, &QxConsole::told, this, [this](const QString& message) {
+    if (!m_console->isVisible()) statusBar()->showMessage(message, messageMilliseconds);
+  });
   connect(m_centre, &QStackedLayout::currentChanged, this, &QxMainWindow::followPage);
 }
 
