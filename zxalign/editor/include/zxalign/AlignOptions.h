@@ -1,10 +1,14 @@
 #pragma once
 
-#include <memory>
+#include "zx/ZxData.h"
 
+#include <functional>
+#include <vector>
+
+class QAbstractButton;
+class QSlider;
 class QxAlignSlicesOptionsDialog;
 class ZxAlignSlices;
-class ZxLattice;
 
 /// The settings of a module in the controls of the options dialog, and back.
 ///
@@ -26,21 +30,29 @@ public:
   /// Writes back what was changed; a size only where it is larger than the input's, and the background's
   /// alpha as 255 in every case. False, and nothing is written, when the module has another input by now.
   bool apply();
-  /// The tile size that is chosen.
-  int chessFieldSize() const;
+  /// The tile size that is chosen, known after apply().
+  int chessFieldSize() const noexcept { return m_tileSize; }
 
 private:
-  /// What the controls showed at first.
-  struct Shown;
+  /// A setting and the control that shows it, as a number. write is called with another number only.
+  struct Binding {
+    int shown;
+    std::function<int()> read;
+    std::function<void(int)> write;
+  };
+
+  void bind(QSlider* slider, int value, std::function<void(int)> write);
+  void bind(QAbstractButton* button, bool* setting);
   void showOutput();
+  void showSize();
   void showEdgeDetection();
   void showLeastSquares();
-  void applyOutput();
-  void applyEdgeDetection();
+  void applySize();
   void applyLeastSquares();
 
   ZxAlignSlices& m_module;
   QxAlignSlicesOptionsDialog& m_dialog;
-  const ZxLattice* m_input = nullptr; // to compare with only
-  std::unique_ptr<Shown> m_shown;
+  McHandle<ZxSpatialData> m_input; // that the dialog was filled for
+  std::vector<Binding> m_bindings;
+  int m_tileSize = 0;
 };

@@ -1,15 +1,16 @@
 #pragma once
 
+#include <QAction>
+#include <QKeySequence>
+#include <QList>
+#include <QMenu>
+#include <QMenuBar>
 #include <QObject>
 #include <QPointer>
 #include <QVector>
 
 #include <vector>
 
-class QAction;
-class QKeySequence;
-class QMenu;
-class QMenuBar;
 class QxAlignSlices;
 
 /// The menus of the editor window: "&View", "O&ptions", "&Align" and "Land&marks".
@@ -119,32 +120,67 @@ public Q_SLOTS:
   void showExtraViewer();
 
 private:
-  /// One row of a menu's table.
-  struct Item;
-  using Actions = std::vector<QPointer<QAction>>;
+  using Slot = void (QxAlignMenuBar::*)();
+  /// The item of an automatic method.
+  struct Method {
+    int id;
+    QPointer<QAction> item;
+  };
+  /// An item with a key and the editor's action that has the key while the menus are out.
+  struct Key {
+    QPointer<QAction> item;
+    QPointer<QAction> own;
+  };
+  /// Keys of an action of the main window, until they are given back.
+  struct Borrowed {
+    QPointer<QAction> action;
+    QList<QKeySequence> keys;
+  };
 
   QMenu* makeMenu(const char* title, const char* objectName);
-  QAction* addItem(QMenu* menu, const Item& item);
+  QAction* addItem(QMenu* menu, const char* text, const char* objectName, Slot slot,
+                   const char* key = nullptr);
   void makeOptionsMenu();
   void makeViewMenu();
   void makeAlignMenu();
   void addPlugInMethods();
   void makeLandmarksMenu();
-  void makeOwnActions();
-  /// An action of the editor with the key, the slot and the enabled state of an item.
-  void makeOwnAction(QAction* item, void (QxAlignMenuBar::*slot)());
-  void shareKeys();
+  QAction* makeOwnAction(QAction* item, Slot slot);
   void nameViews();
-  void checkMode(int mode);
   void chooseMode(int mode);
-  void hideOtherMenus(QMenuBar& bar);
+  void chooseComposition(const QAction* item);
+  bool isIn() const noexcept { return !m_inserted.isEmpty(); }
+  void hideOtherMenus() const;
   void borrowKeys();
   void giveKeysBack();
-  void showView(QAction* item, bool shown, void (QxAlignMenuBar::*slot)());
+  /// Gives every key to its item or to the editor's action.
+  void assignKeys();
+  void checkView(QAction* item, bool shown, Slot slot);
 
+  QPointer<QMenuBar> m_bar; // the main window's
   QPointer<QMenu> m_optionsMenu;
   QPointer<QMenu> m_viewMenu;
   QPointer<QMenu> m_alignMenu;
   QPointer<QMenu> m_landmarksMenu;
   QxAlignSlices* m_editor; // borrowed
+  QPointer<QAction> m_transformAll;
+  QPointer<QAction> m_fixReference;
+  QPointer<QAction> m_redGreen;
+  QPointer<QAction> m_chess;
+  QPointer<QAction> m_avg;
+  QPointer<QAction> m_invert;
+  QPointer<QAction> m_transformParameters;
+  QPointer<QAction> m_options;
+  QPointer<QAction> m_undo;
+  QPointer<QAction> m_redo;
+  std::vector<Method> m_methods;
+  QPointer<QAction> m_addLandmark;
+  QPointer<QAction> m_removeLandmark;
+  QPointer<QAction> m_sagittal;
+  QPointer<QAction> m_coronal;
+  QPointer<QAction> m_extraViewer;
+  QVector<QAction*> m_inserted; // the menus' actions in the bar; empty while they are out
+  std::vector<Key> m_keys;
+  std::vector<Borrowed> m_borrowed;
+  int m_listener; // of the preferences
 };

@@ -47,6 +47,8 @@ public:
   int imageHeight() const;
   /// Shows an output size. Emits nothing: a preview follows what a person types.
   void setImageSize(int width, int height);
+  /// True while the user wants to see the result's borders in the slice view.
+  bool showsBorders() const;
 
 public Q_SLOTS:
   /// Paints the swatch of the grey background.
@@ -79,6 +81,6 @@ private:
   static void place(QSlider* slider, QLabel* label, const Step& step);
 
   std::unique_ptr<Ui::QxAlignSlicesOptionsDialogBase> m_form;
-  Step m_translation{0.5f, 2.0f, 1.25f};
-  Step m_rotation{0.1f, 1.4f, 0.75f};
+  Step m_translation{0.5f, 2.0f, 1.25f}; // what the form shows before it is filled
+  Step m_rotation{0.5f, 1.0f, 0.75f};
 };
