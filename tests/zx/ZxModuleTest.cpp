@@ -137,3 +137,41 @@ TEST_F(ZxModuleTest, HearsOfDataThatGoAwayDuringAPass)
   EXPECT_EQ(probe->passes, (Passes{{"data"}, {"data"}}));
   EXPECT_FALSE(probe->portData.isConnected());
 }
+
+// A person at the window presses and types while a pass handles events: nothing of it is lost, nothing is
+// seen by the pass that runs, and each change gets a pass of its own.
+TEST_F(ZxModuleTest, TakesUpChangesFromOutsideAfterThePass)
+{
+  probe->work = [this] {
+    probe->change([this] { probe->numbers.setValue(0, 7.0f); });
+    for (const int button : {1, 0}) probe->change([this, button] { probe->buttons.hit(button); });
+    EXPECT_TRUE(probe->isInPass());
+    EXPECT_EQ(probe->numbers.getValue(0), 1.0f);
+    probe->work = nullptr;
+  };
+  probe->change([this] { probe->buttons.hit(1); });
+  EXPECT_EQ(probe->passes, (Passes{{"buttons"}, {"numbers"}, {"buttons"}, {"buttons"}}));
+  EXPECT_EQ(probe->hits, (std::vector<int>{1, -1, 1, 0}));
+}
+
+// What a pass works on stays in memory until the pass has ended, even when the last one to hold it lets go.
+TEST_F(ZxModuleTest, KeepsDataOfThePassAlive)
+{
+  struct Watched : ZxRegScalarField3 {
+    explicit Watched(bool& flag) : ZxRegScalarField3(ZxLattice3::create({{2, 2, 2}})), alive(flag) {}
+    ~Watched() override { alive = false; }
+    bool& alive;
+  };
+  bool alive = true;
+  auto* input = new Watched(alive);
+  pool.add(input);
+  pool.add(probe.get());
+  probe->portData.connect(input);
+  probe->work = [&] {
+    pool.remove(input);
+    EXPECT_TRUE(alive);
+    probe->work = nullptr;
+  };
+  probe->fire();
+  EXPECT_FALSE(alive);
+}

@@ -22,6 +22,18 @@ const McTypeInfo& ZxData::getClassTypeId()
   return type;
 }
 
+void ZxData::touch()
+{
+  ++m_changes;
+  changed();
+}
+
+void ZxData::setSaved()
+{
+  m_saved = m_changes;
+  changed();
+}
+
 McString ZxData::composeLabel(const McString& base, const char* suffix)
 {
   const std::string& text = base.str();

@@ -17,6 +17,13 @@ void ZxModule::fire()
 {
   if (m_inPass) return;
   const McHandle<ZxModule> alive(this); // A pass may remove the module from the pool.
+  do {
+    runPass();
+  } while (takeUpWaiting());
+}
+
+void ZxModule::runPass()
+{
   m_inPass = true;
   update();
   for (ZxPort* p : m_ports) p->beginPass();
@@ -24,9 +31,34 @@ void ZxModule::fire()
   for (ZxPort* p : m_ports) p->endPass();
   update();
   m_inPass = false;
-  if (m_forgotten.empty()) return;
+  m_last.clear();
+  portsChanged();
+}
+
+bool ZxModule::takeUpWaiting()
+{
+  const bool again = !m_forgotten.empty() || !m_waiting.empty();
   for (ZxPort* p : std::exchange(m_forgotten, {})) p->touch();
+  if (!m_waiting.empty()) {
+    const std::function<void()> edit = std::move(m_waiting.front());
+    m_waiting.pop_front();
+    edit();
+  }
+  return again;
+}
+
+void ZxModule::change(std::function<void()> edit)
+{
+  m_waiting.push_back(std::move(edit));
+  if (m_inPass) return;
+  const McHandle<ZxModule> alive(this);
+  takeUpWaiting();
   fire();
+}
+
+void ZxModule::portsChanged()
+{
+  if (isInPool()) ZxObjectPool::getThePool().tellPortsChanged(this);
 }
 
 ZxPort* ZxModule::findPort(std::string_view name) const noexcept
@@ -42,6 +74,7 @@ void ZxModule::forgetData(const ZxData* data)
   for (ZxPort* p : m_ports) {
     auto* connection = dynamic_cast<ZxConnection*>(p);
     if (!connection || !data || connection->getSource() != data) continue;
+    if (m_inPass) m_last.emplace_back(connection->getSource());
     connection->disconnect();
     if (m_inPass) m_forgotten.push_back(p);
     found = true;

@@ -1,7 +1,21 @@
 #include "zx/ZxObject.h"
 
+#include "zx/ZxObjectPool.h"
+
 const McTypeInfo& ZxObject::getClassTypeId()
 {
   static const McTypeInfo type("ZxObject", {});
   return type;
+}
+
+void ZxObject::setLabel(McString label)
+{
+  if (label == m_label) return;
+  m_label = std::move(label);
+  changed();
+}
+
+void ZxObject::changed()
+{
+  if (m_inPool) ZxObjectPool::getThePool().tellChanged(this);
 }

@@ -10,6 +10,24 @@ ZxObjectPool& ZxObjectPool::getThePool()
   return instance;
 }
 
+template <class Call>
+void ZxObjectPool::tell(Call call)
+{
+  const std::vector<ZxPoolObserver*> observers = m_observers;
+  for (ZxPoolObserver* o : observers)
+    if (std::find(m_observers.begin(), m_observers.end(), o) != m_observers.end()) call(*o);
+}
+
+void ZxObjectPool::tellChanged(ZxObject* object)
+{
+  tell([object](ZxPoolObserver& o) { o.objectChanged(object); });
+}
+
+void ZxObjectPool::tellPortsChanged(ZxModule* module)
+{
+  tell([module](ZxPoolObserver& o) { o.portsChanged(module); });
+}
+
 void ZxObjectPool::add(ZxObject* object)
 {
   if (!object || contains(object)) return;
@@ -17,12 +35,22 @@ void ZxObjectPool::add(ZxObject* object)
   for (int n = 2; find(object->getLabel().str()); ++n)
     object->setLabel(McString(base + " (" + std::to_string(n) + ")"));
   m_objects.emplace_back(object);
+  object->m_inPool = true;
+  tell([object](ZxPoolObserver& o) { o.objectAdded(object); });
+}
+
+void ZxObjectPool::take(const McHandle<ZxObject>& object)
+{
+  std::erase(m_objects, object);
+  object->m_inPool = false;
+  tell([&object](ZxPoolObserver& o) { o.objectRemoved(object.get()); });
 }
 
 void ZxObjectPool::remove(ZxObject* object)
 {
+  if (!contains(object)) return;
   const McHandle<ZxObject> alive(object);
-  std::erase(m_objects, alive);
+  take(alive);
   const auto* data = dynamic_cast<ZxData*>(object);
   if (!data) return;
   const std::vector<McHandle<ZxObject>> others = m_objects; // A pass may change the pool.
@@ -32,9 +60,10 @@ void ZxObjectPool::remove(ZxObject* object)
 
 void ZxObjectPool::clear()
 {
-  std::erase_if(m_objects,
-                [](const McHandle<ZxObject>& o) { return dynamic_cast<ZxModule*>(o.get()) != nullptr; });
-  m_objects.clear();
+  const std::vector<McHandle<ZxObject>> objects = m_objects;
+  for (const bool modules : {true, false})
+    for (const McHandle<ZxObject>& o : objects)
+      if ((dynamic_cast<ZxModule*>(o.get()) != nullptr) == modules && o->isInPool()) take(o);
 }
 
 bool ZxObjectPool::contains(const ZxObject* object) const noexcept

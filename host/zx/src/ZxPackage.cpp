@@ -69,6 +69,13 @@ std::string ZxPackage::load(const std::string& name)
   return {};
 }
 
+std::vector<std::string> ZxPackage::loaded()
+{
+  std::vector<std::string> names;
+  for (const auto& [name, folder] : loadedPackages()) names.push_back(name);
+  return names;
+}
+
 std::string ZxPackage::folder(const std::string& name)
 {
   const auto it = loadedPackages().find(name);

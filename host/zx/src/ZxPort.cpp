@@ -3,6 +3,7 @@
 #include "zx/ZxModule.h"
 
 #include <algorithm>
+#include <utility>
 
 ZxPort::ZxPort(ZxModule* owner, const char* name, const char* label)
   : m_owner(owner), m_name(name), m_label(label)
@@ -11,6 +12,24 @@ ZxPort::ZxPort(ZxModule* owner, const char* name, const char* label)
 }
 
 ZxPort::~ZxPort() { std::erase(m_owner->m_ports, this); }
+
+void ZxPort::touch()
+{
+  m_changed = true;
+  appearanceChanged();
+}
+
+void ZxPort::setVisible(bool visible)
+{
+  if (std::exchange(m_visible, visible) != visible) appearanceChanged();
+}
+
+void ZxPort::setSensitive(bool sensitive)
+{
+  if (std::exchange(m_sensitive, sensitive) != sensitive) appearanceChanged();
+}
+
+void ZxPort::appearanceChanged() { m_owner->portsChanged(); }
 
 void ZxPort::beginPass() noexcept
 {
@@ -90,6 +109,19 @@ ZxPortButtonList::ZxPortButtonList(ZxModule* owner, const char* name, const char
   : ZxPort(owner, name, label)
 {
   for (std::string& b : buttons) m_buttons.push_back({std::move(b)});
+}
+
+void ZxPortButtonList::setButtonLabel(int i, const char* label)
+{
+  std::string& shown = m_buttons[static_cast<std::size_t>(i)].label;
+  if (shown == label) return;
+  shown = label;
+  appearanceChanged();
+}
+
+void ZxPortButtonList::setButtonSensitive(int i, bool on)
+{
+  if (std::exchange(m_buttons[static_cast<std::size_t>(i)].sensitive, on) != on) appearanceChanged();
 }
 
 void ZxPortButtonList::hit(int i)

@@ -3,6 +3,7 @@
 #include "ZxFormat.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -42,7 +43,11 @@ void ZxWorkArea::stopWorking()
   workingChanged();
 }
 
-void ZxWorkArea::setBusy(bool busy) { m_busy = std::max(0, m_busy + (busy ? 1 : -1)); }
+void ZxWorkArea::setBusy(bool busy)
+{
+  const int before = std::exchange(m_busy, std::max(0, m_busy + (busy ? 1 : -1)));
+  if ((before > 0) != (m_busy > 0)) busyChanged();
+}
 
 void ZxWorkArea::setProgressText(const char* format, ...)
 {

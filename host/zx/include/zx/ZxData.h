@@ -17,9 +17,9 @@ public:
   const ZxParamBundle& parameters() const noexcept { return m_parameters; }
 
   /// Says that the data or its parameters have changed: they count as unsaved from now on.
-  void touch() noexcept { ++m_changes; }
+  void touch();
   bool isUnsaved() const noexcept { return m_changes != m_saved; }
-  void setSaved() noexcept { m_saved = m_changes; }
+  void setSaved();
 
   /// Label of something derived from an object: "stack.tif" and "align" give "stack.align".
   static McString composeLabel(const McString& base, const char* suffix);

@@ -3,6 +3,8 @@
 #include "zx/ZxData.h"
 #include "zx/ZxPort.h"
 
+#include <deque>
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -20,6 +22,11 @@ public:
   /// Runs one pass: update(), then compute() with the changed ports new, then update(). A call from inside a
   /// pass does nothing.
   void fire();
+  /// Makes a change to the ports that comes from outside, as from a person or a script, and runs a pass for
+  /// it. During a pass the change waits until that has ended; changes wait in order, each for its own pass.
+  void change(std::function<void()> edit);
+  /// True while a pass of this module runs.
+  bool isInPass() const noexcept { return m_inPass; }
   /// Sets which ports are visible and sensitive.
   virtual void update() {}
   /// Reacts to the ports that are new.
@@ -39,8 +46,15 @@ protected:
 
 private:
   friend class ZxPort;
+  void runPass();
+  /// True when something that came up during the pass asks for another one.
+  bool takeUpWaiting();
+  void portsChanged();
+
   bool m_inPass = false;
-  std::vector<ZxPort*> m_forgotten; // connections whose data went away during a pass
+  std::deque<std::function<void()>> m_waiting;
+  std::vector<ZxPort*> m_forgotten;     // connections whose data went away during a pass
+  std::vector<McHandle<ZxData>> m_last; // those data, which the pass may still be using
 };
 
 /// A module that makes results from its input.

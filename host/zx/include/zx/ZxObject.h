@@ -12,8 +12,16 @@ public:
   bool isOfType(const McTypeInfo& type) const { return getTypeId().isDerivedFrom(type); }
 
   const McString& getLabel() const noexcept { return m_label; }
-  void setLabel(McString label) { m_label = std::move(label); }
+  void setLabel(McString label);
+  /// True while the object is in the pool.
+  bool isInPool() const noexcept { return m_inPool; }
+
+protected:
+  /// Tells the observers of the pool, while the object is in it, that something about it has changed.
+  void changed();
 
 private:
+  friend class ZxObjectPool;
+  bool m_inPool = false;
   McString m_label;
 };

@@ -1,18 +1,20 @@
 #pragma once
 
 #include "zx/ZxObject.h"
+#include "zx/ZxPoolObserver.h"
 
 #include <string_view>
 #include <vector>
 
-/// The objects of a session, in the order in which they were added. Owns them through handles.
+/// The objects of a session, in the order in which they were added. Owns them through handles, and tells its
+/// observers (ZxPoolObserver) of every change.
 class ZxObjectPool {
 public:
   static ZxObjectPool& getThePool();
 
   /// Adds an object unless it is there already; a label that is taken gets a number.
   void add(ZxObject* object);
-  /// Removes an object and disconnects every module from it.
+  /// Removes an object and disconnects every module from it. Does nothing for one that is not in the pool.
   void remove(ZxObject* object);
   /// Removes everything, modules first.
   void clear();
@@ -24,6 +26,17 @@ public:
   ZxObject* create(std::string_view typeName);
 
 private:
+  friend class ZxModule;
+  friend class ZxObject;
+  friend class ZxPoolObserver;
   ZxObjectPool() = default;
+  void take(const McHandle<ZxObject>& object);
+  void tellChanged(ZxObject* object);
+  void tellPortsChanged(ZxModule* module);
+  /// Calls a function for every observer; one may come or go meanwhile.
+  template <class Call>
+  void tell(Call call);
+
   std::vector<McHandle<ZxObject>> m_objects;
+  std::vector<ZxPoolObserver*> m_observers;
 };

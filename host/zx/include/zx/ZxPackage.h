@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 /// Number of the interface that packages are built against. A package returns the number that it was built
 /// with; the host loads only its own.
@@ -16,6 +17,8 @@ public:
   /// Returns an empty string, or one sentence that says what is wrong.
   static std::string load(const std::string& name);
 
+  /// The names of the packages that were loaded.
+  static std::vector<std::string> loaded();
   /// The folder from which a package was loaded, where what belongs to it lies; empty when it was not loaded.
   static std::string folder(const std::string& name);
 };

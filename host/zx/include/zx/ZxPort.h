@@ -25,14 +25,16 @@ public:
   /// True inside a compute() pass when the port has changed since the pass before.
   bool isNew() const noexcept { return m_newInPass; }
   /// Says that the port has changed.
-  void touch() noexcept { m_changed = true; }
+  void touch();
 
   bool isVisible() const noexcept { return m_visible; }
-  void setVisible(bool visible) noexcept { m_visible = visible; }
+  void setVisible(bool visible);
   bool isSensitive() const noexcept { return m_sensitive; }
-  void setSensitive(bool sensitive) noexcept { m_sensitive = sensitive; }
+  void setSensitive(bool sensitive);
 
 protected:
+  /// Tells those who show the port that something about it has changed that is no new value.
+  void appearanceChanged();
   /// The pass in which the port was new has ended.
   virtual void passEnded() {}
 
@@ -55,6 +57,7 @@ class ZxConnection : public ZxPort {
 public:
   ZxConnection(ZxModule* owner, const char* name, std::vector<const McTypeInfo*> accepted);
 
+  const std::vector<const McTypeInfo*>& acceptedTypes() const noexcept { return m_accepted; }
   bool accepts(const ZxObject& object) const;
   /// Connects to an object. False, and nothing changes, when its type is not accepted.
   bool connect(ZxData* source);
@@ -115,9 +118,9 @@ public:
   {
     return m_buttons[static_cast<std::size_t>(i)].label;
   }
-  void setButtonLabel(int i, const char* label) { m_buttons[static_cast<std::size_t>(i)].label = label; }
+  void setButtonLabel(int i, const char* label);
   bool isButtonSensitive(int i) const noexcept { return m_buttons[static_cast<std::size_t>(i)].sensitive; }
-  void setButtonSensitive(int i, bool on) { m_buttons[static_cast<std::size_t>(i)].sensitive = on; }
+  void setButtonSensitive(int i, bool on);
   /// Presses a button; an insensitive one does nothing.
   void hit(int i);
   /// The button pressed since the pass before, or -1.

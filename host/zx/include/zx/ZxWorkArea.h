@@ -41,6 +41,8 @@ protected:
   virtual void show() {}
   /// A working phase has begun or ended.
   virtual void workingChanged() {}
+  /// The busy indicator has been switched on or off.
+  virtual void busyChanged() {}
   virtual bool interruptRequested() { return false; }
 
 private:

@@ -1,27 +1,177 @@
 #pragma once
 
 #include "mc/McDArray.h"
+#include "qx/QxCentralPage.h"
 #include "zxalign/SliceInfo.h"
+#include "zxalign/ZxAlignEditor.h"
 
+#include <QList>
 #include <QMainWindow>
+#include <QPoint>
 
+class QToolBar;
+class QxAlignMenuBar;
+class QxAlignSlicesOptionsDialog;
+class QxAlignToolBar;
+class QxAlignTransformToolBar;
+class QxAlignUndoRedo;
+class QxAutoAlignToolBar;
+class QxDrawAlignSlices;
+class QxOrthoViewManager;
 class ZxAlignSlices;
 
-/// The editor window of one module: a page of the main window's centre.
-class QxAlignSlices : public QMainWindow {
+/// The editor window of one module, "Slice Aligner": a page of the main window's centre.
+///
+/// It holds no alignment of its own: its slots are where what a person does becomes a change of the module,
+/// and every change is shown by all its parts: slice view, three toolbars, menus, orthogonal views. The
+/// module owns the window and outlives it. Distances are pixels of the slices, y downwards; angles degrees;
+/// slices are counted from 0. Without an input the window shows nothing and every edit is refused.
+class QxAlignSlices : public QMainWindow, public ZxAlignEditor, public QxCentralPage {
   Q_OBJECT
 public:
+  /// How a pair is edited.
+  enum EditMode { EditTransform = 1, EditLandmarks = 3 };
+  /// The built-in automatic methods; further ones follow.
+  enum AlignMode { AlignCenters, AlignGray, AlignLandmarks, AlignEdgeDetection };
+
   explicit QxAlignSlices(ZxAlignSlices* module);
   ~QxAlignSlices() override;
 
   /// The module that the window edits.
-  ZxAlignSlices& module() const noexcept { return *m_module; }
+  ZxAlignSlices& module() noexcept override { return *m_module; }
   /// The module's slice records, one per slice.
   McDArray<SliceInfo>& getTransform();
+  /// The history as the slice view and the menus use it; another one after reInit().
+  QxAlignUndoRedo* undoRedo() const noexcept;
+  /// The orthogonal views; they live as long as the window.
+  QxOrthoViewManager* getOrthoViewManager() const noexcept;
+  QxDrawAlignSlices* drawArea() const noexcept { return m_drawArea; }
+  QxAlignMenuBar* menuSet() const noexcept;
+  /// The options dialog while it is open, else null.
+  QxAlignSlicesOptionsDialog* optionsDialog() const noexcept { return m_options; }
   /// Size of the slice view in pixels.
   int getDrawAreaWidth() const;
   int getDrawAreaHeight() const;
+  /// Those of the toolbars that are visible: slices and zoom, modes and actions, transform.
+  QList<QToolBar*> getVisibleToolbar() const;
+  /// The automatic method of "Align current pair": an AlignMode, or the id of a plug-in's method.
+  int getAlignMode() const noexcept { return m_alignMode; }
+  int getChessFieldSize() const noexcept { return m_chessFieldSize; }
+  /// Edge length of the checkerboard's tiles in screen pixels; positive.
+  void setChessFieldSize(int size);
+
+  // ZxAlignEditor
+  /// Redraws the pair and brings the toolbars up to date.
+  void updateViews() override;
+  void setSliceInfo(const SliceInfo& info) override;
+  void reinitialise() override { reInit(); }
+  void repaintSliceView() override;
+  void suspendUpdates() override;
+  void resumeUpdates() override;
+  void showPair() override;
+  void undoEmpty() override;
+  void undoNotEmpty() override;
+  void redoEmpty() override;
+  void redoNotEmpty() override;
+
+  // QxCentralPage
+  /// Closes the editor by way of its module, whose button says so afterwards.
+  bool canClose() override;
+
+  /// Shows transform and slice numbers in the toolbars, translations cut off to whole pixels.
+  void updateToolbar();
+  /// Refreshes the cross-sections of the slices that a change of the editable slice has affected; the whole
+  /// stack when asked to. dx and dy tell how far slices were moved when nothing but translated is set.
+  void updateOrthoViews(int dx, int dy, bool translated, bool rotated, bool mirrored, bool wholeStack);
+  /// Goes to a slice and the reference beside it. At an end of the stack the editable side changes first.
+  void updateTransformLowerUpperSliceInfo(int slice);
+  /// Takes up another input: range, history, views, menus.
+  void reInit();
+  /// Composition of the pair: 1 red/green, 2 checkerboard, 3 average, 4 inverted. Others are ignored.
+  void changeViewMode(int mode);
+  /// 0: manual alignment, others: landmarks.
+  void changeEditMode(int mode);
+  /// Lower, upper and "Transform all", which a fixed reference makes unavailable.
+  void enableButtons();
+  void disableButtons();
+  /// Schedules a repaint of the slice view.
+  void draw();
+
+Q_SIGNALS:
+  void chessSignal(int fieldSize);
+
+public Q_SLOTS:
+  /// Takes away the current slice's transform.
+  void reset();
+  /// Takes away the transforms of all slices.
+  void resetAll();
+  void transformAll();
+  void fixReference();
+  /// Reads the stored alignment from the input's parameters.
+  void read();
+  /// Stores the alignment in the input's parameters.
+  void save();
+  /// Resamples into a new result.
+  void apply();
+  /// Asks what to do with unsaved changes, if there are any, and puts the window away. False when it stays.
+  bool cancel() override;
+  void changeAlignMode(int mode);
+  /// The options dialog, modal.
+  void showParameters();
+  /// Aligns the current pair.
+  void doAutoAlign();
+  /// Aligns the whole stack, outwards from the reference slice. One undo takes it back.
+  void doAllAutoAlign();
+  /// Goes to another slice; slices outside the stack are refused.
+  void sliceChange(float slice);
+  void setActive(bool visible) override;
+  void addPoint(QPoint point);
+  void removePoint(int index);
+  void movePoints(QPoint offset, int index);
+  /// -1: the lower slice of the pair is edited, +1: the upper one.
+  void setEditableSlice(int side);
+  void setEditMode(int mode);
+  /// Flips the current slice.
+  void mirror();
+  void chess();
+  void showTransformToolBar(bool visible);
+  void showCoronalView(bool visible);
+  void showSagittalView(bool visible);
+  void orthoViewZoomIn();
+  void orthoViewZoomOut();
+  void viewZoomIn();
+  void viewZoomOut();
+  void setSagittalViewSliceNumber(int number);
+  int getSagittalViewSliceNumber();
+  void setCoronalViewSliceNumber(int number);
+  int getCoronalViewSliceNumber();
+  void setOrthoViewLineWidth(int value);
+  void setUseMaxIntProjection(bool on) override;
+  int getEditMode();
+  // Edits of the transform toolbar. They leave the orthogonal views as they are, deliberately: whoever types
+  // through values waits for none of them.
+  void toolBarTranslateX(int t);
+  void toolBarTranslateY(int t);
+  void toolBarRotate(float r);
+  void toolBarFlip(bool b);
+  /// The current slice's new translation from the slice view; wholeStack moves all slices with it.
+  void translate(float x, float y, bool wholeStack);
+  /// The current slice's new rotation from the slice view; wholeStack turns all slices with it.
+  void rotate(float angle, bool wholeStack);
+  // Previews of the result's size in the slice view.
+  void calcNewImageSize(bool autoSize, bool showBorder);
+  void showBorder(bool autoSize, bool showBorder, int newx, int newy);
+  void changeBorderSize(int newx, int newy);
+
+protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
 
 private:
-  ZxAlignSlices* m_module; // borrowed
+  ZxAlignSlices* m_module;                         // borrowed
+  QxDrawAlignSlices* m_drawArea = nullptr;         // child
+  QxAlignSlicesOptionsDialog* m_options = nullptr; // on the stack of showParameters()
+  int m_editMode = EditTransform;
+  int m_alignMode = AlignGray;
+  int m_chessFieldSize = 50;
 };

@@ -1,0 +1,10 @@
+#pragma once
+
+/// A page of the main window's centre that may hold unsaved work. A page widget derives from it as well; the
+/// main window asks every page of its stack that does before it closes.
+class QxCentralPage {
+public:
+  virtual ~QxCentralPage() = default;
+  /// Asks the user, if need be, what becomes of unsaved work. False: everything stays open.
+  virtual bool canClose() = 0;
+};

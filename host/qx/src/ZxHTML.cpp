@@ -1,0 +1,1 @@
+#include "qx/ZxHTML.h"
