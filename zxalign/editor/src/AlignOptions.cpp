@@ -20,7 +20,9 @@ constexpr int largestScaleFactor = 8;
 /// The power of two that is not above a number of levels, as the slider counts it.
 int scaleFactorOf(int levels)
 {
-  return levels < 1 ? 0 : std::min(std::bit_width(static_cast<unsigned>(levels)) - 1, largestScaleFactor);
+  return levels < 1 ? 0
+                    : std::min(static_cast<int>(std::bit_width(static_cast<unsigned>(levels))) - 1,
+                               largestScaleFactor);
 }
 
 /// The angle that moves a point at half the width of a slice by so many pixels.

@@ -7,6 +7,8 @@
 #include "zx/ZxSkin.h"
 #include "zxalign/QxAlignSlices.h"
 #include "zxalign/QxOrthoViewManager.h"
+#include "zxalign/QxViewAlignSlicesCoronal.h"
+#include "zxalign/QxViewAlignSlicesSagittal.h"
 #include "zxalign/ZxAutoAlignMethodFabrique.h"
 
 #include <QFileInfo>
