@@ -6,6 +6,7 @@
 #include "mc/McRound.h"
 #include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
+#include "zxalign/AlignRecovery.h"
 #include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignEditor.h"
 #include "zxalign/ZxAutoAlignMethod.h"
@@ -63,7 +64,8 @@ ZxAlignSlices::ZxAlignSlices()
                         "Number of slices projected:", {{"Reference:", 10.0f}, {"Editable:", 10.0f}}),
     portResampleMethod(this, "resampleMethod", "Resample method", {"Preview", "High Quality"}, 1),
     portAction(this, "action", "Action:", {"Edit", "Resample", "Resample to Result"}),
-    m_data(std::make_unique<ZxAlignData>(this)), m_methods(ZxAutoAlignMethodFabrique::getInstance())
+    m_data(std::make_unique<ZxAlignData>(this)), m_methods(ZxAutoAlignMethodFabrique::getInstance()),
+    m_recovery(std::make_unique<AlignRecovery>(*this))
 {
   ZxAlignSlices::update();
 }
@@ -71,6 +73,7 @@ ZxAlignSlices::ZxAlignSlices()
 ZxAlignSlices::~ZxAlignSlices()
 {
   m_editor.reset(); // It shows and edits everything else.
+  m_recovery.reset();
   m_data.reset();
 }
 
@@ -109,12 +112,14 @@ bool ZxAlignSlices::computeData()
 void ZxAlignSlices::rejectInput()
 {
   portData.disconnect();
+  m_recovery->detach();
   m_undoRedo.clear();
   m_data->reset();
 }
 
 bool ZxAlignSlices::acceptInput(ZxSpatialData* data, ZxLattice* lattice)
 {
+  m_recovery->detach();
   m_undoRedo.clear(); // its snapshots are of other slices
   if (!m_data->init(data, lattice)) return false;
   if (lattice->isColor()) {
@@ -135,6 +140,7 @@ bool ZxAlignSlices::acceptInput(ZxSpatialData* data, ZxLattice* lattice)
   initDataWindow(*lattice);
   initTransforms();
   initPair();
+  m_recovery->attach();
   return true;
 }
 
@@ -289,6 +295,7 @@ void ZxAlignSlices::restoreState(const AlignState& state)
     m_editor->showPair();
     m_editor->resumeUpdates();
   }
+  m_recovery->queue();
   updateQuality();
 }
 
