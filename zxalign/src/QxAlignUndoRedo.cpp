@@ -17,6 +17,7 @@ void QxAlignUndoRedo::saveState()
 void QxAlignUndoRedo::undo()
 {
   ZxAlignSlices& module = m_editor->module();
+  if (module.isRunning()) return; // A method works on the slices.
   const std::optional<State> state = module.history().undo(module.currentState());
   if (!state) return;
   restoreState(*state);
@@ -27,6 +28,7 @@ void QxAlignUndoRedo::undo()
 void QxAlignUndoRedo::redo()
 {
   ZxAlignSlices& module = m_editor->module();
+  if (module.isRunning()) return; // A method works on the slices.
   const std::optional<State> state = module.history().redo(module.currentState());
   if (!state) return;
   restoreState(*state);

@@ -15,6 +15,7 @@ void ZxAlignUndoRedo::saveState()
 
 void ZxAlignUndoRedo::undo()
 {
+  if (m_module->isRunning()) return; // A method works on the slices.
   AlignHistory& history = m_module->history();
   const std::optional<State> state = history.undo(m_module->currentState());
   if (!state) return;
@@ -25,6 +26,7 @@ void ZxAlignUndoRedo::undo()
 
 void ZxAlignUndoRedo::redo()
 {
+  if (m_module->isRunning()) return; // A method works on the slices.
   AlignHistory& history = m_module->history();
   const std::optional<State> state = history.redo(m_module->currentState());
   if (!state) return;

@@ -1,6 +1,7 @@
 #include "zx/ZxThread.h"
 
-#include <QMetaObject>
+#include <QCoreApplication>
+#include <QEvent>
 #include <QObject>
 
 #include <chrono>
@@ -10,6 +11,21 @@
 
 class ZxThread::Private {
 public:
+  /// Lives in the creator's thread; what is posted to it goes with it.
+  class Receiver : public QObject {
+  public:
+    explicit Receiver(Private& owner) : m_owner(owner) {}
+    bool event(QEvent* event) override
+    {
+      if (event->type() != QEvent::User) return QObject::event(event);
+      m_owner.deliver();
+      return true;
+    }
+
+  private:
+    Private& m_owner;
+  };
+
   Private(ZxThread* owner, Callback function) : callback(function), thread([this, owner] { loop(owner); }) {}
   ~Private()
   {
@@ -53,7 +69,7 @@ public:
   }
 
   const Callback callback;
-  QObject receiver; // lives in the creator's thread; what is queued for it goes with it
+  Receiver receiver{*this};
   std::mutex mutex;
   std::condition_variable changed;
   bool requested = false;
@@ -113,13 +129,14 @@ bool ZxThread::isStopRequested() const
 
 void ZxThread::callThreadCallback(void* data)
 {
-  Private* const p = m_private.get();
+  Private& p = *m_private;
+  // Made before the mutex is taken, so that it is complete for whoever takes it after.
+  auto event = std::make_unique<QEvent>(QEvent::User);
   {
-    const std::lock_guard lock(p->mutex);
-    p->callbackData = data;
-    if (p->callbackPending) return;
-    p->callbackPending = true;
+    const std::lock_guard lock(p.mutex);
+    p.callbackData = data;
+    if (p.callbackPending) return;
+    p.callbackPending = true;
   }
-  QMetaObject::invokeMethod(
-      &p->receiver, [p] { p->deliver(); }, Qt::QueuedConnection);
+  QCoreApplication::postEvent(&p.receiver, event.release());
 }

@@ -70,8 +70,7 @@ void QxAlignToolBar::zoomIn()
 {
   if (m_zoom < 0.51f) return setZoom(2.0f * m_zoom);
   const int n = mc::addHalfAndTrunc(m_zoom);
-  setZoom(n >= 1 && n <= 3 ? static_cast<float>(n + 1)
-                           : static_cast<float>(mc::addHalfAndTrunc(1.5 * n)));
+  setZoom(n >= 1 && n <= 3 ? static_cast<float>(n + 1) : static_cast<float>(mc::addHalfAndTrunc(1.5 * n)));
 }
 
 void QxAlignToolBar::zoomOut()

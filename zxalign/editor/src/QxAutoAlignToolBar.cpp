@@ -1,7 +1,7 @@
 #include "zxalign/QxAutoAlignToolBar.h"
 
-#include "AlignUpdateHold.h"
 #include "qx/ZxResource.h"
+#include "zxalign/QxDrawAlignSlices.h"
 
 #include <QMainWindow>
 #include <QToolButton>
@@ -67,7 +67,7 @@ void QxAutoAlignToolBar::alignCenters()
 {
   checkMode(0);
   {
-    const AlignUpdateHold hold(m_drawArea);
+    const QxDrawAlignSlices::UpdateSuppression suppression(m_drawArea);
     editTransform();
   }
   Q_EMIT alignModeChanged(0);
@@ -77,7 +77,7 @@ void QxAutoAlignToolBar::alignGray()
 {
   checkMode(1);
   {
-    const AlignUpdateHold hold(m_drawArea);
+    const QxDrawAlignSlices::UpdateSuppression suppression(m_drawArea);
     editTransform();
   }
   Q_EMIT alignModeChanged(1);
@@ -115,7 +115,7 @@ void QxAutoAlignToolBar::editLandmarks()
   m_transform->setChecked(false);
   m_landmarks->setChecked(true);
   if (!m_modes[2]->isChecked()) {
-    const AlignUpdateHold hold(m_drawArea);
+    const QxDrawAlignSlices::UpdateSuppression suppression(m_drawArea);
     alignLandmarks();
   }
   Q_EMIT editModeChanged(3);

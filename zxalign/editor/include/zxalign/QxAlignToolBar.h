@@ -34,7 +34,7 @@ Q_SIGNALS:
 private:
   void setZoom(float zoom);
 
-  QLabel* m_zoomLabel;  // child
+  QLabel* m_zoomLabel;   // child
   QxFullSlider* m_slice; // child
   float m_zoom = 1.0f;
 };

@@ -36,8 +36,8 @@ Q_SIGNALS:
 private:
   QSpinBox* addPixels(const char* label, const char* name);
 
-  QSpinBox* m_x;          // child
-  QSpinBox* m_y;          // child
-  QDoubleSpinBox* m_rot;  // child
-  QCheckBox* m_flip;      // child
+  QSpinBox* m_x;         // child
+  QSpinBox* m_y;         // child
+  QDoubleSpinBox* m_rot; // child
+  QCheckBox* m_flip;     // child
 };

@@ -58,10 +58,10 @@ private:
   QToolButton* addButton(const Button& button);
   void checkMode(int mode);
 
-  std::array<QToolButton*, 4> m_modes{}; // children, in the order of the modes
-  QToolButton* m_transform = nullptr;    // child
-  QToolButton* m_landmarks = nullptr;    // child
-  QToolButton* m_lower = nullptr;        // child
-  QToolButton* m_upper = nullptr;        // child
+  std::array<QToolButton*, 4> m_modes{};   // children, in the order of the modes
+  QToolButton* m_transform = nullptr;      // child
+  QToolButton* m_landmarks = nullptr;      // child
+  QToolButton* m_lower = nullptr;          // child
+  QToolButton* m_upper = nullptr;          // child
   QxDrawAlignSlices* m_drawArea = nullptr; // borrowed
 };
