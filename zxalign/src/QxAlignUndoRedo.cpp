@@ -1,5 +1,6 @@
 #include "zxalign/QxAlignUndoRedo.h"
 
+#include "zxalign/AlignRecovery.h"
 #include "zxalign/ZxAlignEditor.h"
 #include "zxalign/ZxAlignSlices.h"
 
@@ -9,6 +10,7 @@ void QxAlignUndoRedo::saveState()
 {
   ZxAlignSlices& module = m_editor->module();
   module.history().save(module.currentState());
+  module.recovery().queue();
   Q_EMIT undoNotEmpty();
 }
 

@@ -8,6 +8,7 @@
 #include "zx/ZxController.h"
 #include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
+#include "zxalign/AlignRecovery.h"
 #include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignEditor.h"
 #include "zxalign/ZxAutoAlignMethod.h"
@@ -67,7 +68,8 @@ ZxAlignSlices::ZxAlignSlices()
                         "Number of slices projected:", {{"Reference:", 10.0f}, {"Editable:", 10.0f}}),
     portResampleMethod(this, "resampleMethod", "Resample method", {"Preview", "High Quality"}, 1),
     portAction(this, "action", "Action:", {"Edit", "Resample", "Resample to Result"}),
-    m_data(std::make_unique<ZxAlignData>(this)), m_methods(ZxAutoAlignMethodFabrique::getInstance())
+    m_data(std::make_unique<ZxAlignData>(this)), m_methods(ZxAutoAlignMethodFabrique::getInstance()),
+    m_recovery(std::make_unique<AlignRecovery>(*this))
 {
   ZxAlignSlices::update();
 }
@@ -75,6 +77,7 @@ ZxAlignSlices::ZxAlignSlices()
 ZxAlignSlices::~ZxAlignSlices()
 {
   m_editor.reset(); // It shows and edits everything else.
+  m_recovery.reset();
   m_data.reset();
 }
 
@@ -116,6 +119,7 @@ void ZxAlignSlices::rejectInput()
   const McHandle<ZxSpatialData> before(m_data->getSpatialData());
   const ZxEditorPause pause(m_editor.get());
   portData.disconnect();
+  m_recovery->detach();
   m_undoRedo.clear();
   m_data->reset();
   if (m_editor) m_editor->reinitialise();
@@ -125,6 +129,7 @@ bool ZxAlignSlices::acceptInput(ZxSpatialData* data, ZxLattice* lattice)
 {
   const McHandle<ZxSpatialData> before(m_data->getSpatialData()); // as in rejectInput()
   const ZxEditorPause pause(m_editor.get());
+  m_recovery->detach();
   m_undoRedo.clear(); // its snapshots are of other slices
   if (!m_data->init(data, lattice)) {
     if (m_editor) m_editor->reinitialise();
@@ -148,6 +153,7 @@ bool ZxAlignSlices::acceptInput(ZxSpatialData* data, ZxLattice* lattice)
   initDataWindow(*lattice);
   initTransforms();
   initPair();
+  m_recovery->attach();
   return true;
 }
 
@@ -336,6 +342,7 @@ void ZxAlignSlices::restoreState(const AlignState& state)
   if (m_useMaxIntProjection) mapSlices(); // projections are made with the transforms
   m_modified = true;
   if (m_editor) m_editor->showPair();
+  m_recovery->queue();
   updateQuality();
 }
 

@@ -10,6 +10,7 @@
 #include "mc/McRound.h"
 #include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
+#include "zxalign/AlignRecovery.h"
 #include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignEditor.h"
 #include "zxalign/ZxAlignSlices.h"
@@ -195,6 +196,7 @@ bool ZxAlignSlices::saveTransform(ZxParamBundle& target, McDArray<SliceInfo>& sl
   m_data->touchInputData();
   if (!storage::writeTransforms(target, slices, m_data->getDims())) return false;
   savePoints(target, slices);
+  if (&target == input) m_recovery->forget();
   return true;
 }
 

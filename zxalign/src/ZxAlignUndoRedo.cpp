@@ -1,5 +1,6 @@
 #include "zxalign/ZxAlignUndoRedo.h"
 
+#include "zxalign/AlignRecovery.h"
 #include "zxalign/ZxAlignEditor.h"
 #include "zxalign/ZxAlignSlices.h"
 
@@ -8,6 +9,7 @@ ZxAlignUndoRedo::ZxAlignUndoRedo(ZxAlignSlices* module, int) : m_module(module) 
 void ZxAlignUndoRedo::saveState()
 {
   m_module->history().save(m_module->currentState());
+  m_module->recovery().queue();
   tell(&ZxAlignEditor::undoNotEmpty);
 }
 

@@ -14,6 +14,7 @@
 
 #include <memory>
 
+class AlignRecovery;
 class ZxAlignData;
 class ZxAlignEditor;
 class ZxAutoAlignMethod;
@@ -101,6 +102,9 @@ public:
   /// Gives back slices, editable side, editable slice and the reference slice beside it. References into the
   /// slices become invalid.
   void restoreState(const AlignState& state);
+
+  /// What keeps unsaved edits for the case of a crash.
+  AlignRecovery& recovery() noexcept { return *m_recovery; }
 
   /// Frames per second of ten repaints of the editor's slice view; 0 without an editor.
   float performanceTest();
@@ -253,4 +257,5 @@ private:
   ZxAlignSettings m_settings;
   AlignHistory m_history;
   ZxAlignUndoRedo m_undoRedo{this};
+  std::unique_ptr<AlignRecovery> m_recovery;
 };
