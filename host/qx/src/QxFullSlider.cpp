@@ -26,9 +26,9 @@ QxFullSlider::QxFullSlider(QWidget* parent, const char* name)
   m_field->setAccessibleName(objectName());
   m_field->setAlignment(Qt::AlignRight);
   // A field lower than its style would like still shows whole digits.
-  m_slider->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
-  m_field->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored);
-  m_field->setMinimumHeight(0);
+  m_slider->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+  m_field->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
+  m_field->setMinimumHeight(1);
   setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 
   auto* row = new QHBoxLayout(this);

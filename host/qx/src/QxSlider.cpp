@@ -146,9 +146,17 @@ void QxSlider::drawFrame(QPainter& painter) const
   style()->drawControl(QStyle::CE_ShapedFrame, &option, &painter, this);
 }
 
+/// As fields of text show it: not every style marks a slider.
+void QxSlider::drawFocus(QPainter& painter) const
+{
+  if (!hasFocus()) return;
+  painter.setPen(palette().color(QPalette::Highlight));
+  painter.setBrush(Qt::NoBrush);
+  painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 2.0, 2.0);
+}
+
 void QxSlider::drawTicks(QPainter& painter) const
 {
-  painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(Qt::NoPen);
   painter.setBrush(palette().color(QPalette::WindowText));
   const double bottom = height() - frameWidth();
@@ -166,7 +174,9 @@ void QxSlider::paintEvent(QPaintEvent*)
   drawFrame(painter);
   const QStyleOptionSlider option = styleOption();
   painter.drawComplexControl(QStyle::CC_Slider, option);
+  painter.setRenderHint(QPainter::Antialiasing);
   drawTicks(painter);
+  drawFocus(painter);
 }
 
 void QxSlider::mousePressEvent(QMouseEvent* event)

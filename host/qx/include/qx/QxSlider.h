@@ -60,6 +60,7 @@ private:
   double pixelOf(float value) const;
   float valueAt(double pixel) const;
   void drawFrame(QPainter& painter) const;
+  void drawFocus(QPainter& painter) const;
   void drawTicks(QPainter& painter) const;
 
   float m_value = 0.0f;
