@@ -184,7 +184,8 @@ void QxOrthoViewManager::deleteView(OrthoOrientation orientation)
 
 void QxOrthoViewManager::createToolBar()
 {
-  m_toolBar = new QxViewAlignSlicesOrthogonalCommonToolBar(this, m_editor, m_shape.dims.width, m_shape.dims.height);
+  m_toolBar =
+      new QxViewAlignSlicesOrthogonalCommonToolBar(this, m_editor, m_shape.dims.width, m_shape.dims.height);
   m_editor->addToolBar(Qt::TopToolBarArea, m_toolBar);
   m_toolBar->setShowZRange(m_showZRange);
   m_toolBar->setZRange(m_zHalfWidth);
@@ -215,7 +216,8 @@ void QxOrthoViewManager::setSliceNumberSagittal(int x)
     m_cutX = x;
   }
   if (m_toolBar) m_toolBar->setSagittalSlice(x);
-  if (m_sagittalView) updateView(0, m_shape.dims.slices - 1, OrthoOrientation::Sagittal, 0, 0, false, false, false);
+  if (m_sagittalView)
+    updateView(0, m_shape.dims.slices - 1, OrthoOrientation::Sagittal, 0, 0, false, false, false);
 }
 
 void QxOrthoViewManager::setSliceNumberCoronal(int y)
@@ -228,7 +230,8 @@ void QxOrthoViewManager::setSliceNumberCoronal(int y)
     m_cutY = y;
   }
   if (m_toolBar) m_toolBar->setCoronalSlice(y);
-  if (m_coronalView) updateView(0, m_shape.dims.slices - 1, OrthoOrientation::Coronal, 0, 0, false, false, false);
+  if (m_coronalView)
+    updateView(0, m_shape.dims.slices - 1, OrthoOrientation::Coronal, 0, 0, false, false, false);
 }
 
 void QxOrthoViewManager::setSliceNumberAxial(int z)
