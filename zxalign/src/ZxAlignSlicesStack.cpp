@@ -10,6 +10,7 @@
 #include "mc/McRound.h"
 #include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
+#include "zxalign/AlignRecovery.h"
 #include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignEditor.h"
 #include "zxalign/ZxAlignSlices.h"
@@ -195,6 +196,7 @@ bool ZxAlignSlices::saveTransform(ZxParamBundle& target, McDArray<SliceInfo>& sl
   m_data->touchInputData();
   if (!storage::writeTransforms(target, slices, m_data->getDims())) return false;
   savePoints(target, slices);
+  if (&target == input) m_recovery->forget();
   return true;
 }
 
@@ -344,9 +346,6 @@ void ZxAlignSlices::selectPair(const ZxAlignPair& pair)
 
 bool ZxAlignSlices::alignPair(const ZxAlignPair& pair, int method, ZxAlignPairResult& result)
 {
-  using Clock = std::chrono::steady_clock;
-  const Clock::time_point start = Clock::now();
-  selectPair(pair);
   result.pair = pair;
   result.qualityBefore = static_cast<double>(computeQuality());
   const ZxAlignTransform before = toControl(getSlice(pair.editable));
@@ -354,28 +353,53 @@ bool ZxAlignSlices::alignPair(const ZxAlignPair& pair, int method, ZxAlignPairRe
   result.transform = toControl(getSlice(pair.editable));
   result.changed = !(result.transform == before);
   result.qualityAfter = static_cast<double>(computeQuality());
-  result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
   return true;
 }
 
-int ZxAlignSlices::alignAll(int method, int reference,
-                            const std::function<void(const ZxAlignPairResult&)>& done)
+int ZxAlignSlices::alignPairs(const std::vector<ZxAlignPair>& pairs, int method, const SelectPair& select,
+                              const PairDone& done)
 {
+  using Clock = std::chrono::steady_clock;
   ZxWorkArea* workArea = ZxWorkArea::getTheWorkArea();
-  const std::vector<ZxAlignPair> pairs = alignmentOrder(reference, numSlices());
   const ZxWorkingPhase phase("");
-  // A run needs these two; the user finds them as they were.
-  const bool transformAll = std::exchange(m_transformAll, true);
-  const bool fixReference = std::exchange(m_fixReference, false);
   int count = 0;
   for (const ZxAlignPair& pair : pairs) {
+    const Clock::time_point start = Clock::now();
+    select(pair);
     workArea->setProgressText("Aligning slice %d with %d", pair.editable, pair.reference);
     workArea->setProgressFraction((static_cast<float>(count) + 0.5f) / static_cast<float>(pairs.size()));
     ZxAlignPairResult result;
-    if (!alignPair(pair, method, result) || workArea->wasInterrupted(1)) break;
+    const bool aligned = done ? alignPair(pair, method, result) : doLayout(method) != 0;
+    if (!aligned || workArea->wasInterrupted(1)) break;
+    result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
     if (done) done(result);
     ++count;
   }
+  return count;
+}
+
+int ZxAlignSlices::runOverStack(int method, int reference, const SelectPair& select, const PairDone& done)
+{
+  if (isRunning()) return 0;
+  std::vector<ZxAlignPair> pairs = alignmentOrder(reference, numSlices());
+  if (m_fixReference)
+    for (ZxAlignPair& pair : pairs) pair.reference = reference;
+  int count = 0;
+  withoutPasses([&] {
+    m_stackRuns = true;
+    count = alignPairs(pairs, method, select, done);
+    m_stackRuns = false;
+  });
+  return count;
+}
+
+int ZxAlignSlices::alignAll(int method, int reference, const PairDone& done)
+{
+  // A run needs these two; the user finds them as they were.
+  const bool transformAll = std::exchange(m_transformAll, true);
+  const bool fixReference = std::exchange(m_fixReference, false);
+  const int count = runOverStack(
+      method, reference, [this](const ZxAlignPair& pair) { selectPair(pair); }, done);
   m_transformAll = transformAll;
   m_fixReference = fixReference;
   return count;

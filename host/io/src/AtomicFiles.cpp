@@ -1,6 +1,7 @@
 #include "AtomicFiles.h"
 
 #include "FileError.h"
+#include "zx/ZxWorkArea.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -86,6 +87,7 @@ void AtomicFiles::commit(const std::string& last)
 {
   const std::vector<std::string> all = names();
   flush(all);
+  if (!ZxWorkArea::getTheWorkArea()->beginLastStep()) throw Interrupted();
   for (const std::string& name : all) {
     if (name != last) rename(name);
   }

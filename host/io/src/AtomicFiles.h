@@ -19,7 +19,8 @@ public:
   /// The path to write to for a file that is to be called name.
   std::string temporary(const std::string& name) const { return m_folder + m_prefix + name; }
   /// Puts all files written so far on the disk and gives them their names; the one called last is the last
-  /// one: a header that says where the data are comes after them. Throws Error, a full disk shows here too.
+  /// one: a header that says where the data are comes after them. Throws Error, a full disk shows here too,
+  /// and so does a stop that came before the first name was given.
   void commit(const std::string& last);
 
 private:

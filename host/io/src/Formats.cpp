@@ -15,22 +15,6 @@
 namespace io {
 namespace {
 
-/// In the order in which they are asked: those with unmistakable first bytes come first.
-const std::vector<std::unique_ptr<Format>>& allFormats()
-{
-  static const std::vector<std::unique_ptr<Format>> formats = [] {
-    std::vector<std::unique_ptr<Format>> list;
-    list.push_back(makeTiffFormat());
-    list.push_back(makePictureFormat());
-    list.push_back(makeNrrdFormat());
-    list.push_back(makeNiftiFormat());
-    list.push_back(makeMetaImageFormat());
-    list.push_back(makeMrcFormat());
-    return list;
-  }();
-  return formats;
-}
-
 std::vector<std::byte> readHead(const std::string& path)
 {
   constexpr std::size_t n = 4096;
@@ -44,6 +28,22 @@ std::vector<std::byte> readHead(const std::string& path)
 }
 
 } // namespace
+
+const std::vector<std::unique_ptr<Format>>& allFormats()
+{
+  // In the order in which they are asked: those with unmistakable first bytes come first.
+  static const std::vector<std::unique_ptr<Format>> formats = [] {
+    std::vector<std::unique_ptr<Format>> list;
+    list.push_back(makeTiffFormat());
+    list.push_back(makePictureFormat());
+    list.push_back(makeNrrdFormat());
+    list.push_back(makeNiftiFormat());
+    list.push_back(makeMetaImageFormat());
+    list.push_back(makeMrcFormat());
+    return list;
+  }();
+  return formats;
+}
 
 const Format& formatOfFile(const std::string& path)
 {

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace io {
 
@@ -13,6 +14,8 @@ std::unique_ptr<VolumeReader> openFile(const std::string& path);
 const Format& formatOfFile(const std::string& path);
 /// The format to write by the ending of a name; null when no format has it.
 const Format* formatOfName(const std::string& path);
+/// All formats.
+const std::vector<std::unique_ptr<Format>>& allFormats();
 /// "use .tif, .nrrd, ...": the endings that can be written.
 std::string writableEndings();
 

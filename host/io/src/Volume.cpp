@@ -7,6 +7,7 @@
 #include "ParameterJson.h"
 #include "SliceSequence.h"
 #include "SliceWriter.h"
+#include "zx/ZxFileAccess.h"
 #include "zx/ZxMemory.h"
 #include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
@@ -164,6 +165,26 @@ void finish(ZxSpatialData& data, const Input& input)
   for (const std::string& remark : input.info.remarks) ZxMessage::getTheMsg()->printf("%s", remark.c_str());
 }
 
+bool canBeLabels(const Input& input)
+{
+  const ZxLatticeShape& shape = input.info.shape;
+  return shape.numDataVars == 1 && ZxLabelLattice::isLabelType(shape.primType);
+}
+
+McHandle<ZxField3> fieldOf(Input& input)
+{
+  McHandle<ZxField3> field = ZxField3::create(readLattice<ZxLattice3>(input));
+  finish(*field, input);
+  return field;
+}
+
+McHandle<ZxUniformLabelField3> labelsOf(Input& input)
+{
+  auto field = mcMake<ZxUniformLabelField3>(readLattice<ZxLabelLattice3>(input));
+  finish(*field, input);
+  return field;
+}
+
 /// Where a volume is written: a file, or a sequence.
 struct Output {
   std::string path; ///< of the file, or of slice 0 of the sequence
@@ -262,9 +283,7 @@ McHandle<ZxField3> readVolume(const std::vector<std::string>& inputs, const Read
 {
   return guarded("read", nameOf(inputs), [&] {
     Input input = openInput(inputs, options);
-    McHandle<ZxField3> field = ZxField3::create(readLattice<ZxLattice3>(input));
-    finish(*field, input);
-    return field;
+    return fieldOf(input);
   });
 }
 
@@ -272,13 +291,21 @@ McHandle<ZxUniformLabelField3> readLabels(const std::vector<std::string>& inputs
 {
   return guarded("read", nameOf(inputs), [&] {
     Input input = openInput(inputs, options);
-    const ZxLatticeShape& shape = input.info.shape;
-    if (shape.numDataVars != 1 || !ZxLabelLattice::isLabelType(shape.primType)) {
+    if (!canBeLabels(input)) {
       cannotRead(input.name, "labels are integers of 8, 16 or 32 bits, not " + input.info.storedType);
     }
-    auto field = mcMake<ZxUniformLabelField3>(readLattice<ZxLabelLattice3>(input));
-    finish(*field, input);
-    return field;
+    return labelsOf(input);
+  });
+}
+
+McHandle<ZxSpatialData> readAnything(const std::vector<std::string>& inputs, const ReadOptions& options)
+{
+  return guarded("read", nameOf(inputs), [&] {
+    Input input = openInput(inputs, options);
+    std::string content;
+    input.info.parameters.findString(ZxFileAccess::contentParameter, content);
+    const bool isLabels = content == ZxFileAccess::labelContent && canBeLabels(input);
+    return isLabels ? McHandle<ZxSpatialData>(labelsOf(input)) : McHandle<ZxSpatialData>(fieldOf(input));
   });
 }
 

@@ -28,9 +28,9 @@ void ZxData::touch()
   changed();
 }
 
-void ZxData::setSaved()
+void ZxData::setSaved(std::uint64_t changeCount)
 {
-  m_saved = m_changes;
+  m_saved = changeCount;
   changed();
 }
 
@@ -46,6 +46,18 @@ const McTypeInfo& ZxSpatialData::getClassTypeId()
 {
   static const McTypeInfo type("ZxSpatialData", {&ZxData::getClassTypeId()});
   return type;
+}
+
+ZxDataUse::ZxDataUse(McHandle<ZxSpatialData> data) : m_data(std::move(data))
+{
+  ++m_data->m_users;
+  if (ZxLattice* lattice = m_data->getLattice()) lattice->lock();
+}
+
+ZxDataUse::~ZxDataUse()
+{
+  if (ZxLattice* lattice = m_data->getLattice()) lattice->unlock();
+  --m_data->m_users;
 }
 
 ZxFileGeometry ZxFileGeometry::of(const ZxSpatialData& data)

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <tuple>
 #include <type_traits>
 #include <vector>
 
@@ -24,8 +25,9 @@ void widenRange(const T* values, std::size_t n, T& min, T& max)
   }
 }
 
+/// False when a slice could not be read.
 template <class T>
-void rangeOf(ZxLattice& lattice, float& min, float& max)
+bool rangeOf(ZxLattice& lattice, float& min, float& max)
 {
   const ZxLatticeShape& shape = lattice.shape();
   const std::size_t n = shape.dims.slicePixels() * static_cast<std::size_t>(shape.numDataVars);
@@ -38,14 +40,15 @@ void rangeOf(ZxLattice& lattice, float& min, float& max)
     const T* values = static_cast<const T*>(lattice.sliceInMemory(k));
     if (!values) {
       copy.resize(n);
-      if (!lattice.readSlice(k, copy.data())) return;
+      if (!lattice.readSlice(k, copy.data())) return false;
       values = copy.data();
     }
     widenRange(values, n, lo, hi);
   }
-  if (lo > hi) return;
+  if (lo > hi) return true;
   min = static_cast<float>(lo);
   max = static_cast<float>(hi);
+  return true;
 }
 
 /// n * f, or the largest number when that overflows.
@@ -110,7 +113,25 @@ bool ZxLattice::isValid() const noexcept
 void ZxLattice::getRange(float& min, float& max)
 {
   min = max = 0.0f;
-  mcVisit(primType(), [&](auto zero) { rangeOf<decltype(zero)>(*this, min, max); });
+  bool known = m_range.has_value();
+  if (known)
+    std::tie(min, max) = *m_range;
+  else
+    mcVisit(primType(), [&](auto zero) { known = rangeOf<decltype(zero)>(*this, min, max); });
+  if (known) m_range.emplace(min, max);
+}
+
+void* ZxLattice::beginWrite(int k)
+{
+  if (m_locks > 0) return nullptr;
+  m_range.reset();
+  return m_source->beginWrite(k);
+}
+
+bool ZxLattice::endWrite(int k)
+{
+  m_range.reset();
+  return m_source->endWrite(k);
 }
 
 std::unique_ptr<ZxLattice3> ZxLattice3::create(const ZxLatticeShape& shape)

@@ -1,6 +1,7 @@
 #include "zx/ZxMessage.h"
 
 #include "ZxFormat.h"
+#include "zx/ZxThreadReports.h"
 
 #include <cstdio>
 
@@ -28,8 +29,9 @@ void ZxMessage::printf(const char* format, ...)
   std::string line = zxFormat(format, arguments);
   va_end(arguments);
   if (!line.empty() && line.back() == '\n') line.pop_back();
-  if (m_sink)
-    m_sink(line);
+  const ZxThreadReports* own = ZxThreadReports::ofThisThread();
+  if (const Sink& sink = own ? own->sink() : m_sink)
+    sink(line);
   else
     std::fprintf(stderr, "%s\n", line.c_str());
 }

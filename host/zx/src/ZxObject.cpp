@@ -11,7 +11,7 @@ const McTypeInfo& ZxObject::getClassTypeId()
 void ZxObject::setLabel(McString label)
 {
   if (label == m_label) return;
-  m_label = std::move(label);
+  m_label = m_inPool ? McString(ZxObjectPool::getThePool().freeLabel(label.str(), *this)) : std::move(label);
   changed();
 }
 

@@ -1,5 +1,6 @@
 #include "zx/ZxObjectPool.h"
 
+#include "zx/ZxMessage.h"
 #include "zx/ZxModule.h"
 
 #include <algorithm>
@@ -28,12 +29,20 @@ void ZxObjectPool::tellPortsChanged(ZxModule* module)
   tell([module](ZxPoolObserver& o) { o.portsChanged(module); });
 }
 
+std::string ZxObjectPool::freeLabel(const std::string& wanted, const ZxObject& object) const
+{
+  std::string label = wanted;
+  for (int n = 2;; ++n) {
+    const ZxObject* const holder = find(label);
+    if (!holder || holder == &object) return label;
+    label = wanted + " (" + std::to_string(n) + ")";
+  }
+}
+
 void ZxObjectPool::add(ZxObject* object)
 {
   if (!object || contains(object)) return;
-  const std::string base = object->getLabel().str();
-  for (int n = 2; find(object->getLabel().str()); ++n)
-    object->setLabel(McString(base + " (" + std::to_string(n) + ")"));
+  object->setLabel(McString(freeLabel(object->getLabel().str(), *object)));
   m_objects.emplace_back(object);
   object->m_inPool = true;
   tell([object](ZxPoolObserver& o) { o.objectAdded(object); });
@@ -46,16 +55,22 @@ void ZxObjectPool::take(const McHandle<ZxObject>& object)
   tell([&object](ZxPoolObserver& o) { o.objectRemoved(object.get()); });
 }
 
-void ZxObjectPool::remove(ZxObject* object)
+bool ZxObjectPool::remove(ZxObject* object)
 {
-  if (!contains(object)) return;
+  if (!contains(object)) return true;
   const McHandle<ZxObject> alive(object);
-  take(alive);
   const auto* data = dynamic_cast<ZxData*>(object);
-  if (!data) return;
+  if (data && data->isInUse()) {
+    ZxMessage::getTheMsg()->printf("%s is being written and cannot be removed before that is done.",
+                                   data->getLabel().getString());
+    return false;
+  }
+  take(alive);
+  if (!data) return true;
   const std::vector<McHandle<ZxObject>> others = m_objects; // A pass may change the pool.
   for (const McHandle<ZxObject>& o : others)
     if (auto* module = dynamic_cast<ZxModule*>(o.get())) module->forgetData(data);
+  return true;
 }
 
 void ZxObjectPool::clear()

@@ -1,6 +1,7 @@
 #include "zx/ZxWorkArea.h"
 
 #include "ZxFormat.h"
+#include "zx/ZxThreadReports.h"
 
 #include <algorithm>
 #include <utility>
@@ -23,7 +24,11 @@ ZxWorkArea*& current()
 
 ZxWorkArea::~ZxWorkArea() = default;
 
-ZxWorkArea* ZxWorkArea::getTheWorkArea() { return current(); }
+ZxWorkArea* ZxWorkArea::getTheWorkArea()
+{
+  const ZxThreadReports* own = ZxThreadReports::ofThisThread();
+  return own ? &own->workArea() : current();
+}
 
 void ZxWorkArea::setTheWorkArea(ZxWorkArea* area) { current() = area ? area : &silent(); }
 

@@ -42,6 +42,10 @@ McHandle<ZxField3> readVolume(const std::vector<std::string>& inputs, const Read
 McHandle<ZxUniformLabelField3> readLabels(const std::vector<std::string>& inputs,
                                           const ReadOptions& options = {});
 
+/// Reads what a file was saved as: labels when its parameters say so (ZxFileAccess::contentParameter) and its
+/// voxels can be labels, else a volume.
+McHandle<ZxSpatialData> readAnything(const std::vector<std::string>& inputs, const ReadOptions& options = {});
+
 /// Writes a volume with its parameters in the format of the name: .tif .tiff .nrrd .nhdr .mrc .mha .mhd .nii
 /// .nii.gz; a name with a number pattern (aligned_%04d.tif) or one that ends in '/' gives one file a slice.
 /// Files are written beside their target and renamed into place.

@@ -4,8 +4,11 @@
 #include "zx/ZxBox3.h"
 #include "zx/ZxVoxelSource.h"
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
+#include <optional>
+#include <utility>
 
 /// How the positions of the voxels are given.
 enum class ZxCoordType {
@@ -56,17 +59,24 @@ public:
   bool readSlice(int k, void* dst) { return m_source->readSlice(k, dst); }
   bool readBox(const ZxBox3i& box, void* dst) { return m_source->readBox(box, dst); }
   const void* sliceInMemory(int k) const { return m_source->sliceInMemory(k); }
-  void* beginWrite(int k) { return m_source->beginWrite(k); }
-  bool endWrite(int k) { return m_source->endWrite(k); }
+  /// Like that of the source; null while the voxels are locked.
+  void* beginWrite(int k);
+  bool endWrite(int k);
+
+  /// Keeps everyone from writing to the voxels until unlock() was called as often, on any thread.
+  void lock() noexcept { ++m_locks; }
+  void unlock() noexcept { --m_locks; }
 
   /// Smallest and largest value over all voxels and data values that are finite. (0, 0) when there is
-  /// none, or when a slice could not be read.
+  /// none, or when a slice could not be read. Kept until voxels are written: asking again costs nothing.
   void getRange(float& min, float& max);
 
 private:
   ZxLatticeShape m_shape;
   ZxBox3f m_box;
   std::unique_ptr<ZxVoxelSource> m_source;
+  std::optional<std::pair<float, float>> m_range;
+  std::atomic<int> m_locks{0};
 };
 
 /// A lattice of grey or colour values.

@@ -12,6 +12,8 @@ public:
   bool isOfType(const McTypeInfo& type) const { return getTypeId().isDerivedFrom(type); }
 
   const McString& getLabel() const noexcept { return m_label; }
+  /// Sets the label. In the pool labels are unique: one that is taken, or is the name of a command of the
+  /// interpreter, gets a number.
   void setLabel(McString label);
   /// True while the object is in the pool.
   bool isInPool() const noexcept { return m_inPool; }

@@ -3,6 +3,7 @@
 #include "zx/ZxObject.h"
 #include "zx/ZxPoolObserver.h"
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -15,7 +16,8 @@ public:
   /// Adds an object unless it is there already; a label that is taken gets a number.
   void add(ZxObject* object);
   /// Removes an object and disconnects every module from it. Does nothing for one that is not in the pool.
-  void remove(ZxObject* object);
+  /// False, and a line on the message console, for data that a job works with (ZxData::isInUse()).
+  bool remove(ZxObject* object);
   /// Removes everything, modules first.
   void clear();
   bool contains(const ZxObject* object) const noexcept;
@@ -30,6 +32,8 @@ private:
   friend class ZxObject;
   friend class ZxPoolObserver;
   ZxObjectPool() = default;
+  /// A label that no other object and no command has, made from the one that is wanted.
+  std::string freeLabel(const std::string& wanted, const ZxObject& object) const;
   void take(const McHandle<ZxObject>& object);
   void tellChanged(ZxObject* object);
   void tellPortsChanged(ZxModule* module);

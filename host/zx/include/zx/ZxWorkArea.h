@@ -4,7 +4,8 @@
 
 /// Progress of long work: text, fraction, busy indicator and the user's wish to stop.
 ///
-/// There is one current work area, set by the program. Working phases do not nest: startWorking() inside a
+/// There is one current work area, set by the program; a thread that does work of its own has its own instead
+/// (ZxThreadReports). Working phases do not nest: startWorking() inside a
 /// phase goes on with that phase, and stopWorking() ends it.
 class ZxWorkArea {
 public:
@@ -33,6 +34,9 @@ public:
   /// True when the user wants the current work to stop. With an argument other than 0 pending events are
   /// handled first, so that a Stop button can be pressed at all.
   bool wasInterrupted(int processEvents = 0);
+  /// Asked once before the step that cannot be undone, such as renaming a file into place. False when the
+  /// user wants to stop; after true it is too late for that.
+  virtual bool beginLastStep() { return !wasInterrupted(); }
   /// Lets the program handle what has come in (input, repaints).
   virtual void processPendingEvents() {}
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "mc/McDArray.h"
+#include "mc/McHandable.h"
 #include "qx/QxCentralPage.h"
 #include "zxalign/SliceInfo.h"
 #include "zxalign/ZxAlignEditor.h"
@@ -8,7 +9,12 @@
 #include <QList>
 #include <QMainWindow>
 #include <QPoint>
+#include <QPointer>
 
+#include <memory>
+
+class AlignBorderPreviews;
+class AlignKeyboard;
 class QToolBar;
 class QxAlignMenuBar;
 class QxAlignSlicesOptionsDialog;
@@ -19,6 +25,7 @@ class QxAutoAlignToolBar;
 class QxDrawAlignSlices;
 class QxOrthoViewManager;
 class ZxAlignSlices;
+struct ZxAlignPair;
 
 /// The editor window of one module, "Slice Aligner": a page of the main window's centre.
 ///
@@ -34,6 +41,7 @@ public:
   /// The built-in automatic methods; further ones follow.
   enum AlignMode { AlignCenters, AlignGray, AlignLandmarks, AlignEdgeDetection };
 
+  /// Adds the window as a page to the main window, if there is one.
   explicit QxAlignSlices(ZxAlignSlices* module);
   ~QxAlignSlices() override;
 
@@ -48,7 +56,7 @@ public:
   QxDrawAlignSlices* drawArea() const noexcept { return m_drawArea; }
   QxAlignMenuBar* menuSet() const noexcept;
   /// The options dialog while it is open, else null.
-  QxAlignSlicesOptionsDialog* optionsDialog() const noexcept { return m_options; }
+  QxAlignSlicesOptionsDialog* optionsDialog() const noexcept;
   /// Size of the slice view in pixels.
   int getDrawAreaWidth() const;
   int getDrawAreaHeight() const;
@@ -75,7 +83,7 @@ public:
   void redoNotEmpty() override;
 
   // QxCentralPage
-  /// Closes the editor by way of its module, whose button says so afterwards.
+  /// As cancel().
   bool canClose() override;
 
   /// Shows transform and slice numbers in the toolbars, translations cut off to whole pixels.
@@ -99,6 +107,10 @@ public:
 
 Q_SIGNALS:
   void chessSignal(int fieldSize);
+  /// The alignment is about to change, or has changed; what follows it looks when the event loop is back.
+  void edited();
+  /// The alignment is stored, or its changes were given up on purpose.
+  void settled();
 
 public Q_SLOTS:
   /// Takes away the current slice's transform.
@@ -168,10 +180,59 @@ protected:
   void keyReleaseEvent(QKeyEvent* event) override;
 
 private:
-  ZxAlignSlices* m_module;                         // borrowed
-  QxDrawAlignSlices* m_drawArea = nullptr;         // child
-  QxAlignSlicesOptionsDialog* m_options = nullptr; // on the stack of showParameters()
+  friend class AlignKeyboard;
+
+  void createToolBars();
+  void connectToolBars();
+  void connectMenus();
+  void connectDrawArea();
+  void connectHistory();
+  void makeHistory();
+  void placeInMainWindow();
+  void leaveMainWindow();
+
+  int numSlices() const;
+  SliceInfo& currentSlice();
+  /// There is an input, and both slices of the pair lie in it.
+  bool hasPair() const;
+  /// The same, and no automatic method is at work.
+  bool canEdit() const;
+  /// As canEdit(); where it is not so, shows what is true instead of what was asked for.
+  bool acceptsEdit();
+  void showSide();
+  void showSlicePair();
+
+  void saveState();
+  /// After a change of the current slice alone: module, views, quality.
+  void showEdit();
+  void writeTransform(const SliceXForm& xform);
+  void moveByKey(int dx, int dy);
+  void turnByKey(float degrees);
+
+  bool isInStack(int slice) const { return slice >= 0 && slice < numSlices(); }
+  /// Goes to a slice while the reference stays.
+  void passReference(int slice);
+  void goTo(int slice);
+  void changeSide(int side);
+  void selectPair(const ZxAlignPair& pair);
+  void keepReferenceInStack();
+  bool askAndClose();
+  void previewSize(int width, int height, bool automaticOrigin);
+
+  ZxAlignSlices* m_module; // borrowed
+  std::unique_ptr<QxAlignUndoRedo> m_undoRedo;
+  QPointer<QxAlignMenuBar> m_menus;                      // child
+  QxDrawAlignSlices* m_drawArea = nullptr;               // child
+  QxAlignToolBar* m_alignToolBar = nullptr;              // child
+  QxAutoAlignToolBar* m_autoAlignToolBar = nullptr;      // child
+  QPointer<QxAlignSlicesOptionsDialog> m_options;        // child, while showParameters() runs
+  QxAlignTransformToolBar* m_transformToolBar = nullptr; // child
+  McHandle<QxOrthoViewManager> m_orthoViews;
+  std::unique_ptr<AlignBorderPreviews> m_previews;
+  std::unique_ptr<AlignKeyboard> m_keyboard;
   int m_editMode = EditTransform;
   int m_alignMode = AlignGray;
   int m_chessFieldSize = 50;
+  bool m_showsMode = false;   // the toolbar is being told the align mode: its echo is no choice
+  bool m_asksToClose = false; // the save prompt is open
 };
