@@ -113,6 +113,9 @@ public:
   void updateImageData();
   /// True when the columns are to be computed by the thread, which exists then.
   bool useThread();
+  bool hasThread() const noexcept { return m_thread != nullptr; }
+  /// Waits until the thread, if there is one, has nothing to do. False when that takes longer.
+  bool waitForUpdate(unsigned long milliseconds);
 
   // Up-to-date boxes: in projection mode the part of each slice's columns that is valid, rows of the sagittal
   // one as y range and columns of the coronal one as x range.
@@ -162,8 +165,8 @@ private:
   const void* readSlice(int z);
 
   QxAlignSlices* m_editor;        // borrowed
-  ZxLattice* m_lattice = nullptr; // borrowed; this and the dimensions change only while the thread rests
-  ZxDims m_dims;
+  ZxLattice* m_lattice = nullptr; // borrowed; this and its shape change only while the thread rests
+  ZxLatticeShape m_shape;
   int m_updateFrequency;
   int m_axial = 0;
   int m_cutX = 0; // the cuts are written under m_mutex
