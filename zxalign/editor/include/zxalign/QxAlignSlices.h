@@ -83,7 +83,7 @@ public:
   void redoNotEmpty() override;
 
   // QxCentralPage
-  /// As cancel().
+  /// As cancel(), while the editor is open.
   bool canClose() override;
 
   /// Shows transform and slice numbers in the toolbars, translations cut off to whole pixels.
