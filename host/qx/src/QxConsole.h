@@ -1,0 +1,34 @@
+#pragma once
+
+#include "zx/ZxMessage.h"
+
+#include <QWidget>
+
+#include <functional>
+
+class QPlainTextEdit;
+class QxCommandLine;
+
+/// The message console: the messages of the program line by line, and a prompt for commands.
+///
+/// It takes the messages for as long as it lives.
+class QxConsole : public QWidget {
+  Q_OBJECT
+public:
+  explicit QxConsole(QWidget* parent);
+  ~QxConsole() override;
+
+  enum class Kind { Message, Command, Result, Failure };
+  void print(const QString& text, Kind kind);
+
+public Q_SLOTS:
+  void clear();
+
+private:
+  void evaluate(const QString& command);
+  void showMenu(const QPoint& place);
+
+  QPlainTextEdit* m_text; // child
+  QxCommandLine* m_line;  // child
+  ZxMessage::Sink m_before;
+};
