@@ -1,12 +1,14 @@
 #pragma once
 
+#include "zxalign/ZxAlignEditorScripting.h"
+
 #include <memory>
 
 class ZxAlignSlices;
 struct SliceInfo;
 
 /// What the module asks of its editor window. The window implements it; the module works without one.
-class ZxAlignEditor {
+class ZxAlignEditor : public ZxAlignEditorScripting {
 public:
   /// Makes the editor window of a module; null in a program that has no main window for it.
   using Factory = std::unique_ptr<ZxAlignEditor> (*)(ZxAlignSlices& module);
@@ -14,8 +16,6 @@ public:
   static void setFactory(Factory factory) noexcept;
   /// A window for a module, or null.
   static std::unique_ptr<ZxAlignEditor> create(ZxAlignSlices& module);
-
-  virtual ~ZxAlignEditor() = default;
 
   /// Redraws all views of the pair.
   virtual void updateViews() = 0;
