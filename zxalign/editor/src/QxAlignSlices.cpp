@@ -134,7 +134,8 @@ void QxAlignSlices::connectDrawArea()
 {
   using Window = QxAlignSlices;
   using View = QxDrawAlignSlices;
-  connect(m_drawArea, &View::click, this, [this] { setFocus(); });
+  // Twice, deliberately; the second time changes nothing.
+  for (int i = 0; i < 2; ++i) connect(m_drawArea, &View::click, this, qOverload<>(&QWidget::setFocus));
   connect(m_drawArea, &View::translated, this, &Window::translate);
   connect(m_drawArea, &View::rotated, this, &Window::rotate);
   connect(m_drawArea, &View::addPoint, this, &Window::addPoint);
@@ -194,6 +195,8 @@ QxOrthoViewManager* QxAlignSlices::getOrthoViewManager() const noexcept { return
 
 QxAlignMenuBar* QxAlignSlices::menuSet() const noexcept { return m_menus; }
 
+QxAlignSlicesOptionsDialog* QxAlignSlices::optionsDialog() const noexcept { return m_options; }
+
 int QxAlignSlices::getDrawAreaWidth() const { return m_drawArea->rect().width(); }
 
 int QxAlignSlices::getDrawAreaHeight() const { return m_drawArea->rect().height(); }
@@ -227,19 +230,19 @@ void QxAlignSlices::updateViews()
 
 void QxAlignSlices::showSlicePair()
 {
-  ZxAlignData& data = m_module->sliceData();
-  const bool colour = data.isColorField();
+  ZxAlignData& slices = m_module->sliceData();
+  const bool colour = slices.isColorField();
   struct Image {
     unsigned char* display;
     unsigned char* grey;
     SliceInfo* info;
   };
-  Image first{colour ? data.getEditableColorPtr() : data.getEditableSlicePtr(), data.getEditableSlicePtr(),
+  Image first{colour ? slices.getEditableColorPtr() : slices.getEditableSlicePtr(), slices.getEditableSlicePtr(),
               &currentSlice()};
-  Image second{colour ? data.getReferenceColorPtr() : data.getReferenceSlicePtr(),
-               data.getReferenceSlicePtr(), &m_module->getSlice(m_module->getReferenceSlice())};
+  Image second{colour ? slices.getReferenceColorPtr() : slices.getReferenceSlicePtr(),
+               slices.getReferenceSlicePtr(), &m_module->getSlice(m_module->getReferenceSlice())};
   if (m_module->getEditableSide() == 1) std::swap(first, second); // First is the lower slice of the pair.
-  m_drawArea->paintSlice(data.getDims().width, data.getDims().height, first.display, second.display,
+  m_drawArea->paintSlice(slices.getDims().width, slices.getDims().height, first.display, second.display,
                          first.grey, second.grey, *first.info, *second.info, colour ? 4 : 1,
                          m_module->getEditableSlice());
 }

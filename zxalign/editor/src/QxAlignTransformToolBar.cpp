@@ -10,7 +10,7 @@
 namespace {
 
 template <class Widget, class Value>
-void show(Widget* widget, Value value)
+void showValue(Widget* widget, Value value)
 {
   const QSignalBlocker blocker(widget);
   widget->setValue(value);
@@ -51,11 +51,11 @@ QSpinBox* QxAlignTransformToolBar::addPixels(const char* label, const char* name
   return box;
 }
 
-void QxAlignTransformToolBar::setTransX(int t) { show(m_x, t); }
+void QxAlignTransformToolBar::setTransX(int t) { showValue(m_x, t); }
 
-void QxAlignTransformToolBar::setTransY(int t) { show(m_y, t); }
+void QxAlignTransformToolBar::setTransY(int t) { showValue(m_y, t); }
 
-void QxAlignTransformToolBar::setRot(float r) { show(m_rot, static_cast<double>(r)); }
+void QxAlignTransformToolBar::setRot(float r) { showValue(m_rot, static_cast<double>(r)); }
 
 void QxAlignTransformToolBar::setFlip(bool b)
 {

@@ -56,7 +56,7 @@ public:
   QxDrawAlignSlices* drawArea() const noexcept { return m_drawArea; }
   QxAlignMenuBar* menuSet() const noexcept;
   /// The options dialog while it is open, else null.
-  QxAlignSlicesOptionsDialog* optionsDialog() const noexcept { return m_options; }
+  QxAlignSlicesOptionsDialog* optionsDialog() const noexcept;
   /// Size of the slice view in pixels.
   int getDrawAreaWidth() const;
   int getDrawAreaHeight() const;

@@ -119,6 +119,7 @@ public:
   void createUpToDateBoxes();
   void deleteUpToDateBoxes();
   void resetUpToDateBoxes(int from, int to, OrthoOrientation orientation);
+  McBox2i getUpToDateBox(int z) const;
   /// The voxels of slice z that a line of the aligned frame can touch; false when it misses the slice.
   bool getIntersectionBoxOfLineWithImage(int z, OrthoCoordinate coordinate, int position, McBox2i& box) const;
 
@@ -129,6 +130,7 @@ private:
   // QxOrthoViewManager.cpp: views, limits, modes.
   void adoptLattice(ZxLattice* lattice);
   void createView(OrthoOrientation orientation);
+  void placeView(View& created);
   void deleteView(OrthoOrientation orientation);
   void createToolBar();
   void showCutSlider(OrthoOrientation orientation, bool show);
@@ -139,22 +141,25 @@ private:
   bool changeZMin(int z);
   bool changeZMax(int z);
   void setZoom(float zoom);
+  void showZoom();
   void deleteThread();
 
   // QxOrthoViewManagerLines.cpp: what is stale, and its computation.
-  void mark(int from, int to, OrthoOrientation orientation, int state);
-  void blank(int from, int to, OrthoOrientation orientation);
-  void translateProjections(int from, int to, int distance, OrthoOrientation orientation);
-  void takeTransforms(int from, int to);
+  void mark(int from, int to, OrthoOrientation orientation, OrthoColumns::State state);
+  void blankColumn(OrthoOrientation orientation, int z); // m_mutex is held
+  void translateProjections(int from, int to, int distance, OrthoOrientation moved,
+                            OrthoOrientation selection);
+  void takeTransforms(int from, int to); // m_mutex is held
   void updateLinesIfAutomatic();
   void updateLinesHere();
+  float progressAt(int z) const;
+  // The data mutex is held by who calls these.
   bool isInputPresent() const;
   bool beginJob(int z, OrthoOrientation orientation, bool projects, Job& job);
   void commitJob(const Job& job);
   void computeCut(Job& job);
   void computeProjection(Job& job, const void* slice);
   const void* readSlice(int z);
-  void tellUnreadable();
 
   QxAlignSlices* m_editor;        // borrowed
   ZxLattice* m_lattice = nullptr; // borrowed; this and the dimensions change only while the thread rests
@@ -178,6 +183,8 @@ private:
 
   mutable ZxMutex m_mutex;
   OrthoColumns m_columns; // guarded by m_mutex
+  bool m_outdated[2] = {false,
+                        false}; // images, sagittal and coronal, that a view does not show yet; likewise
   // Children of the editor window that are deleted here. The pointers are written, and the images used, under
   // m_mutex.
   QxViewAlignSlicesSagittal* m_sagittalView = nullptr;

@@ -6,6 +6,6 @@
 class QxViewAlignSlicesCoronal : public QxViewAlignSlicesOrthogonal {
   Q_OBJECT
 public:
-  QxViewAlignSlicesCoronal(QxAlignSlices* editor, QxOrthoViewManager* manager, ZxLattice* lattice);
+  QxViewAlignSlicesCoronal(QxAlignSlices* editor, ZxLattice* lattice);
   void setDrawViewSize() override;
 };

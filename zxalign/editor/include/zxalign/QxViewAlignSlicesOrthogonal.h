@@ -9,7 +9,6 @@
 
 class QxAlignSlices;
 class QxImageViewer;
-class QxOrthoViewManager;
 
 /// A dock window that shows the stack perpendicular to its slices: an image whose rows are the slices, in its
 /// physical aspect ratio, with a marker at the slice that is being edited.
@@ -46,8 +45,7 @@ public:
   virtual void setDrawViewSize() = 0;
 
 protected:
-  QxViewAlignSlicesOrthogonal(QxAlignSlices* editor, QxOrthoViewManager* manager, ZxLattice* lattice,
-                              OrthoOrientation orientation);
+  QxViewAlignSlicesOrthogonal(QxAlignSlices* editor, ZxLattice* lattice, OrthoOrientation orientation);
 
   /// Screen pixels that the image takes along its horizontal axis at zoom 1, margins included, at most
   /// `available` - 10.
@@ -64,9 +62,7 @@ private:
   static constexpr int kMargin = 5;
   static constexpr int kSizeReserve = 10;
 
-  QxAlignSlices* m_editor;       // borrowed
-  QxOrthoViewManager* m_manager; // borrowed
-  ZxLattice* m_lattice;          // borrowed
+  QxAlignSlices* m_editor; // borrowed
   McTypedData2D m_image;
   bool m_color;
   float m_scaleZ = 1.0f;   // screen pixels per slice at zoom 1; along the other axis it is 1

@@ -20,6 +20,9 @@ public:
                                            int dimY);
   ~QxViewAlignSlicesOrthogonalCommonToolBar() override;
 
+  /// Forgets the manager, for the time until it is deleted.
+  void detach() { m_manager = nullptr; }
+
   bool getAutoUpdate() const noexcept { return m_autoUpdate; }
   /// Switches "Auto update"; on also updates the views, once.
   void setAutoUpdate(bool on);
@@ -56,7 +59,7 @@ private:
     QAction* labelAction;
     QAction* sliderAction;
   };
-  Cut addCut(int max, int value);
+  Cut addCut(const char* name, int max, int value);
   void addZWindow();
   void addUpdateControls();
   void addZoomControls();

@@ -2,7 +2,7 @@
 
 #include "qx/QxImageViewerShape.h"
 
-#include <QRect>
+#include <QLineF>
 
 /// The red marker of an orthogonal view at the slice that is being edited: two lines, one pixel thick, that
 /// reach from both sides of the image towards its middle. At 100 percent they meet.
@@ -21,7 +21,7 @@ public:
 
 private:
   struct Lines {
-    QRect left, right; // oriented screen; empty at 0 percent
+    QLineF left, right; // oriented screen, whole pixels
   };
   Lines lines(const QxImageViewer& viewer) const;
 

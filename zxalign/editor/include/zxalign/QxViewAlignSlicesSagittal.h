@@ -7,6 +7,6 @@
 class QxViewAlignSlicesSagittal : public QxViewAlignSlicesOrthogonal {
   Q_OBJECT
 public:
-  QxViewAlignSlicesSagittal(QxAlignSlices* editor, QxOrthoViewManager* manager, ZxLattice* lattice);
+  QxViewAlignSlicesSagittal(QxAlignSlices* editor, ZxLattice* lattice);
   void setDrawViewSize() override;
 };
