@@ -11,6 +11,7 @@
 #include <cstring>
 #include <mutex>
 #include <new>
+#include <utility>
 
 ZxAlignData::ZxAlignData(ZxAlignSlices* module) : m_module(module) {}
 
@@ -30,6 +31,7 @@ bool ZxAlignData::init(ZxSpatialData* data, ZxLattice* lattice)
     ZxMessage::getTheMsg()->memError(bytes);
     return false;
   }
+  const std::lock_guard lock(m_mutex);
   m_data = McHandle<ZxSpatialData>(data);
   m_lattice = lattice;
   m_dims = lattice->getDims();
@@ -45,11 +47,14 @@ void ZxAlignData::resetData()
 
 void ZxAlignData::reset()
 {
+  McHandle<ZxSpatialData> old; // goes when the mutex has been given back
+  // Who reads the lattice on another thread is done with it now, or finds it gone.
+  const std::lock_guard lock(m_mutex);
   resetData();
   m_editableSlice = m_referenceSlice = -1;
   m_lattice = nullptr;
   m_mask = nullptr;
-  m_data = {};
+  std::swap(old, m_data);
   m_dims = {};
 }
 

@@ -18,6 +18,10 @@ constexpr int kBorder = 1;
 constexpr int kLargestTexture = 2048;
 constexpr int kSmallestTexture = 2 * kBorder + 1;
 
+// A line at a whole coordinate would lie between two rows of pixels: moved by this part of a pixel it falls
+// into the one below, where the painter draws it.
+constexpr double kLineShift = 1.0 / 128.0;
+
 int textureLimit = 0;
 
 void loadMatrix(const QTransform& t)
@@ -173,7 +177,7 @@ void QxOpenGLSurface::drawImage()
   glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE);
   for (int row = part.top() / m_tileEdge; row <= part.bottom() / m_tileEdge; ++row)
     for (int column = part.left() / m_tileEdge; column <= part.right() / m_tileEdge; ++column)
-      drawTile(level, column, row, devicePixels < 1.0);
+      drawTile(level, column, row, devicePixels * step < 1.0);
   glDisable(GL_TEXTURE_2D);
 }
 
@@ -203,8 +207,7 @@ unsigned int QxOpenGLSurface::textureOf(const Tile& tile, const QImage& image, c
 
 void QxOpenGLSurface::drawShapes()
 {
-  // A line at a whole coordinate would lie between two rows of pixels; the painter draws the one below it.
-  loadProjection(size(), 0.49 / devicePixelRatio());
+  loadProjection(size(), kLineShift / devicePixelRatio());
   for (QxImageViewerShape* shape : m_scene.shapes) {
     loadMatrix(m_scene.geometry.screenToWidget());
     glPushAttrib(GL_ALL_ATTRIB_BITS);

@@ -52,7 +52,7 @@ void QxPainterSurface::paintImage(QPainter& painter)
   // The last pixel of a reduction may reach beyond an image of odd size.
   painter.setClipRect(geometry.imageToWidget().mapRect(QRectF(QPointF(0, 0), geometry.imageSize())));
   painter.setTransform(toWidget, true);
-  painter.setRenderHint(QPainter::SmoothPixmapTransform, devicePixels < 1.0);
+  painter.setRenderHint(QPainter::SmoothPixmapTransform, devicePixels * step < 1.0);
   const QRectF seen = toWidget.inverted().mapRect(QRectF(m_scene.viewer->rect()));
   const QRect part = seen.toAlignedRect().adjusted(-1, -1, 1, 1) & image.rect();
   painter.drawImage(part.topLeft(), image, part);

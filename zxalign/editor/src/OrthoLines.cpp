@@ -26,7 +26,7 @@ bool indexRange(double a, double b, int size, int& first, int& last)
 
 } // namespace
 
-OrthoLines::OrthoLines(const ZxLattice& lattice, const SliceXForm& transform) : m_shape(lattice.shape())
+OrthoLines::OrthoLines(const ZxLatticeShape& shape, const SliceXForm& transform) : m_shape(shape)
 {
   QTransform m;
   transform.getInverseMatrix(m, static_cast<float>(m_shape.dims.width / 2),

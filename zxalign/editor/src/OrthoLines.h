@@ -14,7 +14,7 @@
 /// The rotation centre is the slice centre in whole pixels. Any thread.
 class OrthoLines {
 public:
-  OrthoLines(const ZxLattice& lattice, const SliceXForm& transform);
+  OrthoLines(const ZxLatticeShape& shape, const SliceXForm& transform);
 
   /// The voxels that the line, between the first and the last row (x = position) or column (y = position) of
   /// the frame, can touch. The smaller ends are cut off and the larger ones rounded. False when it misses the

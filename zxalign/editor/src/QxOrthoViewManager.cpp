@@ -74,15 +74,15 @@ void QxOrthoViewManager::init(ZxLattice* lattice, bool useMaxIntProj)
 void QxOrthoViewManager::adoptLattice(ZxLattice* lattice)
 {
   m_lattice = lattice;
-  m_dims = lattice ? lattice->getDims() : ZxDims();
+  m_shape = lattice ? lattice->shape() : ZxLatticeShape();
   m_axial = 0;
-  m_cutX = m_dims.width / 2;
-  m_cutY = m_dims.height / 2;
+  m_cutX = m_shape.dims.width / 2;
+  m_cutY = m_shape.dims.height / 2;
   m_zMin = 0;
-  m_zMax = m_dims.slices - 1;
+  m_zMax = m_shape.dims.slices - 1;
   m_showZRange = false;
   m_zHalfWidth = kDefaultZRange;
-  m_columns.reset(m_dims.slices);
+  m_columns.reset(m_shape.dims.slices);
 }
 
 void QxOrthoViewManager::deleteThread() { m_thread.reset(); }
@@ -103,7 +103,7 @@ bool QxOrthoViewManager::hasView() const { return m_sagittalView || m_coronalVie
 
 int QxOrthoViewManager::widthOf(OrthoOrientation orientation) const noexcept
 {
-  return orientation == OrthoOrientation::Sagittal ? m_dims.height : m_dims.width;
+  return orientation == OrthoOrientation::Sagittal ? m_shape.dims.height : m_shape.dims.width;
 }
 
 void QxOrthoViewManager::showSagittalView(bool show)
@@ -124,7 +124,7 @@ void QxOrthoViewManager::showCoronalView(bool show)
 
 void QxOrthoViewManager::createView(OrthoOrientation orientation)
 {
-  if (view(orientation) || m_dims.slices == 0) return;
+  if (view(orientation) || !isInputPresent()) return;
   const bool sagittal = orientation == OrthoOrientation::Sagittal;
   std::unique_ptr<QxViewAlignSlicesSagittal> newSagittal;
   std::unique_ptr<QxViewAlignSlicesCoronal> newCoronal;
@@ -135,7 +135,7 @@ void QxOrthoViewManager::createView(OrthoOrientation orientation)
   View& created = sagittal ? static_cast<View&>(*newSagittal) : *newCoronal;
   if (!created.hasImage())
     return ZxMessage::getTheMsg()->memError(created.image().rowBytes() *
-                                            static_cast<std::size_t>(m_dims.slices));
+                                            static_cast<std::size_t>(m_shape.dims.slices));
   {
     const std::lock_guard lock(m_mutex);
     if (sagittal)
@@ -146,7 +146,7 @@ void QxOrthoViewManager::createView(OrthoOrientation orientation)
   placeView(created);
   if (!m_toolBar) createToolBar();
   showCutSlider(orientation, !m_projects);
-  clearLineImmediate(0, m_dims.slices - 1, orientation);
+  clearLineImmediate(0, m_shape.dims.slices - 1, orientation);
   updateSlices(m_zMin, m_zMax, orientation);
 }
 
@@ -184,7 +184,8 @@ void QxOrthoViewManager::deleteView(OrthoOrientation orientation)
 
 void QxOrthoViewManager::createToolBar()
 {
-  m_toolBar = new QxViewAlignSlicesOrthogonalCommonToolBar(this, m_editor, m_dims.width, m_dims.height);
+  m_toolBar =
+      new QxViewAlignSlicesOrthogonalCommonToolBar(this, m_editor, m_shape.dims.width, m_shape.dims.height);
   m_editor->addToolBar(Qt::TopToolBarArea, m_toolBar);
   m_toolBar->setShowZRange(m_showZRange);
   m_toolBar->setZRange(m_zHalfWidth);
@@ -195,11 +196,11 @@ void QxOrthoViewManager::createToolBar()
 void QxOrthoViewManager::showCutSlider(OrthoOrientation orientation, bool show)
 {
   if (orientation == OrthoOrientation::Sagittal) {
-    m_toolBar->setSagittalSliderRange(0, m_dims.width - 1);
+    m_toolBar->setSagittalSliderRange(0, m_shape.dims.width - 1);
     m_toolBar->setSagittalSlice(m_cutX);
     m_toolBar->showSagittal(show);
   } else {
-    m_toolBar->setCoronalSliderRange(0, m_dims.height - 1);
+    m_toolBar->setCoronalSliderRange(0, m_shape.dims.height - 1);
     m_toolBar->setCoronalSlice(m_cutY);
     m_toolBar->showCoronal(show);
   }
@@ -208,32 +209,34 @@ void QxOrthoViewManager::showCutSlider(OrthoOrientation orientation, bool show)
 void QxOrthoViewManager::setSliceNumberSagittal(int x)
 {
   if (x == m_cutX) return;
-  if (x < 0 || x >= m_dims.width)
+  if (x < 0 || x >= m_shape.dims.width)
     return ZxMessage::getTheMsg()->printf("Invalid sagittal/yz slice number in OrthoViewManager");
   {
     const std::lock_guard lock(m_mutex);
     m_cutX = x;
   }
   if (m_toolBar) m_toolBar->setSagittalSlice(x);
-  if (m_sagittalView) updateView(0, m_dims.slices - 1, OrthoOrientation::Sagittal, 0, 0, false, false, false);
+  if (m_sagittalView)
+    updateView(0, m_shape.dims.slices - 1, OrthoOrientation::Sagittal, 0, 0, false, false, false);
 }
 
 void QxOrthoViewManager::setSliceNumberCoronal(int y)
 {
   if (y == m_cutY) return;
-  if (y < 0 || y >= m_dims.height)
+  if (y < 0 || y >= m_shape.dims.height)
     return ZxMessage::getTheMsg()->printf("Invalid coronal/xz slice number in OrthoViewManager");
   {
     const std::lock_guard lock(m_mutex);
     m_cutY = y;
   }
   if (m_toolBar) m_toolBar->setCoronalSlice(y);
-  if (m_coronalView) updateView(0, m_dims.slices - 1, OrthoOrientation::Coronal, 0, 0, false, false, false);
+  if (m_coronalView)
+    updateView(0, m_shape.dims.slices - 1, OrthoOrientation::Coronal, 0, 0, false, false, false);
 }
 
 void QxOrthoViewManager::setSliceNumberAxial(int z)
 {
-  if (z < 0 || z >= m_dims.slices)
+  if (z < 0 || z >= m_shape.dims.slices)
     return ZxMessage::getTheMsg()->printf("Invalid axial/xy slice number in OrthoViewManager");
   m_axial = z;
   if (m_sagittalView) m_sagittalView->updateLineShape(z);
@@ -270,7 +273,7 @@ bool QxOrthoViewManager::changeZMin(int z)
 bool QxOrthoViewManager::changeZMax(int z)
 {
   if (z == m_zMax) return false;
-  if (z < m_zMin || z >= m_dims.slices) {
+  if (z < m_zMin || z >= m_shape.dims.slices) {
     ZxMessage::getTheMsg()->printf("Invalid maximum value for visible z range.");
     return false;
   }
@@ -294,8 +297,8 @@ void QxOrthoViewManager::setVisibleRange(int min, int max)
 
 void QxOrthoViewManager::updateZRange()
 {
-  if (m_dims.slices == 0) return;
-  const int last = m_dims.slices - 1;
+  if (m_shape.dims.slices == 0) return;
+  const int last = m_shape.dims.slices - 1;
   if (!m_showZRange) return setVisibleRange(0, last);
   const int halfWidth = std::min(m_zHalfWidth, last); // more is no more
   setVisibleRange(std::max(m_axial - halfWidth, 0), std::min(m_axial + halfWidth, last));
@@ -333,7 +336,7 @@ void QxOrthoViewManager::setUseMaxIntProj(bool on)
   m_updateFrequency = on ? kProjectionUpdateFrequency : kCrossSectionUpdateFrequency;
   if (m_thread) m_thread->setUpdateFreq(m_updateFrequency);
   if (!hasView()) return deleteUpToDateBoxes(); // they come with the first view
-  clearLineImmediate(0, m_dims.slices - 1, OrthoOrientation::Both);
+  clearLineImmediate(0, m_shape.dims.slices - 1, OrthoOrientation::Both);
   if (on)
     createUpToDateBoxes();
   else
@@ -390,7 +393,7 @@ bool QxOrthoViewManager::useThread()
   }
   if (!m_thread) {
     m_thread = std::make_unique<UpdateOrthogonalViewsThread>(this);
-    m_thread->setUpdateRange(0, m_dims.slices - 1);
+    m_thread->setUpdateRange(0, m_shape.dims.slices - 1);
     m_thread->setUpdateFreq(m_updateFrequency);
   }
   return true;

@@ -134,7 +134,7 @@ void QxOrthoViewManager::clearLine(int z)
 
 void QxOrthoViewManager::updateView()
 {
-  updateView(0, m_dims.slices - 1, OrthoOrientation::Both, 0, 0, false, false, false);
+  updateView(0, m_shape.dims.slices - 1, OrthoOrientation::Both, 0, 0, false, false, false);
 }
 
 void QxOrthoViewManager::updateView(int from, int to, OrthoOrientation orientation, int dx, int dy,
@@ -196,7 +196,7 @@ void QxOrthoViewManager::updateLines()
   }
   {
     const std::lock_guard lock(m_mutex);
-    takeTransforms(0, m_dims.slices - 1);
+    takeTransforms(0, m_shape.dims.slices - 1);
   }
   if (!useThread()) return updateLinesHere();
   m_thread->stop();
@@ -214,7 +214,7 @@ void QxOrthoViewManager::updateLinesHere()
   QElapsedTimer sincePoll;
   sincePoll.start();
   int count = 0;
-  for (int z = 0; z < m_dims.slices; ++z) {
+  for (int z = 0; z < m_shape.dims.slices; ++z) {
     const bool poll = sincePoll.elapsed() >= kPollMilliseconds;
     if (poll && !partOfOtherWork)
       work->setProgressFraction(std::max(work->getProgressFraction(), progressAt(z)));
@@ -226,7 +226,7 @@ void QxOrthoViewManager::updateLinesHere()
     if (m_updateAgain) {
       m_updateAgain = false;
       const std::lock_guard lock(m_mutex);
-      takeTransforms(0, m_dims.slices - 1);
+      takeTransforms(0, m_shape.dims.slices - 1);
       z = 0;
     }
     if (updateLine(z)) ++count;
@@ -238,7 +238,7 @@ void QxOrthoViewManager::updateLinesHere()
 
 float QxOrthoViewManager::progressAt(int z) const
 {
-  return static_cast<float>(z) / static_cast<float>(m_dims.slices);
+  return static_cast<float>(z) / static_cast<float>(m_shape.dims.slices);
 }
 
 bool QxOrthoViewManager::updateLine(int z)
@@ -289,7 +289,8 @@ void QxOrthoViewManager::updateLineMaximumIntensityProjection(int z)
 
 bool QxOrthoViewManager::isInputPresent() const
 {
-  return m_lattice && m_editor->module().getDataLattice() == m_lattice && m_lattice->getDims() == m_dims;
+  // Other data may lie where the old ones were.
+  return m_lattice && m_editor->module().getDataLattice() == m_lattice && m_lattice->shape() == m_shape;
 }
 
 bool QxOrthoViewManager::beginJob(int z, OrthoOrientation orientation, bool projects, Job& job)
@@ -343,7 +344,7 @@ const void* QxOrthoViewManager::readSlice(int z)
 
 void QxOrthoViewManager::computeCut(Job& job)
 {
-  const OrthoLines lines(*m_lattice, job.transform);
+  const OrthoLines lines(m_shape, job.transform);
   const OrthoCoordinate constant =
       job.view == OrthoOrientation::Sagittal ? OrthoCoordinate::X : OrthoCoordinate::Y;
   McBox2i box;
@@ -354,7 +355,7 @@ void QxOrthoViewManager::computeCut(Job& job)
 
 void QxOrthoViewManager::computeProjection(Job& job, const void* slice)
 {
-  const OrthoLines lines(*m_lattice, job.transform);
+  const OrthoLines lines(m_shape, job.transform);
   const OrthoCoordinate constant =
       job.view == OrthoOrientation::Sagittal ? OrthoCoordinate::Y : OrthoCoordinate::X;
   const int last = widthOf(job.view) - 1;
@@ -406,6 +407,6 @@ McBox2i QxOrthoViewManager::getUpToDateBox(int z) const
 bool QxOrthoViewManager::getIntersectionBoxOfLineWithImage(int z, OrthoCoordinate coordinate, int position,
                                                            McBox2i& box) const
 {
-  return OrthoLines(*m_lattice, m_editor->getTransform()[static_cast<std::size_t>(z)])
+  return OrthoLines(m_shape, m_editor->getTransform()[static_cast<std::size_t>(z)])
       .boxOf(coordinate, position, box);
 }

@@ -107,6 +107,7 @@ void ToolBar::addZWindow()
   m_zRangeField = new QLineEdit(QString::number(m_zRange), this);
   m_zRangeField->setObjectName("zWindowWidth");
   m_zRangeField->setMaxLength(kZRangeDigits);
+  // A line edit wants to be 17 characters wide; what it wants beyond them is its frame.
   const int frame = m_zRangeField->sizeHint().width() -
                     m_zRangeField->fontMetrics().horizontalAdvance(QLatin1Char('x')) * 17;
   m_zRangeField->setFixedWidth(m_zRangeField->fontMetrics().horizontalAdvance("WWW") + std::max(0, frame));

@@ -30,7 +30,7 @@ public:
   /// whatever its number. False, with everything released, when a pointer is null or there is not enough
   /// memory.
   bool init(ZxSpatialData* data, ZxLattice* lattice);
-  /// Forgets the input.
+  /// Forgets the input. Takes the data mutex, as init() does.
   void reset();
   /// Releases the buffers alone.
   void resetData();

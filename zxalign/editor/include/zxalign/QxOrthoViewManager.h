@@ -162,8 +162,8 @@ private:
   const void* readSlice(int z);
 
   QxAlignSlices* m_editor;        // borrowed
-  ZxLattice* m_lattice = nullptr; // borrowed; this and the dimensions change only while the thread rests
-  ZxDims m_dims;
+  ZxLattice* m_lattice = nullptr; // borrowed; this and its shape change only while the thread rests
+  ZxLatticeShape m_shape;
   int m_updateFrequency;
   int m_axial = 0;
   int m_cutX = 0; // the cuts are written under m_mutex
