@@ -52,6 +52,8 @@ void ZxAlignData::reset()
   const std::lock_guard lock(m_mutex);
   resetData();
   m_editableSlice = m_referenceSlice = -1;
+  m_editableProjection.reset();
+  m_referenceProjection.reset();
   m_lattice = nullptr;
   m_mask = nullptr;
   std::swap(old, m_data);
@@ -158,10 +160,13 @@ void ZxAlignData::mapSlice(Role role)
   const int slice = editable ? m_editableSlice : m_referenceSlice;
   if (slice < 0 || slice >= m_dims.slices) return;
   McDArray<unsigned char>& grey = editable ? m_editableImage : m_referenceImage;
+  std::optional<SliceXForm>& projection = editable ? m_editableProjection : m_referenceProjection;
+  projection.reset();
   if (m_module->usesMaxIntProjection()) {
     int first = 0, last = 0;
     projectionRange(role, first, last);
     project(first, last, grey);
+    projection = m_module->getSlice(slice);
   } else {
     mapNormally(slice, grey, editable ? m_editableColour : m_referenceColour);
   }

@@ -243,14 +243,25 @@ void ZxAlignSlices::computeMostFrequentColor(const unsigned char* data, int widt
   mostFrequentColor(data, ZxDims{width, height, 1}.slicePixels(), channels, type, color);
 }
 
+namespace {
+
+/// Quality of two images of one size; each is walked by the mapping from the aligned frame into it.
+float qualityOf(const unsigned char* image0, const unsigned char* image1, int width, int height, int channels,
+                const kernels::Affine16& mapping0, const kernels::Affine16& mapping1)
+{
+  const kernels::PairDifference difference = kernels::pairDifference(
+      {image0, width, height}, mapping0, {image1, width, height}, mapping1, width, height, channels);
+  return alignmentQuality(difference, channels, ZxDims{width, height, 1}.slicePixels());
+}
+
+} // namespace
+
 float ZxAlignSlices::computeQuality(const unsigned char* image0, const unsigned char* image1, int width,
                                     int height, int channels, const SliceXForm& xform0,
                                     const SliceXForm& xform1) const
 {
-  const kernels::PairDifference difference = kernels::pairDifference(
-      {image0, width, height}, inverse16(xform0, width, height), {image1, width, height},
-      inverse16(xform1, width, height), width, height, channels);
-  return alignmentQuality(difference, channels, ZxDims{width, height, 1}.slicePixels());
+  return qualityOf(image0, image1, width, height, channels, inverse16(xform0, width, height),
+                   inverse16(xform1, width, height));
 }
 
 float ZxAlignSlices::computeQuality()
@@ -265,9 +276,12 @@ float ZxAlignSlices::computeQuality(const SliceXForm& editable)
   const int n = static_cast<int>(m_slices.size());
   if (!m_data->getLattice() || m_referenceSlice < 0 || m_referenceSlice >= n) return 0.0f;
   const bool colour = m_data->isColorField();
-  return computeQuality(colour ? m_data->getReferenceColorPtr() : m_data->getReferenceSlicePtr(),
-                        colour ? m_data->getEditableColorPtr() : m_data->getEditableSlicePtr(), dims.width,
-                        dims.height, colour ? 4 : 1, getSlice(m_referenceSlice), editable);
+  return qualityOf(
+      colour ? m_data->getReferenceColorPtr() : m_data->getReferenceSlicePtr(),
+      colour ? m_data->getEditableColorPtr() : m_data->getEditableSlicePtr(), dims.width, dims.height,
+      colour ? 4 : 1,
+      inverse16(getSlice(m_referenceSlice), dims.width, dims.height, m_data->getReferenceProjection()),
+      inverse16(editable, dims.width, dims.height, m_data->getEditableProjection()));
 }
 
 void ZxAlignSlices::updateQuality()

@@ -168,6 +168,8 @@ void QxAlignSlices::connectHistory()
   connect(history, &History::redoEmpty, menus, &Menus::redoEmpty);
   connect(history, &History::undoNotEmpty, menus, &Menus::undoNotEmpty);
   connect(history, &History::redoNotEmpty, menus, &Menus::redoNotEmpty);
+  // A state is saved before every change, also by the view, which moves landmarks by itself.
+  connect(history, &History::undoNotEmpty, this, [this] { m_module->setModified(true); });
   connect(history, &History::undoNotEmpty, this, &QxAlignSlices::edited);
   connect(history, &History::redoNotEmpty, this, &QxAlignSlices::edited);
 }
@@ -236,15 +238,18 @@ void QxAlignSlices::showSlicePair()
     unsigned char* display;
     unsigned char* grey;
     SliceInfo* info;
+    std::optional<SliceXForm> placed;
   };
-  Image first{colour ? slices.getEditableColorPtr() : slices.getEditableSlicePtr(), slices.getEditableSlicePtr(),
-              &currentSlice()};
+  Image first{colour ? slices.getEditableColorPtr() : slices.getEditableSlicePtr(),
+              slices.getEditableSlicePtr(), &currentSlice(), slices.getEditableProjection()};
   Image second{colour ? slices.getReferenceColorPtr() : slices.getReferenceSlicePtr(),
-               slices.getReferenceSlicePtr(), &m_module->getSlice(m_module->getReferenceSlice())};
+               slices.getReferenceSlicePtr(), &m_module->getSlice(m_module->getReferenceSlice()),
+               slices.getReferenceProjection()};
   if (m_module->getEditableSide() == 1) std::swap(first, second); // First is the lower slice of the pair.
   m_drawArea->paintSlice(slices.getDims().width, slices.getDims().height, first.display, second.display,
                          first.grey, second.grey, *first.info, *second.info, colour ? 4 : 1,
                          m_module->getEditableSlice());
+  m_drawArea->setPlaced(first.placed, second.placed);
 }
 
 void QxAlignSlices::updateToolbar()

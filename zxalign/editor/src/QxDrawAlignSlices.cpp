@@ -108,12 +108,20 @@ void QxDrawAlignSlices::paintSlice(int width, int height, unsigned char* display
              {greyFirst, greySecond},
              {&first, &second},
              {first, second},
+             {},
              firstIndex};
   m->palette.buildIfEmpty(first.landmarks.size());
   m->fitScreenImage();
   m->layOutScrollBars();
   m->dropStaleSelection();
   viewport()->update();
+}
+
+void QxDrawAlignSlices::setPlaced(const std::optional<SliceXForm>& first,
+                                  const std::optional<SliceXForm>& second)
+{
+  m->pair.placed = {first, second};
+  m->requestPaint();
 }
 
 void QxDrawAlignSlices::forgetPair()

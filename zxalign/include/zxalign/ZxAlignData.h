@@ -6,8 +6,10 @@
 #include "zx/ZxBox3.h"
 #include "zx/ZxData.h"
 #include "zx/ZxMutex.h"
+#include "zxalign/SliceXForm.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 class ZxAlignSlices;
@@ -66,6 +68,11 @@ public:
   /// Copies a whole slice in its own type into a buffer of this object, which the next call overwrites. Null,
   /// after a message, when it cannot be read. Takes the data mutex.
   unsigned char* getOriginalDataPtr(int slice);
+  /// The transform with which a slice lies in its image already: in the aligned frame, as projections are
+  /// made. None for an image of the slice as it is.
+  std::optional<SliceXForm> getEditableProjection() const { return m_editableProjection; }
+  std::optional<SliceXForm> getReferenceProjection() const { return m_referenceProjection; }
+
   /// Bit y * width + x (lowest bit of a byte first) is set where the mask's label is not 0; empty without a
   /// mask. Takes the data mutex.
   std::vector<std::uint8_t> getMaskBitfield(int slice);
@@ -95,5 +102,7 @@ private:
   McDArray<unsigned char> m_rawSlice;
   int m_editableSlice = -1;
   int m_referenceSlice = -1;
+  std::optional<SliceXForm> m_editableProjection;
+  std::optional<SliceXForm> m_referenceProjection;
   ZxMutex m_mutex;
 };

@@ -118,8 +118,6 @@ Q_SIGNALS:
   void chessSignal(int fieldSize);
   /// The alignment is about to change, or has changed; what follows it looks when the event loop is back.
   void edited();
-  /// The alignment is stored, or its changes were given up on purpose.
-  void settled();
 
 public Q_SLOTS:
   /// Takes away the current slice's transform.
@@ -212,8 +210,6 @@ private:
   void showSlicePair();
 
   void saveState();
-  /// After a change of the current slice alone: module, views, quality.
-  void showEdit();
   void writeTransform(const SliceXForm& xform);
   void moveByKey(int dx, int dy);
   void turnByKey(float degrees);
