@@ -71,9 +71,11 @@ void QxCommandLine::complete()
   if (!m_candidates) return;
   const QString before = text().left(cursorPosition());
   // Commands inside brackets and after a semicolon begin anew.
-  const auto begin = std::max({before.lastIndexOf('['), before.lastIndexOf(';'), before.lastIndexOf('{')}) + 1;
+  const auto begin =
+      std::max({before.lastIndexOf('['), before.lastIndexOf(';'), before.lastIndexOf('{')}) + 1;
   QStringList words = before.mid(begin).split(' ', Qt::SkipEmptyParts);
-  const QString word = before.isEmpty() || before.endsWith(' ') || words.isEmpty() ? QString() : words.takeLast();
+  const QString word =
+      before.isEmpty() || before.endsWith(' ') || words.isEmpty() ? QString() : words.takeLast();
   QStringList choices;
   for (const QString& candidate : m_candidates(words))
     if (candidate.startsWith(word)) choices << candidate;

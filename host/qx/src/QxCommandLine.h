@@ -5,8 +5,8 @@
 
 #include <functional>
 
-/// The input line of the console. Up and Down walk through the commands entered before, Tab completes the word
-/// before the cursor; in an empty line Tab goes to the next widget, as everywhere.
+/// The input line of the console. Up and Down walk through the commands entered before, Tab completes the
+/// word before the cursor; in an empty line Tab goes to the next widget, as everywhere.
 class QxCommandLine : public QLineEdit {
   Q_OBJECT
 public:

@@ -11,7 +11,8 @@ QStringList firstWords()
 {
   QStringList words;
   const QxTcl::Result commands = QxTcl::eval("info commands");
-  for (const std::string& command : ZxInterpreter::splitList(commands.text.c_str()).value_or(std::vector<std::string>()))
+  for (const std::string& command :
+       ZxInterpreter::splitList(commands.text.c_str()).value_or(std::vector<std::string>()))
     words << QString::fromStdString(command);
   for (const McHandle<ZxObject>& o : ZxObjectPool::getThePool().objects())
     words << QString::fromStdString(o->getLabel().str());
@@ -22,9 +23,13 @@ QStringList firstWords()
 QStringList wordsOf(const ZxObject& object)
 {
   QStringList words{"getLabel", "getTypeId", "setLabel"};
-  if (dynamic_cast<const ZxData*>(&object)) words << "parameters" << "save";
+  if (dynamic_cast<const ZxData*>(&object))
+    words << "parameters"
+          << "save";
   if (const auto* module = dynamic_cast<const ZxModule*>(&object)) {
-    words << "fire" << "ports" << "result";
+    words << "fire"
+          << "ports"
+          << "result";
     for (const ZxPort* port : module->getPorts()) words << QString::fromStdString(port->getName());
   }
   words.sort();

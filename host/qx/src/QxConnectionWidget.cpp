@@ -54,8 +54,8 @@ void QxConnectionWidget::refresh()
 
 void QxConnectionWidget::connectTo(int index)
 {
-  auto* data = static_cast<ZxData*>(m_combo->itemData(index).value<void*>());
-  const McHandle<ZxData> source(ZxObjectPool::getThePool().contains(data) ? data : nullptr);
+  auto* chosen = static_cast<ZxData*>(m_combo->itemData(index).value<void*>());
+  const McHandle<ZxData> source(ZxObjectPool::getThePool().contains(chosen) ? chosen : nullptr);
   change([&connection = m_connection, source] {
     if (!source || source->isInPool()) connection.connect(source.get());
   });

@@ -10,9 +10,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
-#include <QMimeData>
 #include <QPushButton>
-#include <QUrl>
 
 #include <algorithm>
 #include <optional>
@@ -23,10 +21,7 @@ constexpr const char* folderKey = "lastFolder";
 
 QString lastFolder() { return QxSettings().value(folderKey, QDir::homePath()).toString(); }
 
-void rememberFolder(const QString& file)
-{
-  QxSettings().setValue(folderKey, QFileInfo(file).absolutePath());
-}
+void rememberFolder(const QString& file) { QxSettings().setValue(folderKey, QFileInfo(file).absolutePath()); }
 
 QString patterns(const ZxFileFormat& format)
 {
@@ -51,8 +46,9 @@ QString endingOf(const QString& file) { return QFileInfo(file).suffix().toLower(
 
 bool haveEndings(const QStringList& files, const QStringList& endings)
 {
-  return std::all_of(files.begin(), files.end(),
-                     [&](const QString& file) { return QFileInfo(file).isFile() && endings.contains(endingOf(file)); });
+  return std::all_of(files.begin(), files.end(), [&](const QString& file) {
+    return QFileInfo(file).isFile() && endings.contains(endingOf(file));
+  });
 }
 
 std::optional<bool> askWhetherOneStack(QWidget* window, const QStringList& files)
@@ -87,8 +83,8 @@ bool mayReplace(QWidget* window, const QString& path)
 {
   if (!QFileInfo::exists(path)) return true;
   const QString question = QxFileCommands::tr("%1 already exists. Do you want to replace it?");
-  return QMessageBox::question(window, QxFileCommands::tr("Save"), question.arg(QFileInfo(path).fileName())) ==
-         QMessageBox::Yes;
+  return QMessageBox::question(window, QxFileCommands::tr("Save"),
+                               question.arg(QFileInfo(path).fileName())) == QMessageBox::Yes;
 }
 
 /// The format whose entry of a dialog was chosen.
@@ -133,12 +129,10 @@ void QxFileCommands::open(const QStringList& files, ZxReadAs as)
   for (const QString& file : files) openInputs({file}, as);
 }
 
-bool QxFileCommands::accepts(const QMimeData& data) { return data.hasUrls(); }
-
-void QxFileCommands::drop(const QMimeData& data)
+void QxFileCommands::drop(const QList<QUrl>& urls)
 {
   QStringList files;
-  for (const QUrl& url : data.urls()) {
+  for (const QUrl& url : urls) {
     if (url.isLocalFile())
       files << url.toLocalFile();
     else
@@ -164,7 +158,8 @@ void QxFileCommands::askForFiles(const QString& title, ZxReadAs as)
 
 void QxFileCommands::askForFolder()
 {
-  const QString folder = QFileDialog::getExistingDirectory(m_window, tr("Open Folder of Slices"), lastFolder());
+  const QString folder =
+      QFileDialog::getExistingDirectory(m_window, tr("Open Folder of Slices"), lastFolder());
   if (folder.isEmpty()) return;
   rememberFolder(folder);
   openInputs({folder}, ZxReadAs::Automatic);
@@ -200,8 +195,8 @@ bool QxFileCommands::saveAs(ZxSpatialData& data)
   dialog.selectFile(withoutEnding(QxObjectText::label(data)));
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return false;
   const QString chosen = dialog.selectedFiles().first();
-  const QString path = QString::fromStdString(ZxFileAccess::getTheFileAccess()->pathFor(
-      chosen.toStdString(), formatOf(dialog.selectedNameFilter())));
+  const QString path = QString::fromStdString(
+      ZxFileAccess::getTheFileAccess()->pathFor(chosen.toStdString(), formatOf(dialog.selectedNameFilter())));
   rememberFolder(path);
   return (path == chosen || mayReplace(m_window, path)) && startWriting(data, path);
 }

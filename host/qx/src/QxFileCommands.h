@@ -4,8 +4,8 @@
 
 #include <QObject>
 #include <QStringList>
+#include <QUrl>
 
-class QMimeData;
 class QWidget;
 class QxFileQueue;
 class QxRecentFiles;
@@ -22,9 +22,8 @@ public:
   /// Opens what a user has named: each entry is a volume of its own, except that several pictures are the
   /// slices of one. Of several TIFF files it is asked which they are.
   void open(const QStringList& files, ZxReadAs as = ZxReadAs::Automatic);
-  static bool accepts(const QMimeData& data);
-  /// Opens what was dropped.
-  void drop(const QMimeData& data);
+  /// Opens what was dropped on the window.
+  void drop(const QList<QUrl>& urls);
 
   /// Writes to the file that the data came from or went to, where that can be written, else asks for a name.
   /// False when nothing is written.

@@ -50,9 +50,9 @@ void QxFileQueue::read(ZxReadRequest request)
   start();
 }
 
-void QxFileQueue::write(McHandle<ZxSpatialData> data, std::string path)
+void QxFileQueue::write(McHandle<ZxSpatialData> source, std::string path)
 {
-  m_waiting.push_back({{}, std::move(data), std::move(path)});
+  m_waiting.push_back({{}, std::move(source), std::move(path)});
   start();
 }
 
@@ -94,16 +94,16 @@ void QxFileQueue::jobEnded()
   const std::unique_ptr<ZxFileJob> job = std::move(m_job);
   const Order order = std::move(m_order);
   m_order = {};
-  const McHandle<ZxSpatialData> data = job->finish();
-  if (!data && job->state() == ZxFileJob::State::Failed)
+  const McHandle<ZxSpatialData> done = job->finish();
+  if (!done && job->state() == ZxFileJob::State::Failed)
     Q_EMIT failed(QString::fromStdString(job->problem()));
-  else if (data && order.data)
-    Q_EMIT saved(data.get(), QString::fromStdString(order.path));
-  else if (data) {
+  else if (done && order.data)
+    Q_EMIT saved(done.get(), QString::fromStdString(order.path));
+  else if (done) {
     QStringList inputs;
     for (const std::string& input : order.request.inputs) inputs << QString::fromStdString(input);
-    ZxObjectPool::getThePool().add(data.get());
-    Q_EMIT opened(data.get(), inputs);
+    ZxObjectPool::getThePool().add(done.get());
+    Q_EMIT opened(done.get(), inputs);
   }
   start();
 }

@@ -24,7 +24,7 @@ public:
   ~QxFileQueue() override;
 
   void read(ZxReadRequest request);
-  void write(McHandle<ZxSpatialData> data, std::string path);
+  void write(McHandle<ZxSpatialData> source, std::string path);
   bool isIdle() const noexcept { return !m_job && m_waiting.empty(); }
   /// True while data are being written or wait to be.
   bool isWriting() const noexcept;
@@ -52,7 +52,7 @@ private:
   void jobEnded();
   void showProgress();
 
-  QLabel* m_text;      // these three: children
+  QLabel* m_text; // these three: children
   QProgressBar* m_bar;
   QPushButton* m_stop;
   QTimer m_timer;

@@ -24,9 +24,11 @@ QxGreyWindow::QxGreyWindow(QWidget* parent)
   m_white->setToolTip(tr("Value that is shown white, in the unit of the data"));
   m_white->setAccessibleName(tr("White"));
   m_slider->setObjectName("greySlider");
-  m_slider->setToolTip(tr("Drag the ends, or the part between them, to choose the values shown black and white"));
+  m_slider->setToolTip(
+      tr("Drag the ends, or the part between them, to choose the values shown black and white"));
   m_slider->setAccessibleName(tr("Grey window"));
-  for (QxFloatField* field : {m_black, m_white}) field->setMaximumWidth(field->fontMetrics().averageCharWidth() * 12);
+  for (QxFloatField* field : {m_black, m_white})
+    field->setMaximumWidth(field->fontMetrics().averageCharWidth() * 12);
   m_slider->setMaximumWidth(fontMetrics().averageCharWidth() * 40);
   auto* layout = new QHBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -39,8 +41,9 @@ QxGreyWindow::QxGreyWindow(QWidget* parent)
           [this](float black) { Q_EMIT entered(black, m_white->value()); });
   connect(m_white, &QxFloatField::valueEntered, this,
           [this](float white) { Q_EMIT entered(m_black->value(), white); });
-  connect(m_slider, &QxRangeSlider::rangeEntered, this,
-          [this](double low, double high) { Q_EMIT entered(static_cast<float>(low), static_cast<float>(high)); });
+  connect(m_slider, &QxRangeSlider::rangeEntered, this, [this](double low, double high) {
+    Q_EMIT entered(static_cast<float>(low), static_cast<float>(high));
+  });
   connect(automatic, &QToolButton::clicked, this, &QxGreyWindow::autoWanted);
 }
 

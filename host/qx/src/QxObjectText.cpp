@@ -92,14 +92,14 @@ QString toolTip(const ZxObject& object)
 
 QIcon icon(const ZxObject& object)
 {
-  const char* name = "ObjectVolume.png";
+  const char* name = "Volume.png";
   const ZxLattice* lattice = latticeOf(object);
   if (dynamic_cast<const ZxModule*>(&object))
-    name = "ObjectModule.png";
+    name = "Module.png";
   else if (object.isOfType(ZxLabelLatticeInterface::getClassTypeId()))
-    name = "ObjectLabels.png";
+    name = "Labels.png";
   else if (lattice && lattice->isColor())
-    name = "ObjectColor.png";
+    name = "ColorVolume.png";
   return ZxResource::readIcon(name);
 }
 

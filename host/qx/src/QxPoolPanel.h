@@ -1,12 +1,13 @@
 #pragma once
 
+#include "zx/ZxObject.h"
+
 #include <QWidget>
 
 class QLabel;
 class QMenu;
 class QxPoolTree;
 class QxPoolWatcher;
-class ZxObject;
 
 /// The list of the objects of the pool, with a menu of what can be done with the selected ones.
 class QxPoolPanel : public QWidget {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zx/ZxObject.h"
 #include "zx/ZxPoolObserver.h"
 
 #include <QObject>

@@ -21,7 +21,10 @@ QxRangeSlider::QxRangeSlider(QWidget* parent) : QWidget(parent)
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
-QSize QxRangeSlider::sizeHint() const { return {fontMetrics().averageCharWidth() * 20, fontMetrics().height() + 6}; }
+QSize QxRangeSlider::sizeHint() const
+{
+  return {fontMetrics().averageCharWidth() * 20, fontMetrics().height() + 6};
+}
 
 void QxRangeSlider::setLimits(double minimum, double maximum)
 {

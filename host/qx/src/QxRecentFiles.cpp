@@ -15,7 +15,8 @@ QString describe(const QStringList& inputs)
 {
   const QFileInfo first(inputs.first());
   QString name = first.fileName();
-  if (inputs.size() > 1) name += QxRecentFiles::tr(" and %n more", nullptr, static_cast<int>(inputs.size()) - 1);
+  if (inputs.size() > 1)
+    name += QxRecentFiles::tr(" and %n more", nullptr, static_cast<int>(inputs.size()) - 1);
   QString folder = QDir::toNativeSeparators(first.absolutePath());
   const QString home = QDir::homePath();
   if (folder == home || folder.startsWith(home + '/')) folder.replace(0, home.size(), "~");

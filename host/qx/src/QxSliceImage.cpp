@@ -25,7 +25,8 @@ QRgb colorOfLabel(qint64 label)
 }
 
 /// Of several values a pixel the first: those that are no colours are shown as grey.
-std::vector<unsigned char> firstComponents(const std::vector<unsigned char>& pixels, const ZxLatticeShape& shape)
+std::vector<unsigned char> firstComponents(const std::vector<unsigned char>& pixels,
+                                           const ZxLatticeShape& shape)
 {
   const std::size_t size = mcSizeOf(shape.primType), step = shape.voxelBytes();
   std::vector<unsigned char> first(shape.dims.slicePixels() * size);
@@ -62,7 +63,8 @@ double QxSliceImage::component(std::size_t pixel, int c) const
   return mcVisit(m_shape.primType, [&](auto zero) {
     using T = decltype(zero);
     T value;
-    const std::size_t index = pixel * static_cast<std::size_t>(m_shape.numDataVars) + static_cast<std::size_t>(c);
+    const std::size_t index =
+        pixel * static_cast<std::size_t>(m_shape.numDataVars) + static_cast<std::size_t>(c);
     std::memcpy(&value, m_pixels.data() + index * sizeof(T), sizeof(T));
     return static_cast<double>(value);
   });
@@ -97,7 +99,8 @@ void QxSliceImage::show(QxImageViewer& viewer, float black, float white) const
   else if (m_shape.numDataVars == 1)
     viewer.setGreyImage(m_pixels.data(), m_shape.primType, width, height, black, white);
   else
-    viewer.setGreyImage(firstComponents(m_pixels, m_shape).data(), m_shape.primType, width, height, black, white);
+    viewer.setGreyImage(firstComponents(m_pixels, m_shape).data(), m_shape.primType, width, height, black,
+                        white);
 }
 
 void QxSliceImage::showLabels(QxImageViewer& viewer) const
@@ -119,8 +122,8 @@ void QxSliceImage::showLabels(QxImageViewer& viewer) const
 QString QxSliceImage::valueAt(int x, int y) const
 {
   if (m_pixels.empty()) return {};
-  const std::size_t pixel =
-      static_cast<std::size_t>(y) * static_cast<std::size_t>(m_shape.dims.width) + static_cast<std::size_t>(x);
+  const std::size_t pixel = static_cast<std::size_t>(y) * static_cast<std::size_t>(m_shape.dims.width) +
+                            static_cast<std::size_t>(x);
   QStringList values;
   for (int c = 0; c < m_shape.numDataVars; ++c) values << QString::number(component(pixel, c), 'g', 9);
   return values.join(", ");

@@ -53,7 +53,8 @@ QxVolumeView::QxVolumeView(QxPoolWatcher* watcher, QWidget* parent)
   row->addSpacing(12);
   row->addWidget(m_pixel, 1);
   layout->addLayout(row);
-  connect(m_slider, &QxFullSlider::valueChanged, this, [this](float value) { setSlice(mc::roundHalfUp(value)); });
+  connect(m_slider, &QxFullSlider::valueChanged, this,
+          [this](float value) { setSlice(mc::roundHalfUp(value)); });
   connect(m_viewer, &QxImageViewer::wheelStepped, this, [this](int steps) { setSlice(m_slice + steps); });
   connect(m_viewer, &QxImageViewer::pixelHovered, this, &QxVolumeView::showPixel);
   connect(m_viewer, &QxImageViewer::zoomFactorChanged, this, &QxVolumeView::showZoom);
@@ -64,7 +65,8 @@ QxVolumeView::QxVolumeView(QxPoolWatcher* watcher, QWidget* parent)
   });
 }
 
-QToolButton* QxVolumeView::makeTool(const char* name, const char* icon, const QString& text, const QString& tip)
+QToolButton* QxVolumeView::makeTool(const char* name, const char* icon, const QString& text,
+                                    const QString& tip)
 {
   auto* button = new QToolButton(this);
   button->setObjectName(name);
@@ -82,17 +84,19 @@ QWidget* QxVolumeView::makeTools()
   auto* layout = new QHBoxLayout(tools);
   layout->setContentsMargins(6, 4, 6, 2);
   layout->setSpacing(4);
-  QToolButton* in = makeTool("zoomIn", "AlignZoomIn162.png", tr("+"), tr("Zoom in (Ctrl and wheel)"));
-  QToolButton* out = makeTool("zoomOut", "AlignZoomOut162.png", tr("-"), tr("Zoom out (Ctrl and wheel)"));
-  QToolButton* fit = makeTool("zoomFit", nullptr, tr("Fit"), tr("Show the whole slice"));
-  QToolButton* one = makeTool("zoomOne", nullptr, tr("1:1"), tr("One pixel of the slice on one of the screen"));
+  QToolButton* in = makeTool("zoomIn", "ZoomIn.png", tr("+"), tr("Zoom in (Ctrl and wheel)"));
+  QToolButton* out = makeTool("zoomOut", "ZoomOut.png", tr("-"), tr("Zoom out (Ctrl and wheel)"));
+  QToolButton* fit = makeTool("zoomFit", "ZoomFit.png", tr("Fit"), tr("Show the whole slice"));
+  QToolButton* one =
+      makeTool("zoomOne", nullptr, tr("1:1"), tr("One pixel of the slice on one of the screen"));
   m_zoom = new QLabel(tools);
   m_zoom->setObjectName("zoomText");
   m_zoom->setMinimumWidth(m_zoom->fontMetrics().horizontalAdvance("6400 %"));
   m_zoom->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   m_grey = new QxGreyWindow(tools);
   m_grey->setObjectName("greyWindow");
-  for (QWidget* widget : std::initializer_list<QWidget*>{out, in, fit, one, m_zoom}) layout->addWidget(widget);
+  for (QWidget* widget : std::initializer_list<QWidget*>{out, in, fit, one, m_zoom})
+    layout->addWidget(widget);
   layout->addSpacing(12);
   layout->addWidget(m_grey, 1);
   layout->addStretch();
@@ -215,10 +219,8 @@ void QxVolumeView::showPixel(int x, int y, bool inside)
   for (int axis = 0; axis < 3; ++axis)
     place << inUnit(geometry.origin[axis] + index[axis] * geometry.voxelSize[axis]);
   const QString unit = geometry.unit.empty() ? QString() : ' ' + QString::fromStdString(geometry.unit);
-  m_pixel->setText(tr("x %1, y %2  (%3%4)  value %5")
-                       .arg(x)
-                       .arg(y)
-                       .arg(place.join(", "), unit, m_image.valueAt(x, y)));
+  m_pixel->setText(
+      tr("x %1, y %2  (%3%4)  value %5").arg(x).arg(y).arg(place.join(", "), unit, m_image.valueAt(x, y)));
 }
 
 void QxVolumeView::keyPressEvent(QKeyEvent* event)

@@ -9,6 +9,8 @@
 #include <QPushButton>
 #include <QStatusBar>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int barSteps = 1000;
@@ -52,6 +54,7 @@ QxWorkArea::QxWorkArea(QStatusBar* statusBar)
   statusBar->addWidget(m_label, 1);
   statusBar->addPermanentWidget(m_bar);
   statusBar->addPermanentWidget(m_button);
+  keepUsable(m_button);
   m_bar->hide();
   m_button->hide();
   connect(m_button, &QPushButton::clicked, this, &QxWorkArea::stop);
@@ -115,7 +118,8 @@ bool QxWorkArea::mayReceive(QObject* watched, QEvent* event)
   const QWidget* dialog = QApplication::activeModalWidget();
   if (event->type() == QEvent::Shortcut) return dialog; // Those of other windows do not fire beside a dialog.
   auto* widget = qobject_cast<QWidget*>(watched);
-  if (!widget || widget == m_button) return true; // Windows pass on to the widgets inside.
+  if (!widget || std::find(m_usable.begin(), m_usable.end(), widget) != m_usable.end())
+    return true; // Windows pass on to the widgets inside.
   if (dialog) return widget->window() == dialog || widget->window() == QApplication::activePopupWidget();
   const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
   if (isKey && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) stop();

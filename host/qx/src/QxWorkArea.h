@@ -5,10 +5,13 @@
 #include <QElapsedTimer>
 #include <QObject>
 
+#include <vector>
+
 class QLabel;
 class QProgressBar;
 class QPushButton;
 class QStatusBar;
+class QWidget;
 
 /// The work area of the window: text, progress bar and Stop button in the status line, and the busy cursor.
 ///
@@ -23,6 +26,8 @@ public:
   ~QxWorkArea() override;
 
   void processPendingEvents() override;
+  /// Lets a widget be used while the area is busy, too: one that starts no work.
+  void keepUsable(QWidget* widget) { m_usable.push_back(widget); }
   /// Asks the current work to stop; nothing when there is none.
   void stop();
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -45,6 +50,7 @@ private:
   QProgressBar* m_bar;
   QPushButton* m_button;
   QElapsedTimer m_lastRepaint;
+  std::vector<QWidget*> m_usable;
   bool m_wasBusy = false;
   bool m_stop = false;
 };
