@@ -14,6 +14,7 @@
 
 class ZxAlignSlices;
 class ZxLabelLattice;
+struct SliceMapping;
 
 /// The slices of the module's input as 8-bit images: of the editable and of the reference slice, grey through
 /// the module's data window, and as RGBA copies of colour input; besides the raw data and the mask of any
@@ -79,16 +80,17 @@ public:
 
   ZxMutex& dataMutex() noexcept { return m_mutex; }
 
+  /// How slices are mapped at present.
+  SliceMapping mapping() const;
+
 private:
   enum class Role { Editable, Reference };
   /// Maps one slice, or the projection that stands for it.
   void mapSlice(Role role);
   void tellUnreadable(int slice) const;
   void mapNormally(int slice, McDArray<unsigned char>& grey, McDArray<unsigned char>& colour);
-  void mapGrey(const unsigned char* raw, float min, float scale, McDArray<unsigned char>& grey) const;
   void project(int first, int last, McDArray<unsigned char>& grey);
   void projectionRange(Role role, int& first, int& last) const;
-  void window(float& min, float& scale) const;
 
   ZxAlignSlices* m_module; // borrowed
   ZxLattice* m_lattice = nullptr;

@@ -81,6 +81,8 @@ public:
   /// The input lattice, or null.
   ZxLattice* getDataLattice() const noexcept;
   ZxAlignData& sliceData() noexcept { return *m_data; }
+  /// The data whose labels are the mask that is in use, or null.
+  const McHandle<ZxData>& maskSource() const noexcept { return m_maskSource; }
   unsigned char* getComputedEditableSlicePtr();
   unsigned char* getComputedReferenceSlicePtr();
   /// The mutex that guards the input lattice and the images; not recursive.
