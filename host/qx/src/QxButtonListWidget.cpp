@@ -1,14 +1,14 @@
 #include "QxButtonListWidget.h"
 
+#include "QxFlowLayout.h"
 #include "zx/ZxPort.h"
 
-#include <QHBoxLayout>
 #include <QPushButton>
 
 QxButtonListWidget::QxButtonListWidget(ZxPortButtonList& port, QWidget* parent)
   : QxPortWidget(port, parent), m_list(port)
 {
-  auto* layout = new QHBoxLayout(this);
+  auto* layout = new QxFlowLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   for (int i = 0; i < port.getNum(); ++i) {
     auto* button = new QPushButton(this);
@@ -18,7 +18,6 @@ QxButtonListWidget::QxButtonListWidget(ZxPortButtonList& port, QWidget* parent)
     layout->addWidget(button);
     m_buttons.push_back(button);
   }
-  layout->addStretch();
 }
 
 void QxButtonListWidget::refresh()

@@ -1,6 +1,7 @@
 #include "QxCommandLine.h"
 
 #include <QKeyEvent>
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -68,23 +69,17 @@ void QxCommandLine::walk(int step)
 
 void QxCommandLine::complete()
 {
-  if (!m_candidates) return;
+  if (!m_completions) return;
   const QString before = text().left(cursorPosition());
-  // Commands inside brackets and after a semicolon begin anew.
-  const auto begin =
-      std::max({before.lastIndexOf('['), before.lastIndexOf(';'), before.lastIndexOf('{')}) + 1;
-  QStringList words = before.mid(begin).split(' ', Qt::SkipEmptyParts);
-  const QString word =
-      before.isEmpty() || before.endsWith(' ') || words.isEmpty() ? QString() : words.takeLast();
-  QStringList choices;
-  for (const QString& candidate : m_candidates(words))
-    if (candidate.startsWith(word)) choices << candidate;
-  choices.removeDuplicates();
+  const QStringList choices = m_completions(before);
   if (choices.isEmpty()) return;
-  QString completed = commonStart(choices);
-  if (choices.size() == 1) completed += ' ';
-  if (completed == word)
+  const QString completed = choices.size() == 1 ? choices.first() + ' ' : commonStart(choices);
+  const auto begin = before.lastIndexOf(QRegularExpression("[\\s\\[;]")) + 1;
+  const QString word = before.mid(begin);
+  if (completed.size() <= word.size() && completed != word + ' ') {
     Q_EMIT choicesFound(choices);
-  else
-    insert(completed.mid(word.size()));
+    return;
+  }
+  setSelection(static_cast<int>(begin), static_cast<int>(word.size()));
+  insert(completed);
 }

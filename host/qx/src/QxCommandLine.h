@@ -10,11 +10,11 @@
 class QxCommandLine : public QLineEdit {
   Q_OBJECT
 public:
-  /// The words that may stand behind the complete words of a command.
-  using Candidates = std::function<QStringList(const QStringList& wordsBefore)>;
+  /// What the last word of a text can be completed to.
+  using Completions = std::function<QStringList(const QString& text)>;
 
   explicit QxCommandLine(QWidget* parent);
-  void setCandidates(Candidates candidates) { m_candidates = std::move(candidates); }
+  void setCompletions(Completions completions) { m_completions = std::move(completions); }
 
 Q_SIGNALS:
   void entered(const QString& command);
@@ -30,7 +30,7 @@ private:
   void walk(int step);
   void complete();
 
-  Candidates m_candidates;
+  Completions m_completions;
   QStringList m_history;
   int m_position = 0; // in the history; its size: the line that is being written
   QString m_draft;

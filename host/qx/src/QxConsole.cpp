@@ -1,8 +1,9 @@
 #include "QxConsole.h"
 
 #include "QxCommandLine.h"
-#include "QxCommandWords.h"
-#include "QxTcl.h"
+#include "QxPoolActions.h"
+#include "zx/ZxInterpreter.h"
+#include "zx/ZxWorkArea.h"
 
 #include <QFontDatabase>
 #include <QHBoxLayout>
@@ -14,6 +15,14 @@
 namespace {
 
 constexpr int longestConsole = 10000; // lines
+
+QStringList completionsOf(const QString& text)
+{
+  QStringList completions;
+  for (const std::string& word : ZxInterpreter::getTheInterpreter().completions(text.toStdString()))
+    completions << QString::fromStdString(word);
+  return completions;
+}
 
 QColor colorOf(QxConsole::Kind kind, const QPalette& palette)
 {
@@ -31,7 +40,8 @@ QColor colorOf(QxConsole::Kind kind, const QPalette& palette)
 } // namespace
 
 QxConsole::QxConsole(QWidget* parent)
-  : QWidget(parent), m_text(new QPlainTextEdit(this)), m_line(new QxCommandLine(this))
+  : QWidget(parent), m_text(new QPlainTextEdit(this)), m_prompt(new QLabel(QStringLiteral("%"), this)),
+    m_line(new QxCommandLine(this))
 {
   setObjectName("console");
   m_text->setObjectName("messages");
@@ -45,14 +55,13 @@ QxConsole::QxConsole(QWidget* parent)
   m_line->setPlaceholderText(tr("Tcl command, for example: objects"));
   m_line->setToolTip(tr("Tab completes names, Up and Down bring back commands entered before."));
   m_line->setAccessibleName(tr("Tcl command"));
-  m_line->setCandidates(QxCommandWords::candidates);
+  m_line->setCompletions(completionsOf);
   for (QWidget* widget : {static_cast<QWidget*>(m_text), static_cast<QWidget*>(m_line)})
     widget->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-  auto* prompt = new QLabel(QStringLiteral("%"), this);
-  prompt->setBuddy(m_line);
+  m_prompt->setBuddy(m_line);
   auto* row = new QHBoxLayout;
   row->setContentsMargins(6, 0, 0, 0);
-  row->addWidget(prompt);
+  row->addWidget(m_prompt);
   row->addWidget(m_line);
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -66,9 +75,15 @@ QxConsole::QxConsole(QWidget* parent)
   connect(m_text, &QWidget::customContextMenuRequested, this, &QxConsole::showMenu);
   m_before = ZxMessage::getTheMsg()->setSink(
       [this](const std::string& line) { print(QString::fromStdString(line), Kind::Message); });
+  ZxInterpreter::getTheInterpreter().setOutput(
+      [this](const std::string& line) { print(QString::fromStdString(line), Kind::Result); });
 }
 
-QxConsole::~QxConsole() { ZxMessage::getTheMsg()->setSink(std::move(m_before)); }
+QxConsole::~QxConsole()
+{
+  ZxMessage::getTheMsg()->setSink(std::move(m_before));
+  ZxInterpreter::getTheInterpreter().setOutput({});
+}
 
 void QxConsole::print(const QString& text, Kind kind)
 {
@@ -84,12 +99,18 @@ void QxConsole::print(const QString& text, Kind kind)
 
 void QxConsole::clear() { m_text->clear(); }
 
-void QxConsole::evaluate(const QString& command)
+void QxConsole::evaluate(const QString& line)
 {
-  print("% " + command, Kind::Command);
-  const QxTcl::Result result = QxTcl::eval(command.toStdString());
+  print((m_begun.isEmpty() ? "% " : "> ") + line, Kind::Command);
+  const QString command = m_begun + line;
+  const bool isComplete = ZxInterpreter::isComplete(command.toStdString());
+  m_begun = isComplete ? QString() : command + '\n';
+  m_prompt->setText(isComplete ? "%" : ">");
+  if (!isComplete || QxPoolActions::isRefused()) return;
+  const ZxWorkingPhase phase(""); // So that a script that does not end can be stopped.
+  const ZxScriptResult result = ZxInterpreter::getTheInterpreter().eval(command.toStdString());
   const QString text = QString::fromStdString(result.text);
-  if (!text.isEmpty()) print(text, result.ok ? Kind::Result : Kind::Failure);
+  if (!text.isEmpty()) print(text, result.succeeded() ? Kind::Result : Kind::Failure);
 }
 
 void QxConsole::showMenu(const QPoint& place)

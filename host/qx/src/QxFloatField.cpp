@@ -25,9 +25,14 @@ std::optional<float> parse(const QString& text)
 
 QxFloatField::QxFloatField(QWidget* parent) : QLineEdit(parent)
 {
-  setMinimumWidth(fontMetrics().averageCharWidth() * 9);
+  setMinimumWidth(sizeHint().width());
   giveBack();
   connect(this, &QLineEdit::editingFinished, this, &QxFloatField::take);
+}
+
+QSize QxFloatField::sizeHint() const
+{
+  return {fontMetrics().averageCharWidth() * 10, QLineEdit::sizeHint().height()};
 }
 
 void QxFloatField::setValue(float value)

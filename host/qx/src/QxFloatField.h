@@ -13,6 +13,8 @@ public:
   float value() const noexcept { return m_value; }
   /// Shows a value, unless the user is just typing another. Emits nothing.
   void setValue(float value);
+  /// Room for nine digits; where there is more it may be stretched.
+  QSize sizeHint() const override;
 
 Q_SIGNALS:
   /// The user has entered another number.

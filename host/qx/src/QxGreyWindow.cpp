@@ -27,14 +27,13 @@ QxGreyWindow::QxGreyWindow(QWidget* parent)
   m_slider->setToolTip(
       tr("Drag the ends, or the part between them, to choose the values shown black and white"));
   m_slider->setAccessibleName(tr("Grey window"));
-  for (QxFloatField* field : {m_black, m_white})
-    field->setMaximumWidth(field->fontMetrics().averageCharWidth() * 12);
-  m_slider->setMaximumWidth(fontMetrics().averageCharWidth() * 40);
+  for (QxFloatField* field : {m_black, m_white}) field->setFixedWidth(field->minimumWidth());
+  m_slider->setMinimumWidth(fontMetrics().averageCharWidth() * 16);
   auto* layout = new QHBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(new QLabel(tr("Grey:"), this));
   layout->addWidget(m_black);
-  layout->addWidget(m_slider, 1);
+  layout->addWidget(m_slider);
   layout->addWidget(m_white);
   layout->addWidget(automatic);
   connect(m_black, &QxFloatField::valueEntered, this,

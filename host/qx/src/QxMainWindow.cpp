@@ -124,7 +124,7 @@ void QxMainWindow::placeDocks()
   addDockWidget(Qt::BottomDockWidgetArea, m_consoleDock);
   for (QDockWidget* dock : {m_poolDock, m_portsDock, m_consoleDock}) dock->show();
   const int line = fontMetrics().height();
-  resizeDocks({m_poolDock, m_consoleDock}, {line * 21, line * 7}, Qt::Horizontal);
+  resizeDocks({m_poolDock, m_consoleDock}, {line * 23, line * 50}, Qt::Horizontal);
   resizeDocks({m_poolDock, m_portsDock, m_consoleDock}, {line * 12, line * 22, line * 8}, Qt::Vertical);
 }
 

@@ -66,7 +66,10 @@ QString label(const ZxObject& object) { return QString::fromStdString(object.get
 
 QString size(const ZxObject& object)
 {
-  if (dynamic_cast<const ZxModule*>(&object)) return QString::fromStdString(object.getTypeId().name());
+  if (dynamic_cast<const ZxModule*>(&object)) {
+    const std::string& type = object.getTypeId().name();
+    return object.getLabel().str().rfind(type, 0) == 0 ? QString() : QString::fromStdString(type);
+  }
   const ZxLattice* lattice = latticeOf(object);
   if (!lattice) return {};
   const ZxDims& d = lattice->getDims();
@@ -81,12 +84,15 @@ QString size(const ZxObject& object)
 
 QString toolTip(const ZxObject& object)
 {
-  QStringList lines{label(object), kind(object) + ": " + size(object)};
+  const auto* module = dynamic_cast<const ZxModule*>(&object);
+  QStringList lines{label(object),
+                    kind(object) + ": " +
+                        (module ? QString::fromStdString(object.getTypeId().name()) : size(object))};
   if (const auto* data = dynamic_cast<const ZxSpatialData*>(&object); data && data->getLattice()) {
     lines << translated("Voxel size: ") + voxelSize(*data);
     if (data->isUnsaved()) lines << translated("Has changes that are not saved");
   }
-  if (const auto* module = dynamic_cast<const ZxModule*>(&object)) addConnections(lines, *module);
+  if (module) addConnections(lines, *module);
   return lines.join('\n');
 }
 

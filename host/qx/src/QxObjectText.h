@@ -12,7 +12,8 @@ namespace QxObjectText {
 
 /// The label, for widgets that show plain text.
 QString label(const ZxObject& object);
-/// "512 x 512 x 30, uint8" with multiplication signs; what a module is, for modules.
+/// "512 x 512 x 30, uint8" with multiplication signs; of modules their class where the label does not
+/// say it.
 QString size(const ZxObject& object);
 /// Several lines: label, kind, size, voxel size, file; of modules their connections.
 QString toolTip(const ZxObject& object);

@@ -6,6 +6,7 @@
 #include "QxVolumePage.h"
 #include "qx/QxCentralPage.h"
 #include "qx/ZxResource.h"
+#include "zx/ZxInterpreter.h"
 #include "zx/ZxMessage.h"
 #include "zx/ZxModule.h"
 #include "zx/ZxModuleClasses.h"
@@ -78,7 +79,11 @@ QAction* QxPoolActions::makeAction(const char* name, const QString& text, const 
   return action;
 }
 
-bool QxPoolActions::isWorkGoingOn() { return ZxWorkArea::getTheWorkArea()->isBusy() || isAnyInPass(); }
+bool QxPoolActions::isWorkGoingOn()
+{
+  return ZxWorkArea::getTheWorkArea()->isBusy() || ZxInterpreter::getTheInterpreter().isEvaluating() ||
+         isAnyInPass();
+}
 
 bool QxPoolActions::isRefused()
 {

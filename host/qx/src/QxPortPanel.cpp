@@ -70,7 +70,8 @@ void QxPortPanel::addPorts(ZxModule& module, QWidget* page, QGridLayout* grid)
     auto* label = new QLabel(QxObjectText::portLabel(*port), page);
     label->setToolTip(QString::fromStdString(port->getTip()));
     const int row = grid->rowCount();
-    grid->addWidget(label, row, 0);
+    label->setMinimumHeight(widget->sizeHint().height()); // Beside the first of several rows.
+    grid->addWidget(label, row, 0, Qt::AlignTop);
     grid->addWidget(widget, row, 1);
     m_rows.push_back({widget, label});
   }

@@ -18,12 +18,12 @@ constexpr double trackHeight = 8.0;
 QxRangeSlider::QxRangeSlider(QWidget* parent) : QWidget(parent)
 {
   setFocusPolicy(Qt::StrongFocus);
-  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+  setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
 QSize QxRangeSlider::sizeHint() const
 {
-  return {fontMetrics().averageCharWidth() * 20, fontMetrics().height() + 6};
+  return {fontMetrics().averageCharWidth() * 30, fontMetrics().height() + 6};
 }
 
 void QxRangeSlider::setLimits(double minimum, double maximum)

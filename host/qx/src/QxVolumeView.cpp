@@ -49,6 +49,7 @@ QxVolumeView::QxVolumeView(QxPoolWatcher* watcher, QWidget* parent)
   m_pixel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   row->addWidget(new QLabel(tr("Slice:"), this));
   row->addWidget(m_slider, 1);
+  row->addSpacing(4);
   row->addWidget(m_count);
   row->addSpacing(12);
   row->addWidget(m_pixel, 1);
@@ -98,7 +99,7 @@ QWidget* QxVolumeView::makeTools()
   for (QWidget* widget : std::initializer_list<QWidget*>{out, in, fit, one, m_zoom})
     layout->addWidget(widget);
   layout->addSpacing(12);
-  layout->addWidget(m_grey, 1);
+  layout->addWidget(m_grey);
   layout->addStretch();
   connect(in, &QToolButton::clicked, this, [this] { zoomBy(zoomStep); });
   connect(out, &QToolButton::clicked, this, [this] { zoomBy(1.0F / zoomStep); });

@@ -44,6 +44,7 @@ QxWorkArea::QxWorkArea(QStatusBar* statusBar)
     m_button(new QPushButton(tr("Stop"), statusBar))
 {
   m_label->setObjectName("progressText");
+  m_label->setIndent(m_label->fontMetrics().averageCharWidth());
   m_label->setTextFormat(Qt::PlainText);
   m_label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // A long text widens no window.
   m_bar->setObjectName("progressBar");

@@ -1,7 +1,0 @@
-#include "QxTcl.h"
-
-namespace QxTcl {
-
-Result eval(const std::string&) { return {}; }
-
-} // namespace QxTcl
