@@ -2,6 +2,7 @@
 
 #include "qx/ZxResource.h"
 
+#include <QCoreApplication>
 #include <QPaintEngine>
 #include <QPaintEvent>
 #include <QPixmap>
@@ -284,6 +285,9 @@ void QxDrawAlignSlices::Internals::layOutScrollBars()
     const QSize visible = fits ? whole : view.viewport()->size();
     setRange(*view.horizontalScrollBar(), contents.width(), visible.width());
     setRange(*view.verticalScrollBar(), contents.height(), visible.height());
+    // The bars would come and go in the next turn of the event loop only, too late for centring.
+    QEvent layOut(QEvent::LayoutRequest);
+    QCoreApplication::sendEvent(&view, &layOut);
     if (view.viewport()->size() == visible) return;
   }
 }
