@@ -383,6 +383,11 @@ void QxOrthoViewManager::showZoom()
   m_toolBar->setZoomLabel(text);
 }
 
+bool QxOrthoViewManager::waitForUpdate(unsigned long milliseconds)
+{
+  return !m_thread || m_thread->wait(milliseconds);
+}
+
 bool QxOrthoViewManager::useThread()
 {
   const char* const text = ZxInterpreter::getTheInterpreter().getVar("ZxAlign_useThreads");

@@ -113,6 +113,9 @@ public:
   void updateImageData();
   /// True when the columns are to be computed by the thread, which exists then.
   bool useThread();
+  bool hasThread() const noexcept { return m_thread != nullptr; }
+  /// Waits until the thread, if there is one, has nothing to do. False when that takes longer.
+  bool waitForUpdate(unsigned long milliseconds);
 
   // Up-to-date boxes: in projection mode the part of each slice's columns that is valid, rows of the sagittal
   // one as y range and columns of the coronal one as x range.
