@@ -1,6 +1,5 @@
 #include "LandmarkTable.h"
 
-
 #include <fstream>
 
 #include <gtest/gtest.h>
@@ -19,7 +18,8 @@ std::string tableFile(const std::string& name, const std::string& text)
 
 TEST(LandmarkTable, TakesRowsInAnyOrder)
 {
-  const std::string path = tableFile("any-order.csv", "# a remark\r\n" + kHead + "1,0,-5, 6\n0,1,3,4\r\n0,0,1,2\n1,1,7,8");
+  const std::string path =
+      tableFile("any-order.csv", "# a remark\r\n" + kHead + "1,0,-5, 6\n0,1,3,4\r\n0,0,1,2\n1,1,7,8");
   const std::vector<std::vector<ZxAlignPoint>> expected = {{{1, 2}, {3, 4}}, {{-5, 6}, {7, 8}}};
   std::vector<std::vector<ZxAlignPoint>> landmarks;
   EXPECT_EQ(readLandmarkTable(path, 2, landmarks), "");

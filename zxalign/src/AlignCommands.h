@@ -12,8 +12,9 @@ struct AlignCommand : ZxCommandHelp {
   };
   Needs needs;
   int (*run)(ZxAlignSlices& module, Tcl_Interp* interp, ZxArguments arguments);
-  std::string_view alias = {};      ///< a second name, or empty
-  std::string_view countError = {}; ///< what is said to a wrong number of arguments, where not Tcl's own words
+  std::string_view alias = {}; ///< a second name, or empty
+  std::string_view countError =
+      {}; ///< what is said to a wrong number of arguments, where not Tcl's own words
 
   bool isCalled(std::string_view word) const noexcept
   {

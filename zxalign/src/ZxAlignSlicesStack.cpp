@@ -1,11 +1,11 @@
 // What ZxAlignSlices does with its slices: whole-stack operations, landmarks, storage, quality, runs over the
 // whole stack.
 #include "AlignmentGeometry.h"
-#include "LandmarkTable.h"
 #include "AlignmentMatrix.h"
 #include "AlignmentOrder.h"
 #include "AlignmentQuality.h"
 #include "AlignmentStorage.h"
+#include "LandmarkTable.h"
 #include "MostFrequentColor.h"
 #include "RigidFit.h"
 #include "mc/McRound.h"

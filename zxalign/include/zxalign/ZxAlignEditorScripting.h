@@ -5,8 +5,8 @@
 #include <string>
 
 /// What scripts ask of an open editor window: what a person does in it with mouse and keyboard, with the same
-/// effect on module, menus, toolbars and views. Slices are counted from 0; a side is -1 for the lower slice of
-/// the pair and +1 for the upper one.
+/// effect on module, menus, toolbars and views. Slices are counted from 0; a side is -1 for the lower slice
+/// of the pair and +1 for the upper one.
 class ZxAlignEditorScripting {
 public:
   virtual ~ZxAlignEditorScripting() = default;
