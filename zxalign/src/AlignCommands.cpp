@@ -5,6 +5,7 @@
 #include "LandmarkTable.h"
 #include "zx/ZxMessage.h"
 #include "zxalign/ZxAlignEditor.h"
+#include "zxalign/ZxAlignEditorScripting.h"
 #include "zxalign/ZxAlignSlices.h"
 #include "zxalign/ZxAutoAlignMethodFabrique.h"
 
@@ -28,13 +29,18 @@ int number(Interp interp, int value)
 
 void say(const char* text) { ZxMessage::getTheMsg()->printf("%s", text); }
 
+/// True when the editor is open, and can be asked.
+bool hasEditor(const Module& module) { return module.isEditorOpen() && module.editor()->scripting(); }
+
+ZxAlignEditorScripting& editor(Module& module) { return *module.editor()->scripting(); }
+
 bool isSlice(const Module& module, int slice) { return slice >= 0 && slice < module.numSlices(); }
 
 /// Calls an operation of the editor that takes nothing; the editor is open.
 template <auto operation>
 int ask(Module& module, Interp, Words)
 {
-  (module.editor()->*operation)();
+  (editor(module).*operation)();
   return kZxOk;
 }
 
@@ -42,7 +48,7 @@ int ask(Module& module, Interp, Words)
 template <auto operation>
 int askNumber(Module& module, Interp, Words words)
 {
-  (module.editor()->*operation)(alignInteger(words[0]));
+  (editor(module).*operation)(alignInteger(words[0]));
   return kZxOk;
 }
 
@@ -50,7 +56,7 @@ int askNumber(Module& module, Interp, Words words)
 template <auto operation>
 int askFlag(Module& module, Interp, Words words)
 {
-  (module.editor()->*operation)(alignFlag(words[0]));
+  (editor(module).*operation)(alignFlag(words[0]));
   return kZxOk;
 }
 
@@ -58,7 +64,7 @@ int askFlag(Module& module, Interp, Words words)
 template <auto operation>
 int tell(Module& module, Interp interp, Words)
 {
-  return number(interp, (module.editor()->*operation)());
+  return number(interp, (editor(module).*operation)());
 }
 
 int performance(Module& module, Interp, Words)
@@ -82,7 +88,7 @@ int setLandmark(Module& module, Interp, Words words)
   module.getSlice(slice).landmarks[static_cast<std::size_t>(index)] =
       QPoint(alignInteger(words[2]), alignInteger(words[3]));
   module.setModified(true);
-  module.editor()->draw();
+  editor(module).draw();
   return kZxOk;
 }
 
@@ -90,7 +96,7 @@ int getLandmark(Module& module, Interp interp, Words words)
 {
   const int slice = alignInteger(words[0]);
   const int index = alignInteger(words[1]);
-  if (!module.isEditorOpen() || !isSlice(module, slice)) {
+  if (!hasEditor(module) || !isSlice(module, slice)) {
     say("Invalid slice number");
   } else if (!hasLandmark(module, slice, index)) {
     say("Invalid landmark number");
@@ -138,7 +144,7 @@ int setLandmarks(Module& module, Interp interp, Words words)
 
 int setSliceNumber(Module& module, Interp, Words words)
 {
-  module.editor()->sliceChange(alignReal(words[0]));
+  editor(module).sliceChange(alignReal(words[0]));
   return kZxOk;
 }
 
@@ -147,9 +153,9 @@ int getSliceNumber(Module& module, Interp interp, Words) { return number(interp,
 int setEditableSlice(Module& module, Interp, Words words)
 {
   if (!std::strcmp(words[0], "upper"))
-    module.editor()->setEditableSlice(1);
+    editor(module).setEditableSlice(1);
   else if (!std::strcmp(words[0], "lower"))
-    module.editor()->setEditableSlice(-1);
+    editor(module).setEditableSlice(-1);
   else
     say("usage: setEditableSlice <lower | upper>");
   return kZxOk;
@@ -180,8 +186,8 @@ int setFixReferenceSlice(Module& module, Interp, Words words)
 {
   const bool fix = alignFlag(words[0]);
   if (fix == module.isReferenceFixed()) return kZxOk;
-  if (module.isEditorOpen())
-    module.editor()->fixReference();
+  if (hasEditor(module))
+    editor(module).fixReference();
   else
     module.setReferenceFixed(fix);
   return kZxOk;
@@ -196,8 +202,8 @@ int setTransformAll(Module& module, Interp, Words words)
 {
   const bool all = alignFlag(words[0]);
   if (all == module.transformsAll()) return kZxOk;
-  if (module.isEditorOpen())
-    module.editor()->transformAll();
+  if (hasEditor(module))
+    editor(module).transformAll();
   else
     module.setTransformAll(all);
   return kZxOk;
@@ -231,8 +237,8 @@ int rotate(Module& module, Interp, Words words)
 
 int reset(Module& module, Interp, Words)
 {
-  if (module.isEditorOpen())
-    module.editor()->reset();
+  if (hasEditor(module))
+    editor(module).reset();
   else
     module.resetTransforms(module.getEditableSlice(), module.getEditableSlice());
   return kZxOk;
@@ -240,8 +246,8 @@ int reset(Module& module, Interp, Words)
 
 int resetAll(Module& module, Interp, Words)
 {
-  if (module.isEditorOpen())
-    module.editor()->resetAll();
+  if (hasEditor(module))
+    editor(module).resetAll();
   else
     module.resetTransforms(0, module.numSlices() - 1);
   return kZxOk;
@@ -322,8 +328,8 @@ int setAlignMode(Module& module, Interp interp, Words words)
   const int mode = isNumber ? alignInteger(words[0]) : methodOfName(module, words[0]);
   if (!isNumber && mode < 0) return unknownMethod(module, interp, words[0]);
   if (isNumber && static_cast<unsigned>(mode) > 3u) return kZxOk;
-  if (module.isEditorOpen())
-    module.editor()->changeAlignMode(mode);
+  if (hasEditor(module))
+    editor(module).changeAlignMode(mode);
   else
     say("invalid mode; 0<=mode<=3");
   return kZxOk;
@@ -333,8 +339,8 @@ int setViewMode(Module& module, Interp, Words words)
 {
   const int mode = alignInteger(words[0]);
   if (mode > 3) return kZxOk; // Negative ones pass, deliberately: the editor knows none of them.
-  if (module.isEditorOpen())
-    module.editor()->chooseViewMode(mode < 0 ? 0 : mode + 1);
+  if (hasEditor(module))
+    editor(module).chooseViewMode(mode < 0 ? 0 : mode + 1);
   else
     say("invalid mode; 0<=mode<=3");
   return kZxOk;
@@ -452,8 +458,8 @@ int isEditorOpen(Module& module, Interp interp, Words) { return number(interp, m
 
 int read(Module& module, Interp, Words)
 {
-  if (module.isEditorOpen())
-    module.editor()->read();
+  if (hasEditor(module))
+    editor(module).read();
   else
     module.readTransform();
   return kZxOk;
@@ -476,8 +482,8 @@ int resampleToResult(Module& module, Interp interp, Words)
 
 int snapshot(Module& module, Interp interp, Words words)
 {
-  if (!module.isEditorOpen()) return zxError(interp, "Viewer not active");
-  const std::string problem = module.editor()->snapshot(words[0]);
+  if (!hasEditor(module)) return zxError(interp, "Viewer not active");
+  const std::string problem = editor(module).snapshot(words[0]);
   return problem.empty() ? kZxOk : zxError(interp, problem);
 }
 
@@ -486,7 +492,7 @@ int setCheckerboardSize(Module& module, Interp interp, Words words)
   const auto size = zxGetInt(interp, words[0]);
   if (!size) return kZxError;
   if (*size < 1) return zxError(interp, "a tile is at least 1 pixel large");
-  module.editor()->setChessFieldSize(*size);
+  editor(module).setChessFieldSize(*size);
   return kZxOk;
 }
 
@@ -661,7 +667,7 @@ int ZxAlignSlices::parse(Tcl_Interp* interp, int argc, char** argv)
   if (!command->accepts(arguments.size()))
     return command->countError.empty() ? zxWrongArguments(interp, words.first(2), command->arguments)
                                        : zxError(interp, std::string(command->countError));
-  if (command->needs == AlignCommand::Needs::Editor && !isEditorOpen()) return kZxOk;
+  if (command->needs == AlignCommand::Needs::Editor && !hasEditor(*this)) return kZxOk;
   return command->run(*this, interp, arguments);
 }
 

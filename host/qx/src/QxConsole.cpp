@@ -3,7 +3,6 @@
 #include "QxCommandLine.h"
 #include "QxPoolActions.h"
 #include "zx/ZxInterpreter.h"
-#include "zx/ZxWorkArea.h"
 
 #include <QFontDatabase>
 #include <QHBoxLayout>
@@ -107,7 +106,6 @@ void QxConsole::evaluate(const QString& line)
   m_begun = isComplete ? QString() : command + '\n';
   m_prompt->setText(isComplete ? "%" : ">");
   if (!isComplete || QxPoolActions::isRefused()) return;
-  const ZxWorkingPhase phase(""); // So that a script that does not end can be stopped.
   const ZxScriptResult result = ZxInterpreter::getTheInterpreter().eval(command.toStdString());
   const QString text = QString::fromStdString(result.text);
   if (!text.isEmpty()) print(text, result.succeeded() ? Kind::Result : Kind::Failure);

@@ -1,6 +1,7 @@
 #include "QxFloatTextWidget.h"
 
 #include "QxFloatField.h"
+#include "QxFlowLayout.h"
 #include "zx/ZxPort.h"
 
 #include <QHBoxLayout>
@@ -9,7 +10,7 @@
 QxFloatTextWidget::QxFloatTextWidget(ZxPortFloatTextN& port, QWidget* parent)
   : QxPortWidget(port, parent), m_texts(port)
 {
-  auto* layout = new QHBoxLayout(this);
+  auto* layout = new QxFlowLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   for (int i = 0; i < port.getNum(); ++i) {
     const QString text = QString::fromStdString(port.getFieldLabel(i));
@@ -20,8 +21,12 @@ QxFloatTextWidget::QxFloatTextWidget(ZxPortFloatTextN& port, QWidget* parent)
     label->setBuddy(field);
     connect(field, &QxFloatField::valueEntered, this,
             [this, i](float value) { change([&texts = m_texts, i, value] { texts.setValue(i, value); }); });
-    layout->addWidget(label);
-    layout->addWidget(field, 1);
+    auto* pair = new QWidget(this);
+    auto* row = new QHBoxLayout(pair);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(label);
+    row->addWidget(field);
+    layout->addWidget(pair);
     m_fields.push_back(field);
   }
 }

@@ -7,6 +7,8 @@
 
 #include <QGridLayout>
 #include <QLabel>
+#include <QPushButton>
+#include <QScrollBar>
 
 QxPortPanel::QxPortPanel(QxPoolWatcher* watcher, QWidget* parent) : QScrollArea(parent)
 {
@@ -64,15 +66,22 @@ void QxPortPanel::rebuild()
 
 void QxPortPanel::addPorts(ZxModule& module, QWidget* page, QGridLayout* grid)
 {
+  const int lineHeight = QPushButton(page).sizeHint().height();
+  const int longestLabel = fontMetrics().averageCharWidth() * 22; // One is not to narrow all controls.
   for (ZxPort* port : module.getPorts()) {
     QxPortWidget* widget = QxPortWidget::create(*port, page);
     if (!widget) continue;
     auto* label = new QLabel(QxObjectText::portLabel(*port), page);
     label->setToolTip(QString::fromStdString(port->getTip()));
     const int row = grid->rowCount();
-    label->setMinimumHeight(widget->sizeHint().height()); // Beside the first of several rows.
-    grid->addWidget(label, row, 0, Qt::AlignTop);
-    grid->addWidget(widget, row, 1);
+    if (label->sizeHint().width() > longestLabel) {
+      grid->addWidget(label, row, 0, 1, 2);
+      grid->addWidget(widget, row + 1, 1);
+    } else {
+      label->setMinimumHeight(lineHeight); // Beside the first of several rows.
+      grid->addWidget(label, row, 0, Qt::AlignTop);
+      grid->addWidget(widget, row, 1);
+    }
     m_rows.push_back({widget, label});
   }
 }
@@ -98,4 +107,6 @@ void QxPortPanel::refresh()
     row.widget->setVisible(port.isVisible());
     row.label->setVisible(port.isVisible());
   }
+  // Narrower than its content the panel would have to be scrolled sideways.
+  setMinimumWidth(widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width());
 }

@@ -32,7 +32,8 @@ void QxAlignSlices::sliceChange(float slice)
 {
   const int s = mc::addHalfAndTrunc(static_cast<double>(slice));
   if (s == m_module->getEditableSlice()) return;
-  if (!acceptsEdit() || !isInStack(s)) return updateToolbar();
+  const bool isBelow = slice <= -0.5f; // which the rounding towards zero would hide
+  if (!acceptsEdit() || isBelow || !isInStack(s)) return updateToolbar();
   if (m_module->isReferenceFixed())
     passReference(s);
   else

@@ -238,7 +238,9 @@ private:
   /// The slices that a change of the editable one affects: calls change for each, the editable one first.
   template <class Change>
   void forAffectedSlices(Change change);
+  bool isInStack(int slice) const;
   bool hasEditableSlice() const noexcept;
+  void restorePair(int editable, int side);
   void showEditableSlice();
   /// Shows transforms that were set from outside.
   void transformsChanged();

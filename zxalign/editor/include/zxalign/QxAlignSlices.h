@@ -5,6 +5,7 @@
 #include "qx/QxCentralPage.h"
 #include "zxalign/SliceInfo.h"
 #include "zxalign/ZxAlignEditor.h"
+#include "zxalign/ZxAlignEditorScripting.h"
 
 #include <QList>
 #include <QMainWindow>
@@ -33,7 +34,10 @@ struct ZxAlignPair;
 /// and every change is shown by all its parts: slice view, three toolbars, menus, orthogonal views. The
 /// module owns the window and outlives it. Distances are pixels of the slices, y downwards; angles degrees;
 /// slices are counted from 0. Without an input the window shows nothing and every edit is refused.
-class QxAlignSlices : public QMainWindow, public ZxAlignEditor, public QxCentralPage {
+class QxAlignSlices : public QMainWindow,
+                      public ZxAlignEditor,
+                      public ZxAlignEditorScripting,
+                      public QxCentralPage {
   Q_OBJECT
 public:
   /// How a pair is edited.
@@ -69,6 +73,7 @@ public:
   void setChessFieldSize(int size) override;
 
   // ZxAlignEditor
+  ZxAlignEditorScripting* scripting() noexcept override { return this; }
   /// Redraws the pair and brings the toolbars up to date.
   void updateViews() override;
   void setSliceInfo(const SliceInfo& info) override;
