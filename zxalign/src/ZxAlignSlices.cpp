@@ -255,13 +255,27 @@ void ZxAlignSlices::computeAction()
 
 void ZxAlignSlices::computeMaxIntNumSlices()
 {
-  const int reference = std::max(1, mc::addHalfAndTrunc(portMaxIntNumSlices.getValue(0)));
-  const int editable = std::max(1, mc::addHalfAndTrunc(portMaxIntNumSlices.getValue(1)));
-  if (reference == m_referenceThickness && editable == m_editableThickness) return;
+  useThickness(mc::addHalfAndTrunc(portMaxIntNumSlices.getValue(0)),
+               mc::addHalfAndTrunc(portMaxIntNumSlices.getValue(1)));
+}
+
+void ZxAlignSlices::setProjectionThickness(int reference, int editable)
+{
+  if (!useThickness(reference, editable)) return;
+  portMaxIntNumSlices.setValue(0, static_cast<float>(m_referenceThickness));
+  portMaxIntNumSlices.setValue(1, static_cast<float>(m_editableThickness));
+}
+
+bool ZxAlignSlices::useThickness(int reference, int editable)
+{
+  reference = std::max(1, reference);
+  editable = std::max(1, editable);
+  if (reference == m_referenceThickness && editable == m_editableThickness) return false;
   m_referenceThickness = reference;
   m_editableThickness = editable;
   mapSlices();
   updateViews();
+  return true;
 }
 
 void ZxAlignSlices::doIt(int activate)

@@ -5,6 +5,7 @@
 #include "AlignmentOrder.h"
 #include "AlignmentQuality.h"
 #include "AlignmentStorage.h"
+#include "LandmarkTable.h"
 #include "MostFrequentColor.h"
 #include "RigidFit.h"
 #include "mc/McRound.h"
@@ -332,9 +333,30 @@ bool ZxAlignSlices::setTransforms(std::span<const ZxAlignTransform> transforms)
     const ZxAlignTransform& t = transforms[i];
     m_slices[i].setXForm(SliceXForm(t.tx, t.ty, t.angleDegrees, t.flip));
   }
-  m_modified = true;
-  updateViews();
+  transformsChanged();
   return true;
+}
+
+void ZxAlignSlices::setTransform(int slice, const SliceXForm& xform)
+{
+  getSlice(slice).setXForm(xform);
+  transformsChanged();
+}
+
+void ZxAlignSlices::resetTransforms(int first, int last)
+{
+  if (numSlices() == 0) return;
+  m_undoRedo.saveState();
+  for (int slice = first; slice <= last; ++slice) getSlice(slice).setXForm(SliceXForm());
+  transformsChanged();
+}
+
+void ZxAlignSlices::transformsChanged()
+{
+  m_modified = true;
+  if (m_useMaxIntProjection) mapSlices(); // projections are made with the transforms
+  if (m_editor) m_editor->showPair();
+  updateQuality();
 }
 
 bool ZxAlignSlices::setLandmarks(std::span<const std::vector<ZxAlignPoint>> landmarks)
@@ -349,6 +371,17 @@ bool ZxAlignSlices::setLandmarks(std::span<const std::vector<ZxAlignPoint>> land
   m_modified = true;
   updateViews();
   return true;
+}
+
+std::string ZxAlignSlices::setLandmarksFrom(const std::string& fileName)
+{
+  if (numSlices() == 0) return "There is no input whose landmarks " + fileName + " could hold.";
+  std::vector<std::vector<ZxAlignPoint>> landmarks;
+  std::string problem = readLandmarkTable(fileName, numSlices(), landmarks);
+  if (!problem.empty()) return problem;
+  m_undoRedo.saveState();
+  setLandmarks(landmarks);
+  return {};
 }
 
 void ZxAlignSlices::selectPair(const ZxAlignPair& pair)

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -182,6 +183,15 @@ void QxDrawAlignSlices::drawImageSize(float scaleX, float scaleY, bool light, in
 McVec2f QxDrawAlignSlices::mapWindowToImage(int x, int y) const
 {
   return m->geometry().windowToImage({x, y});
+}
+
+void QxDrawAlignSlices::addSuppression(int delta)
+{
+  const bool wasSuppressed = m->suppressed > 0;
+  const auto sum = static_cast<std::int64_t>(m->suppressed) + delta;
+  m->suppressed = static_cast<int>(
+      std::clamp(sum, std::int64_t{0}, static_cast<std::int64_t>(std::numeric_limits<int>::max() / 2)));
+  if (wasSuppressed && m->suppressed == 0) updateViewport();
 }
 
 void QxDrawAlignSlices::suppressUpdates() { ++m->suppressed; }

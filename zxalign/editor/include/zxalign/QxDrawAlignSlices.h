@@ -108,6 +108,8 @@ public:
   /// Between the two the picture is not composed anew, however often it is asked for; the calls nest. A paint
   /// that falls between shows the last picture and is made up for by the last resumeUpdates().
   void suppressUpdates();
+  /// Adds to the number of suppressUpdates() that have not been resumed, which never falls below 0.
+  void addSuppression(int delta);
   void resumeUpdates();
   /// Asks for a repaint of the viewport.
   void updateViewport();
