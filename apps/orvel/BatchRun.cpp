@@ -7,7 +7,9 @@
 
 #include <QCoreApplication>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 namespace orvel {
 namespace {
@@ -67,11 +69,14 @@ int runBatch(const std::string& script, const std::vector<std::string>& argument
   for (const std::string& problem : session.problems()) std::fprintf(stderr, "orvel: %s\n", problem.c_str());
   if (!session.problems().empty()) return Failed;
   ZxInterpreter& interpreter = ZxInterpreter::getTheInterpreter();
+  interpreter.setOutput({}); // Nobody sees the console of the window.
   interpreter.setArguments(script, arguments);
   const ZxScriptResult result = interpreter.runFile(script);
   workArea.clearLine();
   const int status = reportEnd(script, result);
-  return std::fflush(stdout) == 0 ? status : Failed;
+  if (interpreter.flushOutput()) return status;
+  std::fprintf(stderr, "orvel: Standard output could not be written: %s.\n", std::strerror(errno));
+  return Failed;
 }
 
 } // namespace orvel

@@ -26,6 +26,19 @@ void prepareBatch()
   qInstallMessageHandler(showFatalOnly);
 }
 
+bool isSet(const char* variable)
+{
+  const char* const value = std::getenv(variable);
+  return value && *value;
+}
+
+/// The toolkit would end the program with a core dump.
+bool lacksDisplay(Arguments::Mode mode)
+{
+  return mode == Arguments::Mode::Window && !isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") &&
+         !isSet("QT_QPA_PLATFORM");
+}
+
 int runApplication(char* programName, const Arguments& arguments)
 {
   if (arguments.mode == Arguments::Mode::Batch) prepareBatch();
@@ -60,6 +73,10 @@ int runProgram(int argc, char** argv)
   }
   if (arguments.mode == Arguments::Mode::Help) return print(Arguments::usage());
   if (arguments.mode == Arguments::Mode::Version) return print("orvel " ORVEL_VERSION "\n");
+  if (lacksDisplay(arguments.mode)) {
+    std::fprintf(stderr, "orvel: There is no display for the window; orvel -b SCRIPT needs none.\n");
+    return EXIT_FAILURE;
+  }
   return runApplication(argv[0], arguments);
 }
 

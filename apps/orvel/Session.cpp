@@ -3,7 +3,6 @@
 #include "common/PlugIns.h"
 #include "io/FileAccess.h"
 #include "qx/QxMainWindow.h"
-#include "zx/ZxInterpreter.h"
 #include "zx/ZxObjectPool.h"
 #include "zx/ZxPackage.h"
 
@@ -23,7 +22,6 @@ Session::Session()
 
 Session::~Session()
 {
-  ZxInterpreter::getTheInterpreter().setOutput({});
   // Modules own pages of the window, and take them along.
   ZxObjectPool::getThePool().clear();
 }

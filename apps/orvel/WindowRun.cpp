@@ -40,7 +40,6 @@ int runWindow(const std::string& script, const std::vector<std::string>& files)
   QxMainWindow& window = session.window();
   ZxInterpreter& interpreter = ZxInterpreter::getTheInterpreter();
   interpreter.setArguments("orvel", files);
-  interpreter.setOutput(print);
   interpreter.setQuitHandler([&window](int status) { quit(window, status); });
   for (const std::string& problem : session.problems()) print(problem);
   window.show();

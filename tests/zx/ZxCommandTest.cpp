@@ -311,6 +311,9 @@ TEST_F(ZxCommandTest, CompletesWhatIsTyped)
   EXPECT_EQ(interpreter.completions("puts x; m b"), (Words{"buttons"}));
   EXPECT_EQ(interpreter.completions("m menu "), (Words{"getEntries", "getValue", "setValue"}));
   EXPECT_EQ(interpreter.completions("m menu getValue "), Words());
+  EXPECT_EQ(interpreter.completions("m data connect "), (Words{"{my stack}", "none"}));
+  EXPECT_EQ(interpreter.completions("m mask connect "), (Words{"none"}));
+  EXPECT_EQ(interpreter.completions("remove {my"), (Words{"{my stack}"}));
   EXPECT_FALSE(ZxInterpreter::isComplete("foreach x {1 2} {"));
   EXPECT_TRUE(ZxInterpreter::isComplete("foreach x {1 2} {\n}"));
 }

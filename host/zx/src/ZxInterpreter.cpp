@@ -88,6 +88,29 @@ std::vector<std::string> wordsOf(const std::string& command)
   return {{}};
 }
 
+/// The words that objects have to offer behind these.
+std::set<std::string> candidatesBehind(std::span<const std::string> words)
+{
+  const ZxObjectPool& pool = ZxObjectPool::getThePool();
+  const ZxObject* const object = words.empty() ? nullptr : pool.find(words[0]);
+  const auto* const module = dynamic_cast<const ZxModule*>(object);
+  const ZxPort* const port = module && words.size() > 1 ? module->findPort(words[1]) : nullptr;
+  const auto* const connection = dynamic_cast<const ZxConnection*>(port);
+  std::set<std::string> candidates;
+  const auto add = [&](const std::vector<ZxCommandHelp>& list) {
+    for (const ZxCommandHelp& command : list)
+      candidates.emplace(command.name.substr(0, command.name.find(' ')));
+  };
+  if (object && words.size() == 1) add(object->commands());
+  if (port && words.size() == 2) add(port->commands());
+  const bool connects = connection && words.size() == 3 && words[2] == "connect";
+  if (connects) candidates.insert("none");
+  // Arguments of other commands are names of objects mostly.
+  for (const McHandle<ZxObject>& o : pool.objects())
+    if (connects ? connection->accepts(*o) : !object) candidates.insert(o->getLabel().str());
+  return candidates;
+}
+
 } // namespace
 
 ZxInterpreter& ZxInterpreter::getTheInterpreter()
@@ -113,6 +136,10 @@ ZxInterpreter::~ZxInterpreter()
 {
   m_objectCommands.reset();
   m_channels.reset();
+  flushOutput();
+  // Without another holder the end of the interpreter would close these for the whole program.
+  for (const int standard : {TCL_STDIN, TCL_STDOUT, TCL_STDERR})
+    if (Tcl_Channel channel = Tcl_GetStdChannel(standard)) Tcl_RegisterChannel(nullptr, channel);
 }
 
 void ZxInterpreter::Delete::operator()(Tcl_Interp* interp) const { Tcl_DeleteInterp(interp); }
@@ -205,8 +232,12 @@ void ZxInterpreter::setArguments(const std::string& program, std::span<const std
 void ZxInterpreter::handleEvents()
 {
   if (m_depth > 0) return;
-  while (Tcl_DoOneEvent(TCL_ALL_EVENTS | TCL_DONT_WAIT)) {
-  }
+  constexpr int atATime = 100; // What asks for itself again at once must not keep everything else waiting.
+  run([](Tcl_Interp*) {
+    for (int i = 0; i < atATime && Tcl_DoOneEvent(TCL_ALL_EVENTS | TCL_DONT_WAIT); ++i) {
+    }
+    return TCL_OK;
+  });
 }
 
 void ZxInterpreter::quit(int status)
@@ -221,30 +252,24 @@ void ZxInterpreter::setOutput(std::function<void(const std::string&)> output)
   if (output) m_channels = std::make_unique<ZxScriptChannels>(m_interp.get(), std::move(output));
 }
 
+bool ZxInterpreter::flushOutput()
+{
+  Tcl_Channel channel = Tcl_GetStdChannel(TCL_STDOUT);
+  return !channel || Tcl_Flush(channel) == TCL_OK;
+}
+
 bool ZxInterpreter::isComplete(const std::string& script) { return Tcl_CommandComplete(script.c_str()) != 0; }
 
 std::vector<std::string> ZxInterpreter::completions(const std::string& line) const
 {
   const std::vector<std::string> words = wordsOf(commandBeingTyped(line));
-  std::set<std::string> candidates;
-  const auto addAll = [&](const std::vector<ZxCommandHelp>& list) {
-    for (const ZxCommandHelp& command : list)
-      candidates.emplace(command.name.substr(0, command.name.find(' ')));
-  };
-  const ZxObjectPool& pool = ZxObjectPool::getThePool();
-  const ZxObject* const object = pool.find(words[0]);
-  const auto* const module = dynamic_cast<const ZxModule*>(object);
-  const ZxPort* const port = module && words.size() == 3 ? module->findPort(words[1]) : nullptr;
+  std::set<std::string> candidates = candidatesBehind(std::span(words).first(words.size() - 1));
   if (words.size() == 1) {
-    for (const McHandle<ZxObject>& o : pool.objects()) candidates.insert(o->getLabel().str());
     Tcl_Eval(m_interp.get(), "info commands");
     if (const auto names = splitList(Tcl_GetStringResult(m_interp.get())))
       candidates.insert(names->begin(), names->end());
     Tcl_ResetResult(m_interp.get());
-  } else if (object && words.size() == 2)
-    addAll(object->commands());
-  else if (port)
-    addAll(port->commands());
+  }
   std::vector<std::string> fitting;
   for (const std::string& candidate : candidates)
     if (candidate.starts_with(words.back())) fitting.push_back(makeList({&candidate, 1}));

@@ -57,6 +57,11 @@ ZxScriptChannels::~ZxScriptChannels()
   for (const Standard& standard : m_standards) {
     Tcl_SetStdChannel(standard.before, standard.number);
     Tcl_UnregisterChannel(m_interp, standard.own);
+
+    if (!standard.before) continue;
+    // The interpreter may have met these channels only now.
+    if (!Tcl_IsChannelRegistered(m_interp, standard.before)) Tcl_RegisterChannel(m_interp, standard.before);
+    Tcl_UnregisterChannel(nullptr, standard.before);
   }
   if (!m_line.empty()) m_output(m_line);
 }

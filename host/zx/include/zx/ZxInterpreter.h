@@ -65,6 +65,8 @@ public:
   /// Sends what scripts print (puts, echo) line by line to a function instead of to standard output and
   /// standard error; an empty one restores these.
   void setOutput(std::function<void(const std::string& line)> output);
+  /// Writes out what scripts have printed to standard output so far; false when that fails.
+  bool flushOutput();
   /// Called after a script that asked to quit has ended.
   void setQuitHandler(std::function<void(int status)> handler) { m_quitHandler = std::move(handler); }
   /// The status that a script asked to quit with.
