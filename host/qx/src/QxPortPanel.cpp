@@ -78,8 +78,9 @@ void QxPortPanel::addPorts(ZxModule& module, QWidget* page, QGridLayout* grid)
       grid->addWidget(label, row, 0, 1, 2);
       grid->addWidget(widget, row + 1, 1);
     } else {
-      label->setMinimumHeight(lineHeight); // Beside the first of several rows.
-      grid->addWidget(label, row, 0, Qt::AlignTop);
+      const bool mayHaveRows = widget->layout()->hasHeightForWidth();
+      if (mayHaveRows) label->setMinimumHeight(lineHeight); // It stands beside the first one.
+      grid->addWidget(label, row, 0, mayHaveRows ? Qt::AlignTop : Qt::AlignVCenter);
       grid->addWidget(widget, row, 1);
     }
     m_rows.push_back({widget, label});

@@ -97,6 +97,7 @@ void QxWorkArea::workingChanged()
   m_button->setVisible(isWorking());
   m_button->setEnabled(isWorking());
   show();
+  if (!isWorking()) m_label->clear(); // What is said of work that has ended is said after it.
   followBusy();
 }
 

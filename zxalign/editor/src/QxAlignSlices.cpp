@@ -15,6 +15,7 @@
 #include "zxalign/QxAutoAlignToolBar.h"
 #include "zxalign/QxDrawAlignSlices.h"
 #include "zxalign/QxOrthoViewManager.h"
+#include "zxalign/QxPairQualityDock.h"
 #include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignSlices.h"
 
@@ -42,6 +43,7 @@ QxAlignSlices::QxAlignSlices(ZxAlignSlices* module)
   connectDrawArea();
   makeHistory();
   placeInMainWindow();
+  createPanels();
   showSide();
   updateViews();
 }
@@ -181,6 +183,16 @@ void QxAlignSlices::placeInMainWindow()
   addToolBar(m_alignToolBar);
   addToolBar(m_autoAlignToolBar);
   m_transformToolBar->hide();
+}
+
+void QxAlignSlices::createPanels()
+{
+  auto* pairQuality = new QxPairQualityDock(*this);
+  addDockWidget(Qt::RightDockWidgetArea, pairQuality);
+  pairQuality->hide();
+  QToolBar* panels = addToolBar("Panels");
+  panels->setObjectName("panelToolBar");
+  panels->addAction(pairQuality->toggleViewAction());
 }
 
 void QxAlignSlices::leaveMainWindow()

@@ -64,6 +64,7 @@ QTableView* QxPairQualityDock::makeTable(QWidget* parent)
   table->setFocusPolicy(Qt::TabFocus);
   table->verticalHeader()->hide();
   table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().height() + 6);
   table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
   connect(table, &QTableView::clicked, this, &QxPairQualityDock::goToRow);
   connect(table, &QTableView::activated, this, &QxPairQualityDock::goToRow);

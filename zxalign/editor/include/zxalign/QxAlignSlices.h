@@ -201,6 +201,7 @@ private:
   void connectHistory();
   void makeHistory();
   void placeInMainWindow();
+  void createPanels();
   void leaveMainWindow();
 
   int numSlices() const;
