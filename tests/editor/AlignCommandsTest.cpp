@@ -322,7 +322,8 @@ TEST_F(AlignCommandsTest, TheManualNamesEveryCommand)
   ASSERT_FALSE(page.str().empty());
   for (const AlignCommand& command : alignCommands()) {
     const std::string usage =
-        std::string(command.name) + (command.arguments.empty() ? "" : " " + std::string(command.arguments));
+        std::string(command.name) +
+        (command.arguments.empty() ? "" : " <i>" + std::string(command.arguments) + "</i>");
     EXPECT_NE(page.str().find("<code>" + usage + "</code>"), std::string::npos) << usage;
     if (command.alias.empty()) continue;
     EXPECT_NE(page.str().find("<code>" + std::string(command.alias) + "</code>"), std::string::npos)

@@ -40,8 +40,7 @@ ZxScriptChannels::ZxScriptChannels(Tcl_Interp* interp, Output output)
   static const Tcl_ChannelType type = channelType();
   for (Standard& standard : m_standards) {
     standard.before = Tcl_GetStdChannel(standard.number);
-    // Stays open from now on: giving the last reference back would close the stream of the process itself.
-    if (standard.before) Tcl_RegisterChannel(nullptr, standard.before);
+    if (standard.before) Tcl_RegisterChannel(nullptr, standard.before); // Stays open meanwhile.
     const char* const name = standard.number == TCL_STDOUT ? "consoleOut" : "consoleError";
     standard.own = Tcl_CreateChannel(&type, name, this, TCL_WRITABLE);
     Tcl_SetChannelOption(nullptr, standard.own, "-translation", "lf");
@@ -57,7 +56,6 @@ ZxScriptChannels::~ZxScriptChannels()
   for (const Standard& standard : m_standards) {
     Tcl_SetStdChannel(standard.before, standard.number);
     Tcl_UnregisterChannel(m_interp, standard.own);
-
     if (!standard.before) continue;
     // The interpreter may have met these channels only now.
     if (!Tcl_IsChannelRegistered(m_interp, standard.before)) Tcl_RegisterChannel(m_interp, standard.before);
