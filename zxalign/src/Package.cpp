@@ -1,10 +1,14 @@
 // Entry points of the package.
 #include "zx/ZxPackage.h"
+#include "zxalign/AlignEditorFactory.h"
+#include "zxalign/AlignRecovery.h"
+#include "zxalign/RecoveryQuestion.h"
+#include "zxalign/ZxAlignEditor.h"
 #include "zxalign/ZxAlignSlices.h"
 
 extern "C" {
 
-/// Registers the classes of the package, once.
+/// Registers the classes of the package and how editor windows are made, once.
 void orvelpackage_zxalign_init();
 /// Ends the package, once. The classes stay registered: libraries are never unloaded.
 void orvelpackage_zxalign_finish();
@@ -17,6 +21,8 @@ void orvelpackage_zxalign_init()
   if (done) return;
   done = true;
   ZxAlignSlices::initClass();
+  ZxAlignEditor::setFactory(&makeAlignEditor);
+  AlignRecovery::setQuestion(&askToRestore);
 }
 
 void orvelpackage_zxalign_finish()

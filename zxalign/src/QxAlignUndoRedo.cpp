@@ -1,5 +1,6 @@
 #include "zxalign/QxAlignUndoRedo.h"
 
+#include "zxalign/AlignRecovery.h"
 #include "zxalign/ZxAlignEditor.h"
 #include "zxalign/ZxAlignSlices.h"
 
@@ -9,12 +10,14 @@ void QxAlignUndoRedo::saveState()
 {
   ZxAlignSlices& module = m_editor->module();
   module.history().save(module.currentState());
+  module.recovery().queue();
   Q_EMIT undoNotEmpty();
 }
 
 void QxAlignUndoRedo::undo()
 {
   ZxAlignSlices& module = m_editor->module();
+  if (module.isRunning()) return; // A method works on the slices.
   const std::optional<State> state = module.history().undo(module.currentState());
   if (!state) return;
   restoreState(*state);
@@ -25,6 +28,7 @@ void QxAlignUndoRedo::undo()
 void QxAlignUndoRedo::redo()
 {
   ZxAlignSlices& module = m_editor->module();
+  if (module.isRunning()) return; // A method works on the slices.
   const std::optional<State> state = module.history().redo(module.currentState());
   if (!state) return;
   restoreState(*state);

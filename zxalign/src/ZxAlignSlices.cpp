@@ -2,10 +2,13 @@
 
 #include "Guarded.h"
 #include "ZxAlignResampler.h"
+#include "ZxEditorPause.h"
 #include "mc/McMath.h"
 #include "mc/McRound.h"
+#include "zx/ZxController.h"
 #include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
+#include "zxalign/AlignRecovery.h"
 #include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignEditor.h"
 #include "zxalign/ZxAutoAlignMethod.h"
@@ -18,6 +21,8 @@ namespace {
 
 // What positions in 16.16 fixed point reach.
 constexpr int maxSide = 65535;
+
+constexpr int mainViewer = 0;
 
 enum Action { ActionEdit, ActionResample, ActionResampleToResult };
 
@@ -63,7 +68,8 @@ ZxAlignSlices::ZxAlignSlices()
                         "Number of slices projected:", {{"Reference:", 10.0f}, {"Editable:", 10.0f}}),
     portResampleMethod(this, "resampleMethod", "Resample method", {"Preview", "High Quality"}, 1),
     portAction(this, "action", "Action:", {"Edit", "Resample", "Resample to Result"}),
-    m_data(std::make_unique<ZxAlignData>(this)), m_methods(ZxAutoAlignMethodFabrique::getInstance())
+    m_data(std::make_unique<ZxAlignData>(this)), m_methods(ZxAutoAlignMethodFabrique::getInstance()),
+    m_recovery(std::make_unique<AlignRecovery>(*this))
 {
   ZxAlignSlices::update();
 }
@@ -71,6 +77,7 @@ ZxAlignSlices::ZxAlignSlices()
 ZxAlignSlices::~ZxAlignSlices()
 {
   m_editor.reset(); // It shows and edits everything else.
+  m_recovery.reset();
   m_data.reset();
 }
 
@@ -108,15 +115,26 @@ bool ZxAlignSlices::computeData()
 
 void ZxAlignSlices::rejectInput()
 {
+  // The editor shows the input until it has heard of the new one.
+  const McHandle<ZxSpatialData> before(m_data->getSpatialData());
+  const ZxEditorPause pause(m_editor.get());
   portData.disconnect();
+  m_recovery->detach();
   m_undoRedo.clear();
   m_data->reset();
+  if (m_editor) m_editor->reinitialise();
 }
 
 bool ZxAlignSlices::acceptInput(ZxSpatialData* data, ZxLattice* lattice)
 {
+  const McHandle<ZxSpatialData> before(m_data->getSpatialData()); // as in rejectInput()
+  const ZxEditorPause pause(m_editor.get());
+  m_recovery->detach();
   m_undoRedo.clear(); // its snapshots are of other slices
-  if (!m_data->init(data, lattice)) return false;
+  if (!m_data->init(data, lattice)) {
+    if (m_editor) m_editor->reinitialise();
+    return false;
+  }
   if (lattice->isColor()) {
     setUseMaxIntProjection(false);
     portDisplayMode.setValue(0);
@@ -135,6 +153,7 @@ bool ZxAlignSlices::acceptInput(ZxSpatialData* data, ZxLattice* lattice)
   initDataWindow(*lattice);
   initTransforms();
   initPair();
+  m_recovery->attach();
   return true;
 }
 
@@ -236,30 +255,81 @@ void ZxAlignSlices::computeAction()
 
 void ZxAlignSlices::computeMaxIntNumSlices()
 {
-  const int reference = std::max(1, mc::addHalfAndTrunc(portMaxIntNumSlices.getValue(0)));
-  const int editable = std::max(1, mc::addHalfAndTrunc(portMaxIntNumSlices.getValue(1)));
-  if (reference == m_referenceThickness && editable == m_editableThickness) return;
+  useThickness(mc::addHalfAndTrunc(portMaxIntNumSlices.getValue(0)),
+               mc::addHalfAndTrunc(portMaxIntNumSlices.getValue(1)));
+}
+
+void ZxAlignSlices::setProjectionThickness(int reference, int editable)
+{
+  if (!useThickness(reference, editable)) return;
+  portMaxIntNumSlices.setValue(0, static_cast<float>(m_referenceThickness));
+  portMaxIntNumSlices.setValue(1, static_cast<float>(m_editableThickness));
+}
+
+bool ZxAlignSlices::useThickness(int reference, int editable)
+{
+  reference = std::max(1, reference);
+  editable = std::max(1, editable);
+  if (reference == m_referenceThickness && editable == m_editableThickness) return false;
   m_referenceThickness = reference;
   m_editableThickness = editable;
   mapSlices();
   updateViews();
+  return true;
 }
 
 void ZxAlignSlices::doIt(int activate)
 {
-  if (!m_editor) {
+  if (m_switchingEditor) return;
+  if (!m_editorOpen && !makeEditor()) {
     ZxMessage::getTheMsg()->printf("This program has no editor window for ZxAlignSlices.");
     return;
   }
-  // An editor that refuses to close is activated again.
-  if (m_editorOpen && m_editor->cancel())
-    m_editorOpen = false;
-  else {
-    m_editorOpen = true;
-    if (activate) m_editor->setActive(true);
-  }
-  portAction.setButtonLabel(ActionEdit, m_editorOpen ? "Close" : "Edit");
+  const McHandle<ZxAlignSlices> alive(this); // Closing may ask the user, and much can happen meanwhile.
+  m_switchingEditor = true;
+  if (!m_editorOpen)
+    openEditor(activate);
+  else if (m_editor->cancel())
+    editorClosed();
+  else if (m_editor && activate)
+    m_editor->setActive(true);
   ZxWorkArea::getTheWorkArea()->processPendingEvents();
+  m_switchingEditor = false;
+}
+
+bool ZxAlignSlices::makeEditor()
+{
+  if (!m_editor) m_editor = ZxAlignEditor::create(*this);
+  return m_editor != nullptr;
+}
+
+void ZxAlignSlices::openEditor(int activate)
+{
+  const ZxViewer* viewer = ZxController::getTheController()->viewer(mainViewer);
+  m_viewerWasShown = viewer && viewer->isShown();
+  m_editorOpen = true;
+  portAction.setButtonLabel(ActionEdit, "Close");
+  if (activate) m_editor->setActive(true);
+}
+
+void ZxAlignSlices::editorClosed()
+{
+  if (!m_editorOpen) return;
+  m_editorOpen = false;
+  portAction.setButtonLabel(ActionEdit, "Edit");
+  ZxViewer* viewer = ZxController::getTheController()->viewer(mainViewer);
+  if (!viewer) return;
+  if (m_viewerWasShown)
+    viewer->show(1);
+  else
+    viewer->hide();
+}
+
+void ZxAlignSlices::forgetEditor(const ZxAlignEditor* editor)
+{
+  if (!editor || m_editor.get() != editor) return;
+  static_cast<void>(m_editor.release()); // It is on its way out already.
+  editorClosed();
 }
 
 void ZxAlignSlices::setEditor(std::unique_ptr<ZxAlignEditor> editor) { m_editor = std::move(editor); }
@@ -278,19 +348,26 @@ void ZxAlignSlices::setReferenceSlice(int slice)
 
 void ZxAlignSlices::restoreState(const AlignState& state)
 {
-  if (m_editor) m_editor->suspendUpdates();
+  const ZxEditorPause pause(m_editor.get());
   m_slices = state.slices;
-  m_editableSide = state.side;
-  setReferenceSlice(state.currentSlice - state.side);
-  setSlice(state.currentSlice);
+  restorePair(state.currentSlice, state.side);
   if (m_useMaxIntProjection) mapSlices(); // projections are made with the transforms
   m_modified = true;
-  if (m_editor) {
-    m_editor->showPair();
-    m_editor->resumeUpdates();
-  }
+  if (m_editor) m_editor->showPair();
+  m_recovery->queue();
   updateQuality();
 }
+
+void ZxAlignSlices::restorePair(int editable, int side)
+{
+  // A fixed reference stays where it is, and with one the side may be that of a slice outside the stack.
+  const bool keepsReference = m_fixReference && isInStack(m_referenceSlice) && m_referenceSlice != editable;
+  m_editableSide = keepsReference || isInStack(editable - side) ? side : -side;
+  if (!keepsReference) setReferenceSlice(editable - m_editableSide);
+  setSlice(editable);
+}
+
+bool ZxAlignSlices::isInStack(int slice) const { return slice >= 0 && slice < numSlices(); }
 
 void ZxAlignSlices::mapSlices() { m_data->mapSlices(); }
 
@@ -328,13 +405,21 @@ void ZxAlignSlices::unlockDataMutex() { m_data->dataMutex().unlock(); }
 
 int ZxAlignSlices::doLayout(int mode)
 {
-  const bool hasReference = m_referenceSlice >= 0 && m_referenceSlice < numSlices();
-  if (!hasEditableSlice() || !hasReference) return 0;
+  if (m_methodRuns || !hasEditableSlice() || !isInStack(m_referenceSlice)) return 0;
   const std::unique_ptr<ZxAutoAlignMethod> method(m_methods->createAutoAlignMethod(this, mode));
   if (!method) return 0;
+  int result = 0;
+  withoutPasses([&] { result = runMethod(*method, mode); });
+  return result;
+}
+
+int ZxAlignSlices::runMethod(ZxAutoAlignMethod& method, int mode)
+{
   const McDArray<SliceInfo> before = m_slices;
   const bool wasModified = m_modified;
-  const std::string problem = guarded([&] { method->doLayout(); });
+  m_methodRuns = true;
+  const std::string problem = guarded([&] { method.doLayout(); });
+  m_methodRuns = false;
   if (problem.empty()) return 1;
   m_slices = before;
   m_modified = wasModified;

@@ -5,11 +5,13 @@
 #include "AlignmentOrder.h"
 #include "AlignmentQuality.h"
 #include "AlignmentStorage.h"
+#include "LandmarkTable.h"
 #include "MostFrequentColor.h"
 #include "RigidFit.h"
 #include "mc/McRound.h"
 #include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
+#include "zxalign/AlignRecovery.h"
 #include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignEditor.h"
 #include "zxalign/ZxAlignSlices.h"
@@ -195,6 +197,7 @@ bool ZxAlignSlices::saveTransform(ZxParamBundle& target, McDArray<SliceInfo>& sl
   m_data->touchInputData();
   if (!storage::writeTransforms(target, slices, m_data->getDims())) return false;
   savePoints(target, slices);
+  if (&target == input) m_recovery->forget();
   return true;
 }
 
@@ -240,14 +243,25 @@ void ZxAlignSlices::computeMostFrequentColor(const unsigned char* data, int widt
   mostFrequentColor(data, ZxDims{width, height, 1}.slicePixels(), channels, type, color);
 }
 
+namespace {
+
+/// Quality of two images of one size; each is walked by the mapping from the aligned frame into it.
+float qualityOf(const unsigned char* image0, const unsigned char* image1, int width, int height, int channels,
+                const kernels::Affine16& mapping0, const kernels::Affine16& mapping1)
+{
+  const kernels::PairDifference difference = kernels::pairDifference(
+      {image0, width, height}, mapping0, {image1, width, height}, mapping1, width, height, channels);
+  return alignmentQuality(difference, channels, ZxDims{width, height, 1}.slicePixels());
+}
+
+} // namespace
+
 float ZxAlignSlices::computeQuality(const unsigned char* image0, const unsigned char* image1, int width,
                                     int height, int channels, const SliceXForm& xform0,
                                     const SliceXForm& xform1) const
 {
-  const kernels::PairDifference difference = kernels::pairDifference(
-      {image0, width, height}, inverse16(xform0, width, height), {image1, width, height},
-      inverse16(xform1, width, height), width, height, channels);
-  return alignmentQuality(difference, channels, ZxDims{width, height, 1}.slicePixels());
+  return qualityOf(image0, image1, width, height, channels, inverse16(xform0, width, height),
+                   inverse16(xform1, width, height));
 }
 
 float ZxAlignSlices::computeQuality()
@@ -262,9 +276,12 @@ float ZxAlignSlices::computeQuality(const SliceXForm& editable)
   const int n = static_cast<int>(m_slices.size());
   if (!m_data->getLattice() || m_referenceSlice < 0 || m_referenceSlice >= n) return 0.0f;
   const bool colour = m_data->isColorField();
-  return computeQuality(colour ? m_data->getReferenceColorPtr() : m_data->getReferenceSlicePtr(),
-                        colour ? m_data->getEditableColorPtr() : m_data->getEditableSlicePtr(), dims.width,
-                        dims.height, colour ? 4 : 1, getSlice(m_referenceSlice), editable);
+  return qualityOf(
+      colour ? m_data->getReferenceColorPtr() : m_data->getReferenceSlicePtr(),
+      colour ? m_data->getEditableColorPtr() : m_data->getEditableSlicePtr(), dims.width, dims.height,
+      colour ? 4 : 1,
+      inverse16(getSlice(m_referenceSlice), dims.width, dims.height, m_data->getReferenceProjection()),
+      inverse16(editable, dims.width, dims.height, m_data->getEditableProjection()));
 }
 
 void ZxAlignSlices::updateQuality()
@@ -316,9 +333,30 @@ bool ZxAlignSlices::setTransforms(std::span<const ZxAlignTransform> transforms)
     const ZxAlignTransform& t = transforms[i];
     m_slices[i].setXForm(SliceXForm(t.tx, t.ty, t.angleDegrees, t.flip));
   }
-  m_modified = true;
-  updateViews();
+  transformsChanged();
   return true;
+}
+
+void ZxAlignSlices::setTransform(int slice, const SliceXForm& xform)
+{
+  getSlice(slice).setXForm(xform);
+  transformsChanged();
+}
+
+void ZxAlignSlices::resetTransforms(int first, int last)
+{
+  if (numSlices() == 0) return;
+  m_undoRedo.saveState();
+  for (int slice = first; slice <= last; ++slice) getSlice(slice).setXForm(SliceXForm());
+  transformsChanged();
+}
+
+void ZxAlignSlices::transformsChanged()
+{
+  m_modified = true;
+  if (m_useMaxIntProjection) mapSlices(); // projections are made with the transforms
+  if (m_editor) m_editor->showPair();
+  updateQuality();
 }
 
 bool ZxAlignSlices::setLandmarks(std::span<const std::vector<ZxAlignPoint>> landmarks)
@@ -335,6 +373,17 @@ bool ZxAlignSlices::setLandmarks(std::span<const std::vector<ZxAlignPoint>> land
   return true;
 }
 
+std::string ZxAlignSlices::setLandmarksFrom(const std::string& fileName)
+{
+  if (numSlices() == 0) return "There is no input whose landmarks " + fileName + " could hold.";
+  std::vector<std::vector<ZxAlignPoint>> landmarks;
+  std::string problem = readLandmarkTable(fileName, numSlices(), landmarks);
+  if (!problem.empty()) return problem;
+  m_undoRedo.saveState();
+  setLandmarks(landmarks);
+  return {};
+}
+
 void ZxAlignSlices::selectPair(const ZxAlignPair& pair)
 {
   m_editableSide = pair.side;
@@ -344,9 +393,6 @@ void ZxAlignSlices::selectPair(const ZxAlignPair& pair)
 
 bool ZxAlignSlices::alignPair(const ZxAlignPair& pair, int method, ZxAlignPairResult& result)
 {
-  using Clock = std::chrono::steady_clock;
-  const Clock::time_point start = Clock::now();
-  selectPair(pair);
   result.pair = pair;
   result.qualityBefore = static_cast<double>(computeQuality());
   const ZxAlignTransform before = toControl(getSlice(pair.editable));
@@ -354,28 +400,53 @@ bool ZxAlignSlices::alignPair(const ZxAlignPair& pair, int method, ZxAlignPairRe
   result.transform = toControl(getSlice(pair.editable));
   result.changed = !(result.transform == before);
   result.qualityAfter = static_cast<double>(computeQuality());
-  result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
   return true;
 }
 
-int ZxAlignSlices::alignAll(int method, int reference,
-                            const std::function<void(const ZxAlignPairResult&)>& done)
+int ZxAlignSlices::alignPairs(const std::vector<ZxAlignPair>& pairs, int method, const SelectPair& select,
+                              const PairDone& done)
 {
+  using Clock = std::chrono::steady_clock;
   ZxWorkArea* workArea = ZxWorkArea::getTheWorkArea();
-  const std::vector<ZxAlignPair> pairs = alignmentOrder(reference, numSlices());
   const ZxWorkingPhase phase("");
-  // A run needs these two; the user finds them as they were.
-  const bool transformAll = std::exchange(m_transformAll, true);
-  const bool fixReference = std::exchange(m_fixReference, false);
   int count = 0;
   for (const ZxAlignPair& pair : pairs) {
+    const Clock::time_point start = Clock::now();
+    select(pair);
     workArea->setProgressText("Aligning slice %d with %d", pair.editable, pair.reference);
     workArea->setProgressFraction((static_cast<float>(count) + 0.5f) / static_cast<float>(pairs.size()));
     ZxAlignPairResult result;
-    if (!alignPair(pair, method, result) || workArea->wasInterrupted(1)) break;
+    const bool aligned = done ? alignPair(pair, method, result) : doLayout(method) != 0;
+    if (!aligned || workArea->wasInterrupted(1)) break;
+    result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
     if (done) done(result);
     ++count;
   }
+  return count;
+}
+
+int ZxAlignSlices::runOverStack(int method, int reference, const SelectPair& select, const PairDone& done)
+{
+  if (isRunning()) return 0;
+  std::vector<ZxAlignPair> pairs = alignmentOrder(reference, numSlices());
+  if (m_fixReference)
+    for (ZxAlignPair& pair : pairs) pair.reference = reference;
+  int count = 0;
+  withoutPasses([&] {
+    m_stackRuns = true;
+    count = alignPairs(pairs, method, select, done);
+    m_stackRuns = false;
+  });
+  return count;
+}
+
+int ZxAlignSlices::alignAll(int method, int reference, const PairDone& done)
+{
+  // A run needs these two; the user finds them as they were.
+  const bool transformAll = std::exchange(m_transformAll, true);
+  const bool fixReference = std::exchange(m_fixReference, false);
+  const int count = runOverStack(
+      method, reference, [this](const ZxAlignPair& pair) { selectPair(pair); }, done);
   m_transformAll = transformAll;
   m_fixReference = fixReference;
   return count;

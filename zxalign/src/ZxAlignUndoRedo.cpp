@@ -1,5 +1,6 @@
 #include "zxalign/ZxAlignUndoRedo.h"
 
+#include "zxalign/AlignRecovery.h"
 #include "zxalign/ZxAlignEditor.h"
 #include "zxalign/ZxAlignSlices.h"
 
@@ -8,11 +9,13 @@ ZxAlignUndoRedo::ZxAlignUndoRedo(ZxAlignSlices* module, int) : m_module(module) 
 void ZxAlignUndoRedo::saveState()
 {
   m_module->history().save(m_module->currentState());
+  m_module->recovery().queue();
   tell(&ZxAlignEditor::undoNotEmpty);
 }
 
 void ZxAlignUndoRedo::undo()
 {
+  if (m_module->isRunning()) return; // A method works on the slices.
   AlignHistory& history = m_module->history();
   const std::optional<State> state = history.undo(m_module->currentState());
   if (!state) return;
@@ -23,6 +26,7 @@ void ZxAlignUndoRedo::undo()
 
 void ZxAlignUndoRedo::redo()
 {
+  if (m_module->isRunning()) return; // A method works on the slices.
   AlignHistory& history = m_module->history();
   const std::optional<State> state = history.redo(m_module->currentState());
   if (!state) return;

@@ -56,6 +56,19 @@ void ZxModule::change(std::function<void()> edit)
   fire();
 }
 
+void ZxModule::withoutPasses(const std::function<void()>& work)
+{
+  if (m_inPass) return work();
+  const McHandle<ZxModule> alive(this);
+  m_inPass = true;
+  work();
+  m_inPass = false;
+  m_last.clear();
+  const bool touched =
+      std::any_of(m_ports.begin(), m_ports.end(), [](const ZxPort* p) { return p->m_changed; });
+  if (takeUpWaiting() || touched) fire();
+}
+
 void ZxModule::portsChanged()
 {
   if (isInPool()) ZxObjectPool::getThePool().tellPortsChanged(this);

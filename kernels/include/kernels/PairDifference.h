@@ -1,16 +1,10 @@
 #pragma once
 
+#include "kernels/Affine.h"
+
 #include <cstdint>
 
 namespace kernels {
-
-/// Affine mapping in 16.16 fixed point, row-vector convention: grid point (i, j) maps to
-/// x = dx + i * m11 + j * m21, y = dy + i * m12 + j * m22.
-///
-/// Every coefficient lies within +-2^45, as mc::toFixed16 makes it; the sums then stay within 64 bits.
-struct Affine16 {
-  std::int64_t m11 = 65536, m12 = 0, m21 = 0, m22 = 65536, dx = 0, dy = 0;
-};
 
 /// An 8-bit image, rows without padding; borrowed. Neither side may exceed 65,535 pixels.
 struct PairImage {

@@ -1,88 +1,493 @@
+// The editor window: its parts and what is shown of the module. Edits and navigation have files of their own.
 #include "zxalign/QxAlignSlices.h"
 
+#include "AlignBorderPreviews.h"
+#include "AlignKeyboard.h"
+#include "AlignModuleKeeper.h"
+#include "mc/McRound.h"
+#include "qx/QxMainWindow.h"
+#include "zxalign/AlignOptions.h"
+#include "zxalign/QxAlignMenuBar.h"
+#include "zxalign/QxAlignSlicesOptionsDialog.h"
+#include "zxalign/QxAlignToolBar.h"
+#include "zxalign/QxAlignTransformToolBar.h"
+#include "zxalign/QxAlignUndoRedo.h"
+#include "zxalign/QxAutoAlignToolBar.h"
+#include "zxalign/QxDrawAlignSlices.h"
+#include "zxalign/QxOrthoViewManager.h"
+#include "zxalign/QxPairQualityDock.h"
+#include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignSlices.h"
 
-QxAlignSlices::QxAlignSlices(ZxAlignSlices* module) : m_module(module) {}
+#include <QKeyEvent>
+#include <QStackedLayout>
 
-QxAlignSlices::~QxAlignSlices() = default;
+#include <algorithm>
+
+QxAlignSlices::QxAlignSlices(ZxAlignSlices* module)
+  : QMainWindow(nullptr, Qt::SubWindow), m_module(module),
+    m_drawArea(new QxDrawAlignSlices(this, "drawArea")),
+    m_previews(std::make_unique<AlignBorderPreviews>(*m_drawArea)),
+    m_keyboard(std::make_unique<AlignKeyboard>(*this))
+{
+  setObjectName("QxAlignSlices");
+  setWindowTitle("Slice Aligner");
+  setFocusPolicy(Qt::StrongFocus);
+  createToolBars();
+  m_menus = new QxAlignMenuBar(this);
+  m_orthoViews =
+      mcMake<QxOrthoViewManager>(this, m_module->getDataLattice(), m_module->usesMaxIntProjection());
+  if (hasPair()) m_orthoViews->setSliceNumberAxial(m_module->getEditableSlice());
+  connectMenus();
+  connectToolBars();
+  connectDrawArea();
+  makeHistory();
+  placeInMainWindow();
+  createPanels();
+  showSide();
+  updateViews();
+}
+
+QxAlignSlices::~QxAlignSlices()
+{
+  m_keyboard.reset();
+  leaveMainWindow();
+  m_module->forgetEditor(this);
+  m_drawArea->setUndoRedo(nullptr);
+  m_undoRedo.reset();
+  delete m_options.data();
+  delete m_menus.data();
+  m_previews.reset();
+  m_orthoViews = {};
+}
+
+void QxAlignSlices::createToolBars()
+{
+  m_alignToolBar = new QxAlignToolBar(this, "alignToolBar");
+  m_alignToolBar->setSlicesRange(0, std::max(0, numSlices() - 1));
+  m_alignToolBar->setSlice(m_module->getEditableSlice(), m_module->getReferenceSlice());
+  m_autoAlignToolBar = new QxAutoAlignToolBar(this, "autoAlignToolBar");
+  m_autoAlignToolBar->setDrawArea(m_drawArea);
+  m_transformToolBar = new QxAlignTransformToolBar(this, "transformToolBar");
+  m_transformToolBar->hide();
+}
+
+// The order of these connections is the order in which the slots of one signal run.
+
+void QxAlignSlices::connectMenus()
+{
+  using Menus = QxAlignMenuBar;
+  using Window = QxAlignSlices;
+  using View = QxDrawAlignSlices;
+  const Menus* menus = m_menus;
+  connect(menus, &Menus::resetAllSignal, this, &Window::resetAll);
+  connect(menus, &Menus::resetSignal, this, &Window::reset);
+  connect(menus, &Menus::transformAllSignal, this, &Window::transformAll);
+  connect(menus, &Menus::fixReferenceSignal, this, &Window::fixReference);
+  connect(menus, &Menus::readSignal, this, &Window::read);
+  connect(menus, &Menus::saveSignal, this, &Window::save);
+  connect(menus, &Menus::cancelSignal, this, &Window::cancel);
+  connect(menus, &Menus::showParametersSignal, this, &Window::showParameters);
+  connect(menus, &Menus::alignModeChanged, this, &Window::changeAlignMode);
+  connect(menus, &Menus::doItSignal, this, &Window::doAutoAlign);
+  connect(menus, &Menus::doAllSignal, this, &Window::doAllAutoAlign);
+  connect(menus, &Menus::transformToolBarSignal, this, &Window::showTransformToolBar);
+  connect(menus, &Menus::zoomInSignal, m_alignToolBar, &QxAlignToolBar::zoomIn);
+  connect(menus, &Menus::zoomOutSignal, m_alignToolBar, &QxAlignToolBar::zoomOut);
+  connect(menus, &Menus::alignModeChanged, m_autoAlignToolBar, &QxAutoAlignToolBar::changeAlignMode);
+  connect(menus, &Menus::redGreenSignal, m_drawArea, &View::redGreen);
+  connect(menus, &Menus::chessSignal, this, &Window::chess);
+  connect(menus, &Menus::avgSignal, m_drawArea, &View::avg);
+  connect(menus, &Menus::invertSignal, m_drawArea, &View::invert);
+  connect(menus, &Menus::alignModeChanged, m_drawArea, &View::changeAlignMode);
+  connect(menus, &Menus::removeLandmarkSignal, m_drawArea, &View::removeLandmark);
+  connect(menus, &Menus::addLandmarkSignal, m_drawArea, &View::addLandmark);
+  connect(menus, &Menus::coronalSignal, this, &Window::showCoronalView);
+  connect(menus, &Menus::sagittalSignal, this, &Window::showSagittalView);
+}
+
+void QxAlignSlices::connectToolBars()
+{
+  using Window = QxAlignSlices;
+  using View = QxDrawAlignSlices;
+  using Numbers = QxAlignTransformToolBar;
+  connect(m_transformToolBar, &Numbers::transXChanged, this, &Window::toolBarTranslateX);
+  connect(m_transformToolBar, &Numbers::transYChanged, this, &Window::toolBarTranslateY);
+  connect(m_transformToolBar, &Numbers::rotChanged, this, &Window::toolBarRotate);
+  connect(m_transformToolBar, &Numbers::flipChanged, this, &Window::toolBarFlip);
+  connect(m_alignToolBar, &QxAlignToolBar::sliceChanged, this, &Window::sliceChange);
+  connect(m_alignToolBar, &QxAlignToolBar::zoomChanged, m_drawArea, &View::setZoom);
+
+  using Modes = QxAutoAlignToolBar;
+  const Modes* modes = m_autoAlignToolBar;
+  connect(modes, &Modes::alignModeChanged, this, &Window::changeAlignMode);
+  connect(modes, &Modes::doSignal, this, &Window::doAutoAlign);
+  connect(modes, &Modes::doAllSignal, this, &Window::doAllAutoAlign);
+  connect(modes, &Modes::alignModeChanged, m_menus.data(), &QxAlignMenuBar::changeMode);
+  connect(modes, &Modes::alignModeChanged, m_drawArea, &View::changeAlignMode);
+  connect(modes, &Modes::editModeChanged, m_drawArea, &View::setEditMode);
+  connect(modes, &Modes::sliceToDisplayChanged, m_drawArea, &View::setEditableSlice);
+  connect(modes, &Modes::editModeChanged, this, &Window::setEditMode);
+  connect(modes, &Modes::sliceToDisplayChanged, this, &Window::setEditableSlice);
+  connect(modes, &Modes::mirrorSignal, this, &Window::mirror);
+}
+
+void QxAlignSlices::connectDrawArea()
+{
+  using Window = QxAlignSlices;
+  using View = QxDrawAlignSlices;
+  // Twice, deliberately; the second time changes nothing.
+  for (int i = 0; i < 2; ++i) connect(m_drawArea, &View::click, this, qOverload<>(&QWidget::setFocus));
+  connect(m_drawArea, &View::translated, this, &Window::translate);
+  connect(m_drawArea, &View::rotated, this, &Window::rotate);
+  connect(m_drawArea, &View::addPoint, this, &Window::addPoint);
+  connect(m_drawArea, qOverload<int>(&View::removePoint), this, &Window::removePoint);
+  connect(m_drawArea, &View::movePoints, this, &Window::movePoints);
+  connect(this, &Window::chessSignal, m_drawArea, &View::chess);
+  connect(m_drawArea, &View::enableRemove, m_menus.data(), &QxAlignMenuBar::enableLandmarkRemove);
+  connect(m_drawArea, &View::zoomStepRequested, this,
+          [this](int direction) { direction > 0 ? viewZoomIn() : viewZoomOut(); });
+}
+
+void QxAlignSlices::makeHistory()
+{
+  // What is replaced may be the sender of the signal that has led here.
+  if (m_undoRedo) m_undoRedo.release()->deleteLater();
+  m_undoRedo = std::make_unique<QxAlignUndoRedo>(this, 100);
+  m_drawArea->setUndoRedo(m_undoRedo.get());
+  connectHistory();
+}
+
+void QxAlignSlices::connectHistory()
+{
+  using History = QxAlignUndoRedo;
+  using Menus = QxAlignMenuBar;
+  const History* history = m_undoRedo.get();
+  const Menus* menus = m_menus;
+  connect(menus, &Menus::undoSignal, history, &History::undo);
+  connect(menus, &Menus::redoSignal, history, &History::redo);
+  connect(history, &History::undoEmpty, menus, &Menus::undoEmpty);
+  connect(history, &History::redoEmpty, menus, &Menus::redoEmpty);
+  connect(history, &History::undoNotEmpty, menus, &Menus::undoNotEmpty);
+  connect(history, &History::redoNotEmpty, menus, &Menus::redoNotEmpty);
+  // A state is saved before every change, also by the view, which moves landmarks by itself.
+  connect(history, &History::undoNotEmpty, this, [this] { m_module->setModified(true); });
+  connect(history, &History::undoNotEmpty, this, &QxAlignSlices::edited);
+  connect(history, &History::redoNotEmpty, this, &QxAlignSlices::edited);
+}
+
+void QxAlignSlices::placeInMainWindow()
+{
+  if (QxMainWindow* host = QxMainWindow::getTheMainWindow()) host->getCentralLayout()->addWidget(this);
+  setCentralWidget(m_drawArea);
+  addToolBar(m_alignToolBar);
+  addToolBar(m_autoAlignToolBar);
+  m_transformToolBar->hide();
+}
+
+void QxAlignSlices::createPanels()
+{
+  auto* pairQuality = new QxPairQualityDock(*this);
+  addDockWidget(Qt::RightDockWidgetArea, pairQuality);
+  pairQuality->hide();
+  QToolBar* panels = addToolBar("Panels");
+  panels->setObjectName("panelToolBar");
+  panels->addAction(pairQuality->toggleViewAction());
+}
+
+void QxAlignSlices::leaveMainWindow()
+{
+  QxMainWindow* host = QxMainWindow::getTheMainWindow();
+  if (host && host->getCentralLayout()->currentWidget() == this) host->getCentralLayout()->setCurrentIndex(0);
+}
 
 McDArray<SliceInfo>& QxAlignSlices::getTransform() { return m_module->slices(); }
 
-int QxAlignSlices::getDrawAreaWidth() const { return centralWidget() ? centralWidget()->width() : width(); }
+QxAlignUndoRedo* QxAlignSlices::undoRedo() const noexcept { return m_undoRedo.get(); }
 
-int QxAlignSlices::getDrawAreaHeight() const
+QxOrthoViewManager* QxAlignSlices::getOrthoViewManager() const noexcept { return m_orthoViews.get(); }
+
+QxAlignMenuBar* QxAlignSlices::menuSet() const noexcept { return m_menus; }
+
+QxAlignSlicesOptionsDialog* QxAlignSlices::optionsDialog() const noexcept { return m_options; }
+
+int QxAlignSlices::getDrawAreaWidth() const { return m_drawArea->rect().width(); }
+
+int QxAlignSlices::getDrawAreaHeight() const { return m_drawArea->rect().height(); }
+
+QList<QToolBar*> QxAlignSlices::getVisibleToolbar() const
 {
-  return centralWidget() ? centralWidget()->height() : height();
+  QList<QToolBar*> bars{m_alignToolBar, m_autoAlignToolBar, m_transformToolBar};
+  bars.removeIf([](const QToolBar* bar) { return !bar->isVisible(); });
+  return bars;
 }
 
-QxAlignUndoRedo* QxAlignSlices::undoRedo() const noexcept { return {}; }
-QxOrthoViewManager* QxAlignSlices::getOrthoViewManager() const noexcept { return {}; }
-QxAlignMenuBar* QxAlignSlices::menuSet() const noexcept { return {}; }
-QList<QToolBar*> QxAlignSlices::getVisibleToolbar() const { return {}; }
-void QxAlignSlices::setChessFieldSize(int) {}
-void QxAlignSlices::updateViews() {}
-void QxAlignSlices::setSliceInfo(const SliceInfo&) {}
-void QxAlignSlices::repaintSliceView() {}
-void QxAlignSlices::suspendUpdates() {}
-void QxAlignSlices::resumeUpdates() {}
-void QxAlignSlices::showPair() {}
-void QxAlignSlices::undoEmpty() {}
-void QxAlignSlices::undoNotEmpty() {}
-void QxAlignSlices::redoEmpty() {}
-void QxAlignSlices::redoNotEmpty() {}
-void QxAlignSlices::updateToolbar() {}
-void QxAlignSlices::updateOrthoViews(int, int, bool, bool, bool, bool) {}
-void QxAlignSlices::updateTransformLowerUpperSliceInfo(int) {}
-void QxAlignSlices::reInit() {}
-void QxAlignSlices::changeViewMode(int) {}
-void QxAlignSlices::changeEditMode(int) {}
-void QxAlignSlices::enableButtons() {}
-void QxAlignSlices::disableButtons() {}
-void QxAlignSlices::draw() {}
-void QxAlignSlices::reset() {}
-void QxAlignSlices::resetAll() {}
-void QxAlignSlices::transformAll() {}
-void QxAlignSlices::fixReference() {}
-void QxAlignSlices::read() {}
-void QxAlignSlices::save() {}
-void QxAlignSlices::apply() {}
-bool QxAlignSlices::cancel() { return true; }
-void QxAlignSlices::changeAlignMode(int) {}
-void QxAlignSlices::showParameters() {}
-void QxAlignSlices::doAutoAlign() {}
-void QxAlignSlices::doAllAutoAlign() {}
-void QxAlignSlices::sliceChange(float) {}
-void QxAlignSlices::setActive(bool) {}
-void QxAlignSlices::addPoint(QPoint) {}
-void QxAlignSlices::removePoint(int) {}
-void QxAlignSlices::movePoints(QPoint, int) {}
-void QxAlignSlices::setEditableSlice(int) {}
-void QxAlignSlices::setEditMode(int) {}
-void QxAlignSlices::mirror() {}
-void QxAlignSlices::chess() {}
-void QxAlignSlices::showTransformToolBar(bool) {}
-void QxAlignSlices::showCoronalView(bool) {}
-void QxAlignSlices::showSagittalView(bool) {}
-void QxAlignSlices::orthoViewZoomIn() {}
-void QxAlignSlices::orthoViewZoomOut() {}
-void QxAlignSlices::viewZoomIn() {}
-void QxAlignSlices::viewZoomOut() {}
-void QxAlignSlices::setSagittalViewSliceNumber(int) {}
-int QxAlignSlices::getSagittalViewSliceNumber() { return 0; }
-void QxAlignSlices::setCoronalViewSliceNumber(int) {}
-int QxAlignSlices::getCoronalViewSliceNumber() { return 0; }
-void QxAlignSlices::setOrthoViewLineWidth(int) {}
-void QxAlignSlices::setUseMaxIntProjection(bool) {}
-int QxAlignSlices::getEditMode() { return 0; }
-void QxAlignSlices::toolBarTranslateX(int) {}
-void QxAlignSlices::toolBarTranslateY(int) {}
-void QxAlignSlices::toolBarRotate(float) {}
-void QxAlignSlices::toolBarFlip(bool) {}
-void QxAlignSlices::translate(float, float, bool) {}
-void QxAlignSlices::rotate(float, bool) {}
-void QxAlignSlices::calcNewImageSize(bool, bool) {}
-void QxAlignSlices::showBorder(bool, bool, int, int) {}
-void QxAlignSlices::changeBorderSize(int, int) {}
-void QxAlignSlices::keyPressEvent(QKeyEvent*) {}
-void QxAlignSlices::keyReleaseEvent(QKeyEvent*) {}
-bool QxAlignSlices::canClose() { return true; }
+int QxAlignSlices::numSlices() const { return m_module->numSlices(); }
+
+SliceInfo& QxAlignSlices::currentSlice() { return m_module->getSlice(m_module->getEditableSlice()); }
+
+bool QxAlignSlices::hasPair() const
+{
+  const int n = numSlices();
+  return n > 0 && m_module->getSlices().size() == static_cast<std::size_t>(n) &&
+         isInStack(m_module->getEditableSlice()) && isInStack(m_module->getReferenceSlice());
+}
+
+void QxAlignSlices::updateViews()
+{
+  if (hasPair())
+    showSlicePair();
+  else
+    m_drawArea->forgetPair();
+  updateToolbar();
+}
+
+void QxAlignSlices::showSlicePair()
+{
+  ZxAlignData& slices = m_module->sliceData();
+  const bool colour = slices.isColorField();
+  struct Image {
+    unsigned char* display;
+    unsigned char* grey;
+    SliceInfo* info;
+    std::optional<SliceXForm> placed;
+  };
+  Image first{colour ? slices.getEditableColorPtr() : slices.getEditableSlicePtr(),
+              slices.getEditableSlicePtr(), &currentSlice(), slices.getEditableProjection()};
+  Image second{colour ? slices.getReferenceColorPtr() : slices.getReferenceSlicePtr(),
+               slices.getReferenceSlicePtr(), &m_module->getSlice(m_module->getReferenceSlice()),
+               slices.getReferenceProjection()};
+  if (m_module->getEditableSide() == 1) std::swap(first, second); // First is the lower slice of the pair.
+  m_drawArea->paintSlice(slices.getDims().width, slices.getDims().height, first.display, second.display,
+                         first.grey, second.grey, *first.info, *second.info, colour ? 4 : 1,
+                         m_module->getEditableSlice());
+  m_drawArea->setPlaced(first.placed, second.placed);
+}
+
+void QxAlignSlices::updateToolbar()
+{
+  if (hasPair()) {
+    const SliceInfo& slice = currentSlice();
+    m_transformToolBar->setTransX(mc::truncToInt(slice.translationX));
+    m_transformToolBar->setTransY(mc::truncToInt(slice.translationY));
+    m_transformToolBar->setRot(slice.rotation);
+    m_transformToolBar->setFlip(slice.flip);
+  }
+  m_alignToolBar->setSlice(m_module->getEditableSlice(), m_module->getReferenceSlice());
+}
+
+void QxAlignSlices::updateOrthoViews(int dx, int dy, bool translated, bool rotated, bool mirrored,
+                                     bool wholeStack)
+{
+  if (!hasPair()) return;
+  const int last = numSlices() - 1;
+  int from = m_module->getEditableSlice();
+  int to = from;
+  if (wholeStack) {
+    from = 0;
+    to = last;
+  } else if (m_module->transformsAll() && !mirrored) {
+    if (m_module->getEditableSide() == 1)
+      to = last;
+    else
+      from = 0;
+  }
+  m_orthoViews->updateView(from, to, OrthoOrientation::Both, dx, dy, translated, rotated, mirrored);
+}
+
+void QxAlignSlices::reInit()
+{
+  m_previews->takeBack();
+  m_previews->clear();
+  m_alignToolBar->setSlicesRange(0, std::max(0, numSlices() - 1));
+  makeHistory();
+  m_menus->undoEmpty();
+  m_menus->redoEmpty();
+  m_drawArea->clearSelection();
+  showSide();
+  updateViews();
+  m_drawArea->updateViewport();
+  m_orthoViews->init(m_module->getDataLattice(), m_module->usesMaxIntProjection());
+  if (hasPair()) m_orthoViews->setSliceNumberAxial(m_module->getEditableSlice());
+}
+
+void QxAlignSlices::setSliceInfo(const SliceInfo& info)
+{
+  if (hasPair()) m_drawArea->transform(info);
+}
+
+void QxAlignSlices::repaintSliceView() { m_drawArea->viewport()->repaint(); }
+
+void QxAlignSlices::suspendUpdates() { m_drawArea->suppressUpdates(); }
+
+void QxAlignSlices::resumeUpdates() { m_drawArea->resumeUpdates(); }
+
+void QxAlignSlices::showPair()
+{
+  m_drawArea->clearSelection(); // Other records may have fewer landmarks.
+  showSide();
+  if (hasPair()) m_orthoViews->setSliceNumberAxial(m_module->getEditableSlice());
+  updateViews();
+  m_orthoViews->updateView();
+  m_drawArea->updateViewport();
+}
+
+void QxAlignSlices::showSide()
+{
+  // The echo finds the module on that side already and ends there.
+  if (m_module->getEditableSide() < 0)
+    m_autoAlignToolBar->lower();
+  else
+    m_autoAlignToolBar->upper();
+}
+
+void QxAlignSlices::undoEmpty() { m_menus->undoEmpty(); }
+
+void QxAlignSlices::undoNotEmpty()
+{
+  m_menus->undoNotEmpty();
+  Q_EMIT edited();
+}
+
+void QxAlignSlices::redoEmpty() { m_menus->redoEmpty(); }
+
+void QxAlignSlices::redoNotEmpty()
+{
+  m_menus->redoNotEmpty();
+  Q_EMIT edited();
+}
+
+void QxAlignSlices::changeViewMode(int mode)
+{
+  if (mode == QxDrawAlignSlices::Checkerboard)
+    m_drawArea->chess(m_chessFieldSize);
+  else if (mode == QxDrawAlignSlices::RedGreen || mode == QxDrawAlignSlices::Average ||
+           mode == QxDrawAlignSlices::InvertedOverlay)
+    m_drawArea->setViewMode(mode);
+}
+
+void QxAlignSlices::changeEditMode(int mode)
+{
+  if (mode == 0)
+    m_autoAlignToolBar->editTransform();
+  else
+    m_autoAlignToolBar->editLandmarks();
+}
+
+void QxAlignSlices::enableButtons()
+{
+  m_autoAlignToolBar->enableButtons();
+  m_menus->enableTransformAll();
+}
+
+void QxAlignSlices::disableButtons()
+{
+  m_autoAlignToolBar->disableButtons();
+  m_menus->disableTransformAll();
+}
+
+void QxAlignSlices::draw() { m_drawArea->updateViewport(); }
+
+void QxAlignSlices::setChessFieldSize(int size)
+{
+  m_chessFieldSize = size;
+  m_drawArea->updateChessFieldSize(size);
+}
+
+void QxAlignSlices::chess() { Q_EMIT chessSignal(m_chessFieldSize); }
+
+void QxAlignSlices::changeAlignMode(int mode)
+{
+  m_alignMode = mode;
+  if (m_showsMode) return; // the echo of what follows
+  m_showsMode = true;
+  if (mode >= AlignCenters && mode <= AlignEdgeDetection) {
+    m_autoAlignToolBar->changeAlignMode(mode);
+  } else { // The toolbar has no button for the methods of plug-ins.
+    m_autoAlignToolBar->showNoAlignMode();
+    m_menus->changeMode(mode);
+    m_drawArea->changeAlignMode(mode);
+  }
+  m_showsMode = false;
+}
+
+void QxAlignSlices::setEditMode(int mode)
+{
+  m_editMode = mode;
+  m_menus->enableLandmarkAdd(mode == EditLandmarks);
+  m_menus->enableLandmarkRemove(false);
+}
+
+int QxAlignSlices::getEditMode() { return m_editMode; }
+
+void QxAlignSlices::showTransformToolBar(bool visible)
+{
+  if (!visible) {
+    removeToolBar(m_transformToolBar);
+    m_transformToolBar->hide();
+    return;
+  }
+  addToolBarBreak(Qt::BottomToolBarArea);
+  addToolBar(Qt::BottomToolBarArea, m_transformToolBar);
+  updateToolbar();
+  m_transformToolBar->show();
+}
+
+void QxAlignSlices::showCoronalView(bool visible)
+{
+  m_orthoViews->showCoronalView(visible);
+  m_orthoViews->setUseMaxIntProj(m_module->usesMaxIntProjection());
+  if (hasPair()) m_orthoViews->setSliceNumberAxial(m_module->getEditableSlice());
+}
+
+void QxAlignSlices::showSagittalView(bool visible)
+{
+  m_orthoViews->showSagittalView(visible);
+  m_orthoViews->setUseMaxIntProj(m_module->usesMaxIntProjection());
+  if (hasPair()) m_orthoViews->setSliceNumberAxial(m_module->getEditableSlice());
+}
+
+void QxAlignSlices::orthoViewZoomIn() { m_orthoViews->zoomIn(); }
+
+void QxAlignSlices::orthoViewZoomOut() { m_orthoViews->zoomOut(); }
+
+void QxAlignSlices::viewZoomIn() { m_alignToolBar->zoomIn(); }
+
+void QxAlignSlices::viewZoomOut() { m_alignToolBar->zoomOut(); }
+
+void QxAlignSlices::setSagittalViewSliceNumber(int number) { m_orthoViews->setSliceNumberSagittal(number); }
+
+int QxAlignSlices::getSagittalViewSliceNumber() { return m_orthoViews->getSliceNumberSagittal(); }
+
+void QxAlignSlices::setCoronalViewSliceNumber(int number) { m_orthoViews->setSliceNumberCoronal(number); }
+
+int QxAlignSlices::getCoronalViewSliceNumber() { return m_orthoViews->getSliceNumberCoronal(); }
+
+void QxAlignSlices::setOrthoViewLineWidth(int value) { m_orthoViews->setOrthoViewLineWidth(value); }
+
+void QxAlignSlices::setUseMaxIntProjection(bool on)
+{
+  m_orthoViews->setUseMaxIntProj(on);
+  updateViews();
+}
+
+void QxAlignSlices::setActive(bool visible)
+{
+  m_keyboard->setActive(visible);
+  if (!visible) {
+    m_menus->removeMenu();
+    if (QxMainWindow* host = QxMainWindow::getTheMainWindow()) host->getCentralLayout()->setCurrentIndex(0);
+    return;
+  }
+  m_menus->addMenu();
+  if (QxMainWindow* host = QxMainWindow::getTheMainWindow()) host->getCentralLayout()->setCurrentWidget(this);
+  setFocus(Qt::OtherFocusReason);
+}
+
+void QxAlignSlices::keyPressEvent(QKeyEvent* event)
+{
+  QMainWindow::keyPressEvent(event);
+  m_keyboard->press(event);
+}
+
+void QxAlignSlices::keyReleaseEvent(QKeyEvent* event) { m_keyboard->release(event); }

@@ -1,13 +1,25 @@
 #pragma once
 
+#include <memory>
+
+class ZxAlignEditorScripting;
 class ZxAlignSlices;
 struct SliceInfo;
 
 /// What the module asks of its editor window. The window implements it; the module works without one.
 class ZxAlignEditor {
 public:
+  /// Makes the editor window of a module; null in a program that has no main window for it.
+  using Factory = std::unique_ptr<ZxAlignEditor> (*)(ZxAlignSlices& module);
+  /// Says how editor windows are made; null: not at all.
+  static void setFactory(Factory factory) noexcept;
+  /// A window for a module, or null.
+  static std::unique_ptr<ZxAlignEditor> create(ZxAlignSlices& module);
+
   virtual ~ZxAlignEditor() = default;
 
+  /// What scripts ask of the window; null for one that answers no scripts.
+  virtual ZxAlignEditorScripting* scripting() noexcept { return nullptr; }
   /// Redraws all views of the pair.
   virtual void updateViews() = 0;
   /// Shows another transform of the editable slice.

@@ -14,8 +14,10 @@
 
 #include <memory>
 
+class AlignRecovery;
 class ZxAlignData;
 class ZxAlignEditor;
+class ZxAutoAlignMethod;
 class ZxAutoAlignMethodFabrique;
 class ZxLabelLattice;
 
@@ -36,6 +38,9 @@ public:
   const McTypeInfo& getTypeId() const override { return getClassTypeId(); }
   void update() override;
   void compute() override;
+  /// The commands of AlignCommands.h before those of every module.
+  int parse(Tcl_Interp* interp, int argc, char** argv) override;
+  std::vector<ZxCommandHelp> commands() const override;
 
   ZxConnection portMask;
   ZxConnection portLabelField;
@@ -46,8 +51,14 @@ public:
   ZxPortMultiMenu portResampleMethod;   ///< 0 nearest neighbour, 1 linear
   ZxPortButtonList portAction;          ///< edit, resample, resample into the existing result
 
-  /// Opens or closes the editor window; with activate it is shown.
+  /// Opens the editor window, which with activate is shown, or closes it; an editor that refuses to close is
+  /// activated again. A call that comes while the window is being opened or closed does nothing.
   void doIt(int activate);
+  bool isEditorOpen() const noexcept { return m_editorOpen; }
+  /// The editor window has been closed, by whatever way.
+  void editorClosed();
+  /// The editor window is being deleted by someone else than the module.
+  void forgetEditor(const ZxAlignEditor* editor);
 
   // The pair and its images.
   int getEditableSlice() const noexcept { return m_editableSlice; }
@@ -62,12 +73,16 @@ public:
   /// Writes the data window, maps both slices and redraws.
   void setRangeCurrent(float min, float max);
   void setUseMaxIntProjection(bool on);
+  /// Numbers of slices that are projected, at least 1 each.
+  void setProjectionThickness(int reference, int editable);
   bool usesMaxIntProjection() const noexcept { return m_useMaxIntProjection; }
   int getReferenceProjectionThickness() const noexcept { return m_referenceThickness; }
   int getEditableProjectionThickness() const noexcept { return m_editableThickness; }
   /// The input lattice, or null.
   ZxLattice* getDataLattice() const noexcept;
   ZxAlignData& sliceData() noexcept { return *m_data; }
+  /// The data whose labels are the mask that is in use, or null.
+  const McHandle<ZxData>& maskSource() const noexcept { return m_maskSource; }
   unsigned char* getComputedEditableSlicePtr();
   unsigned char* getComputedReferenceSlicePtr();
   /// The mutex that guards the input lattice and the images; not recursive.
@@ -78,6 +93,9 @@ public:
   /// method that fails leaves a message and the transforms as they were, and counts as none. Without an input
   /// nothing is done.
   int doLayout(int mode);
+  /// True while an automatic method runs. It may let the program handle events; whatever these ask of the
+  /// module's slices is to be refused.
+  bool isRunning() const noexcept { return m_methodRuns || m_stackRuns; }
   /// The editor window, or null. A module takes it over once, before it is opened for the first time.
   ZxAlignEditor* editor() const noexcept { return m_editor.get(); }
   void setEditor(std::unique_ptr<ZxAlignEditor> editor);
@@ -91,6 +109,9 @@ public:
   /// Gives back slices, editable side, editable slice and the reference slice beside it. References into the
   /// slices become invalid.
   void restoreState(const AlignState& state);
+
+  /// What keeps unsaved edits for the case of a crash.
+  AlignRecovery& recovery() noexcept { return *m_recovery; }
 
   /// Frames per second of ten repaints of the editor's slice view; 0 without an editor.
   float performanceTest();
@@ -131,6 +152,11 @@ public:
   /// Borders (first, last) in x and y that place the slices' common box in the output; width and height of
   /// the input are used where one of them is 0.
   void calculateOrigin(int* xBorders, int* yBorders, int width, int height) const;
+
+  /// Gives one slice a transform and shows it.
+  void setTransform(int slice, const SliceXForm& xform);
+  /// Takes away the transforms of the slices first to last, as a change that can be taken back.
+  void resetTransforms(int first, int last);
 
   // Landmarks: every slice has the same number, each operation changes all slices. A file may have given some
   // slices fewer: those without a landmark of that index are left alone.
@@ -175,7 +201,15 @@ public:
   std::vector<ZxAlignTransform> transforms() const override;
   bool setTransforms(std::span<const ZxAlignTransform> transforms) override;
   bool setLandmarks(std::span<const std::vector<ZxAlignPoint>> landmarks) override;
+  std::string setLandmarksFrom(const std::string& fileName) override;
   int alignAll(int method, int reference, const std::function<void(const ZxAlignPairResult&)>& done) override;
+  /// A run over the whole stack, pair by pair in the order of alignAll(), as the editor makes it: select
+  /// makes a pair the current one, and the flags stay as they are. With a fixed reference every slice is
+  /// aligned to that. Returns how many pairs were aligned before the end, a failure, or the user's wish to
+  /// stop.
+  using SelectPair = std::function<void(const ZxAlignPair&)>;
+  using PairDone = std::function<void(const ZxAlignPairResult&)>;
+  int runOverStack(int method, int reference, const SelectPair& select, const PairDone& done = {});
   double pairQuality(int lower) override;
   double maskedPairQuality(int lower) override;
   void minimalSize(int& width, int& height) const override { calcMinBox(&width, &height); }
@@ -198,15 +232,26 @@ private:
   void computeReference();
   void computeAction();
   void computeMaxIntNumSlices();
+  /// False when nothing changes by it.
+  bool useThickness(int reference, int editable);
 
   /// The slices that a change of the editable one affects: calls change for each, the editable one first.
   template <class Change>
   void forAffectedSlices(Change change);
+  bool isInStack(int slice) const;
   bool hasEditableSlice() const noexcept;
+  void restorePair(int editable, int side);
   void showEditableSlice();
+  /// Shows transforms that were set from outside.
+  void transformsChanged();
   void selectPair(const ZxAlignPair& pair);
   /// False when the method failed.
   bool alignPair(const ZxAlignPair& pair, int method, ZxAlignPairResult& result);
+  int alignPairs(const std::vector<ZxAlignPair>& pairs, int method, const SelectPair& select,
+                 const PairDone& done);
+  int runMethod(ZxAutoAlignMethod& method, int mode);
+  bool makeEditor();
+  void openEditor(int activate);
 
   std::unique_ptr<ZxAlignData> m_data;
   McHandle<ZxData> m_maskSource;        // keeps the mask that is in use alive
@@ -224,7 +269,12 @@ private:
   int m_referenceThickness = 10;
   int m_editableThickness = 10;
   bool m_editorOpen = false;
+  bool m_switchingEditor = false;
+  bool m_viewerWasShown = false; // the main viewer, when the editor was opened
+  bool m_methodRuns = false;
+  bool m_stackRuns = false;
   ZxAlignSettings m_settings;
   AlignHistory m_history;
   ZxAlignUndoRedo m_undoRedo{this};
+  std::unique_ptr<AlignRecovery> m_recovery;
 };

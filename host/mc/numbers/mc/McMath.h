@@ -11,6 +11,7 @@ namespace mc {
 inline constexpr double kPi = 3.14159265358979323846;
 
 inline double cos(double v) noexcept { return static_cast<double>(std::cos(static_cast<long double>(v))); }
+inline double sin(double v) noexcept { return static_cast<double>(std::sin(static_cast<long double>(v))); }
 inline double exp(double v) noexcept { return static_cast<double>(std::exp(static_cast<long double>(v))); }
 inline double log(double v) noexcept { return static_cast<double>(std::log(static_cast<long double>(v))); }
 inline double atan2(double y, double x) noexcept

@@ -26,6 +26,7 @@ struct ZxLatticeShape {
   std::size_t voxelBytes() const noexcept;
   std::size_t sliceBytes() const noexcept { return dims.slicePixels() * voxelBytes(); }
   std::size_t bytes() const noexcept;
+  friend bool operator==(const ZxLatticeShape&, const ZxLatticeShape&) = default;
 };
 
 /// A volume of voxels on a regular grid, with its bounding box. Slice 0 is the first, row 0 the top one.

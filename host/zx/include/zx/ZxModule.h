@@ -45,6 +45,10 @@ public:
   virtual void forgetData(const ZxData* data);
 
 protected:
+  /// Does work that no pass may disturb, as if it were part of one: what asks for a pass meanwhile gets it
+  /// afterwards, and data that go away meanwhile live until then.
+  void withoutPasses(const std::function<void()>& work);
+
   /// The types that the primary input accepts.
   explicit ZxModule(std::vector<const McTypeInfo*> dataTypes);
 

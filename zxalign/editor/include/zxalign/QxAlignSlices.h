@@ -1,14 +1,21 @@
 #pragma once
 
 #include "mc/McDArray.h"
+#include "mc/McHandable.h"
 #include "qx/QxCentralPage.h"
 #include "zxalign/SliceInfo.h"
 #include "zxalign/ZxAlignEditor.h"
+#include "zxalign/ZxAlignEditorScripting.h"
 
 #include <QList>
 #include <QMainWindow>
 #include <QPoint>
+#include <QPointer>
 
+#include <memory>
+
+class AlignBorderPreviews;
+class AlignKeyboard;
 class QToolBar;
 class QxAlignMenuBar;
 class QxAlignSlicesOptionsDialog;
@@ -19,6 +26,7 @@ class QxAutoAlignToolBar;
 class QxDrawAlignSlices;
 class QxOrthoViewManager;
 class ZxAlignSlices;
+struct ZxAlignPair;
 
 /// The editor window of one module, "Slice Aligner": a page of the main window's centre.
 ///
@@ -26,7 +34,10 @@ class ZxAlignSlices;
 /// and every change is shown by all its parts: slice view, three toolbars, menus, orthogonal views. The
 /// module owns the window and outlives it. Distances are pixels of the slices, y downwards; angles degrees;
 /// slices are counted from 0. Without an input the window shows nothing and every edit is refused.
-class QxAlignSlices : public QMainWindow, public ZxAlignEditor, public QxCentralPage {
+class QxAlignSlices : public QMainWindow,
+                      public ZxAlignEditor,
+                      public ZxAlignEditorScripting,
+                      public QxCentralPage {
   Q_OBJECT
 public:
   /// How a pair is edited.
@@ -34,6 +45,7 @@ public:
   /// The built-in automatic methods; further ones follow.
   enum AlignMode { AlignCenters, AlignGray, AlignLandmarks, AlignEdgeDetection };
 
+  /// Adds the window as a page to the main window, if there is one.
   explicit QxAlignSlices(ZxAlignSlices* module);
   ~QxAlignSlices() override;
 
@@ -48,19 +60,20 @@ public:
   QxDrawAlignSlices* drawArea() const noexcept { return m_drawArea; }
   QxAlignMenuBar* menuSet() const noexcept;
   /// The options dialog while it is open, else null.
-  QxAlignSlicesOptionsDialog* optionsDialog() const noexcept { return m_options; }
+  QxAlignSlicesOptionsDialog* optionsDialog() const noexcept;
   /// Size of the slice view in pixels.
   int getDrawAreaWidth() const;
   int getDrawAreaHeight() const;
   /// Those of the toolbars that are visible: slices and zoom, modes and actions, transform.
   QList<QToolBar*> getVisibleToolbar() const;
   /// The automatic method of "Align current pair": an AlignMode, or the id of a plug-in's method.
-  int getAlignMode() const noexcept { return m_alignMode; }
+  int getAlignMode() const noexcept override { return m_alignMode; }
   int getChessFieldSize() const noexcept { return m_chessFieldSize; }
   /// Edge length of the checkerboard's tiles in screen pixels; positive.
-  void setChessFieldSize(int size);
+  void setChessFieldSize(int size) override;
 
   // ZxAlignEditor
+  ZxAlignEditorScripting* scripting() noexcept override { return this; }
   /// Redraws the pair and brings the toolbars up to date.
   void updateViews() override;
   void setSliceInfo(const SliceInfo& info) override;
@@ -74,8 +87,17 @@ public:
   void redoEmpty() override;
   void redoNotEmpty() override;
 
+  // ZxAlignEditorScripting, as far as there is no slot for it
+  void chooseEditMode(int mode) override;
+  void chooseViewMode(int mode) override;
+  void inhibitRedraw(int delta) override;
+  void setOrthoViewZWindow(int halfWidth) override;
+  void setOrthoViewAutoUpdate(bool on) override;
+  void updateOrthogonalViews() override;
+  std::string snapshot(const std::string& fileName) override;
+
   // QxCentralPage
-  /// Closes the editor by way of its module, whose button says so afterwards.
+  /// As cancel(), while the editor is open.
   bool canClose() override;
 
   /// Shows transform and slice numbers in the toolbars, translations cut off to whole pixels.
@@ -95,59 +117,61 @@ public:
   void enableButtons();
   void disableButtons();
   /// Schedules a repaint of the slice view.
-  void draw();
+  void draw() override;
 
 Q_SIGNALS:
   void chessSignal(int fieldSize);
+  /// The alignment is about to change, or has changed; what follows it looks when the event loop is back.
+  void edited();
 
 public Q_SLOTS:
   /// Takes away the current slice's transform.
-  void reset();
+  void reset() override;
   /// Takes away the transforms of all slices.
-  void resetAll();
-  void transformAll();
-  void fixReference();
+  void resetAll() override;
+  void transformAll() override;
+  void fixReference() override;
   /// Reads the stored alignment from the input's parameters.
-  void read();
+  void read() override;
   /// Stores the alignment in the input's parameters.
-  void save();
+  void save() override;
   /// Resamples into a new result.
   void apply();
   /// Asks what to do with unsaved changes, if there are any, and puts the window away. False when it stays.
   bool cancel() override;
-  void changeAlignMode(int mode);
+  void changeAlignMode(int mode) override;
   /// The options dialog, modal.
   void showParameters();
   /// Aligns the current pair.
-  void doAutoAlign();
+  void doAutoAlign() override;
   /// Aligns the whole stack, outwards from the reference slice. One undo takes it back.
-  void doAllAutoAlign();
+  void doAllAutoAlign() override;
   /// Goes to another slice; slices outside the stack are refused.
-  void sliceChange(float slice);
+  void sliceChange(float slice) override;
   void setActive(bool visible) override;
   void addPoint(QPoint point);
   void removePoint(int index);
   void movePoints(QPoint offset, int index);
   /// -1: the lower slice of the pair is edited, +1: the upper one.
-  void setEditableSlice(int side);
+  void setEditableSlice(int side) override;
   void setEditMode(int mode);
   /// Flips the current slice.
-  void mirror();
+  void mirror() override;
   void chess();
-  void showTransformToolBar(bool visible);
-  void showCoronalView(bool visible);
-  void showSagittalView(bool visible);
-  void orthoViewZoomIn();
-  void orthoViewZoomOut();
-  void viewZoomIn();
-  void viewZoomOut();
-  void setSagittalViewSliceNumber(int number);
-  int getSagittalViewSliceNumber();
-  void setCoronalViewSliceNumber(int number);
-  int getCoronalViewSliceNumber();
-  void setOrthoViewLineWidth(int value);
+  void showTransformToolBar(bool visible) override;
+  void showCoronalView(bool visible) override;
+  void showSagittalView(bool visible) override;
+  void orthoViewZoomIn() override;
+  void orthoViewZoomOut() override;
+  void viewZoomIn() override;
+  void viewZoomOut() override;
+  void setSagittalViewSliceNumber(int number) override;
+  int getSagittalViewSliceNumber() override;
+  void setCoronalViewSliceNumber(int number) override;
+  int getCoronalViewSliceNumber() override;
+  void setOrthoViewLineWidth(int value) override;
   void setUseMaxIntProjection(bool on) override;
-  int getEditMode();
+  int getEditMode() override;
   // Edits of the transform toolbar. They leave the orthogonal views as they are, deliberately: whoever types
   // through values waits for none of them.
   void toolBarTranslateX(int t);
@@ -168,10 +192,58 @@ protected:
   void keyReleaseEvent(QKeyEvent* event) override;
 
 private:
-  ZxAlignSlices* m_module;                         // borrowed
-  QxDrawAlignSlices* m_drawArea = nullptr;         // child
-  QxAlignSlicesOptionsDialog* m_options = nullptr; // on the stack of showParameters()
+  friend class AlignKeyboard;
+
+  void createToolBars();
+  void connectToolBars();
+  void connectMenus();
+  void connectDrawArea();
+  void connectHistory();
+  void makeHistory();
+  void placeInMainWindow();
+  void createPanels();
+  void leaveMainWindow();
+
+  int numSlices() const;
+  SliceInfo& currentSlice();
+  /// There is an input, and both slices of the pair lie in it.
+  bool hasPair() const;
+  /// The same, and no automatic method is at work.
+  bool canEdit() const;
+  /// As canEdit(); where it is not so, shows what is true instead of what was asked for.
+  bool acceptsEdit();
+  void showSide();
+  void showSlicePair();
+
+  void saveState();
+  void writeTransform(const SliceXForm& xform);
+  void moveByKey(int dx, int dy);
+  void turnByKey(float degrees);
+
+  bool isInStack(int slice) const { return slice >= 0 && slice < numSlices(); }
+  /// Goes to a slice while the reference stays.
+  void passReference(int slice);
+  void goTo(int slice);
+  void changeSide(int side);
+  void selectPair(const ZxAlignPair& pair);
+  void keepReferenceInStack();
+  bool askAndClose();
+  void previewSize(int width, int height, bool automaticOrigin);
+
+  ZxAlignSlices* m_module; // borrowed
+  std::unique_ptr<QxAlignUndoRedo> m_undoRedo;
+  QPointer<QxAlignMenuBar> m_menus;                      // child
+  QxDrawAlignSlices* m_drawArea = nullptr;               // child
+  QxAlignToolBar* m_alignToolBar = nullptr;              // child
+  QxAutoAlignToolBar* m_autoAlignToolBar = nullptr;      // child
+  QPointer<QxAlignSlicesOptionsDialog> m_options;        // child, while showParameters() runs
+  QxAlignTransformToolBar* m_transformToolBar = nullptr; // child
+  McHandle<QxOrthoViewManager> m_orthoViews;
+  std::unique_ptr<AlignBorderPreviews> m_previews;
+  std::unique_ptr<AlignKeyboard> m_keyboard;
   int m_editMode = EditTransform;
   int m_alignMode = AlignGray;
   int m_chessFieldSize = 50;
+  bool m_showsMode = false;   // the toolbar is being told the align mode: its echo is no choice
+  bool m_asksToClose = false; // the save prompt is open
 };
