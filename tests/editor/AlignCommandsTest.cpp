@@ -4,8 +4,8 @@
 
 #include <QImage>
 
-#include <filesystem>
 #include <fstream>
+#include <optional>
 #include <sstream>
 
 namespace {
@@ -17,6 +17,12 @@ protected:
   {
     EditorTest::SetUp();
     module->setLabel("aligner");
+    lines.emplace(); // The window has taken over the messages.
+  }
+  void TearDown() override
+  {
+    lines.reset();
+    EditorTest::TearDown();
   }
   static ZxScriptResult run(const std::string& command)
   {
@@ -38,18 +44,13 @@ protected:
   /// The messages that a command leaves.
   std::string messages(const std::string& command)
   {
-    console.take();
+    lines->take();
     result(command);
     std::string all;
-    for (const std::string& line : console.take()) all += (all.empty() ? "" : "|") + line;
+    for (const std::string& line : lines->take()) all += (all.empty() ? "" : "|") + line;
     return all;
   }
-  void closeEditor()
-  {
-    module->setModified(false);
-    press(0);
-    ASSERT_FALSE(module->isEditorOpen());
-  }
+  std::optional<Console> lines;
   static std::string file(const std::string& name) { return std::string(ZX_TEST_HOME) + "/" + name; }
 };
 
@@ -321,11 +322,12 @@ TEST_F(AlignCommandsTest, TheManualNamesEveryCommand)
   ASSERT_FALSE(page.str().empty());
   for (const AlignCommand& command : alignCommands()) {
     const std::string usage =
-        std::string(command.name) + (command.arguments.empty() ? "" : " " + std::string(command.arguments));
+        std::string(command.name) +
+        (command.arguments.empty() ? "" : " <i>" + std::string(command.arguments) + "</i>");
     EXPECT_NE(page.str().find("<code>" + usage + "</code>"), std::string::npos) << usage;
-    if (!command.alias.empty())
-      EXPECT_NE(page.str().find("<code>" + std::string(command.alias) + "</code>"), std::string::npos)
-          << command.alias;
+    if (command.alias.empty()) continue;
+    EXPECT_NE(page.str().find("<code>" + std::string(command.alias) + "</code>"), std::string::npos)
+        << command.alias;
   }
 }
 

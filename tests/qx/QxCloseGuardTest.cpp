@@ -21,7 +21,9 @@ protected:
       if (!box) return;
       asked << box->objectName() + ": " + box->informativeText();
       for (QAbstractButton* b : box->buttons())
-        if (b->text() == button) QTest::mouseClick(b, Qt::LeftButton);
+        if (b->text().remove('&') == button) return QTest::mouseClick(b, Qt::LeftButton);
+      ADD_FAILURE() << "no button " << button.toStdString();
+      box->reject();
     });
     answers.start(5);
     window->close();
@@ -51,7 +53,7 @@ TEST_F(QxCloseGuardTest, AsksAboutUnsavedData)
   addUnsaved("changed", "/x/changed.vol");
   EXPECT_EQ(closeAnswering("Cancel"), QStringList{"unsavedPrompt: changed"});
   EXPECT_FALSE(isClosed());
-  EXPECT_EQ(closeAnswering("&Don't Save").size(), 1);
+  EXPECT_EQ(closeAnswering("Don't Save").size(), 1);
   EXPECT_TRUE(isClosed());
   EXPECT_EQ(FakeFiles::writes, 0);
 }
@@ -62,13 +64,13 @@ TEST_F(QxCloseGuardTest, ClosesWhenSavedAndStaysOpenWhenThatFails)
   QFile(file).open(QIODevice::WriteOnly);
   const auto field = addUnsaved("kept", file.toUtf8().constData());
   FakeFiles::isDiskFull = true;
-  closeAnswering("&Save");
+  closeAnswering("Save");
   ASSERT_TRUE(waitFor([&] { return find("messageBar")->isVisible(); }));
   QTest::qWait(200); // Longer than it would take to close.
   EXPECT_FALSE(isClosed());
   EXPECT_TRUE(field->isUnsaved());
   FakeFiles::isDiskFull = false;
-  closeAnswering("&Save");
+  closeAnswering("Save");
   EXPECT_TRUE(waitFor([&] { return isClosed(); }));
   EXPECT_FALSE(field->isUnsaved());
   EXPECT_EQ(FakeFiles::writes, 2);
@@ -81,7 +83,7 @@ TEST_F(QxCloseGuardTest, WaitsForWorkThatItStops)
     const ZxWorkingPhase phase("Working");
     EXPECT_EQ(closeAnswering("Cancel"), QStringList{"workPrompt: "});
     EXPECT_FALSE(ZxWorkArea::getTheWorkArea()->wasInterrupted(1));
-    closeAnswering("&Stop and Close");
+    closeAnswering("Stop and Close");
     EXPECT_TRUE(ZxWorkArea::getTheWorkArea()->wasInterrupted(1));
     EXPECT_FALSE(isClosed());
   };
