@@ -10,8 +10,15 @@ foreach(name control sdk)
 endforeach()
 set_target_properties(zxalign PROPERTIES EXPORT_NAME package)
 set_target_properties(zxalign-cli PROPERTIES EXPORT_NAME program)
+set_target_properties(orvel PROPERTIES EXPORT_NAME desktop)
 
-install(TARGETS zxalign-cli EXPORT zxalign RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+install(TARGETS zxalign-cli orvel EXPORT zxalign RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+install(FILES apps/orvel/share/orvel.desktop
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT runtime)
+install(FILES host/qx/icons/orvel.svg
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT runtime)
+install(FILES LICENSE
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/zxalign RENAME copyright COMPONENT runtime)
 install(TARGETS host_mc host_zx host_qx zxalign EXPORT zxalign
   LIBRARY DESTINATION ${ZX_PACKAGE_DIR} COMPONENT runtime
   FILE_SET HEADERS DESTINATION ${ZX_HEADER_DIR} COMPONENT sdk)

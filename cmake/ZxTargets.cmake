@@ -10,9 +10,10 @@ set(ZX_MAY_USE_editor  zx::kernels host::mc host::zx host::qx zxalign::objects Q
                        OpenGL::GL)
 set(ZX_MAY_USE_samples host::mc)
 # The programs load the package; they see its window-less interface only, never its classes.
-set(ZX_MAY_USE_apps    host::mc host::zx host::io zxalign::control zx::samples Qt6::Core Qt6::Gui
-                       CLI11::CLI11 nlohmann_json::nlohmann_json TBB::tbb)
-set(ZX_MAY_USE_desktop host::mc host::zx host::io host::qx Qt6::Core Qt6::Gui Qt6::Widgets)
+set(ZX_MAY_USE_apps    host::mc host::zx host::io zxalign::control zxalign::apps_common zx::samples
+                       Qt6::Core Qt6::Gui CLI11::CLI11 nlohmann_json::nlohmann_json TBB::tbb)
+set(ZX_MAY_USE_desktop host::mc host::zx host::io host::qx zxalign::control zxalign::apps_common
+                       Qt6::Core Qt6::Gui Qt6::Widgets)
 
 function(zx_check_dependencies layer)
   foreach(dep IN LISTS ARGN)

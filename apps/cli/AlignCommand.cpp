@@ -3,7 +3,6 @@
 #include "AlignModule.h"
 #include "Console.h"
 #include "Failure.h"
-#include "LandmarkTable.h"
 #include "MethodNames.h"
 #include "OutputFiles.h"
 #include "Picture.h"
@@ -204,8 +203,10 @@ void AlignCommand::connect(AlignModule& module, ZxField3& volume, const io::Volu
                        : "The alignment stored in " + m_input.name() + " is the start.");
   module.connectInput(volume);
   setStart(module, info);
-  if (!m_landmarks.empty())
-    module.control().setLandmarks(readLandmarkTable(m_landmarks, info.shape.dims.slices));
+  if (!m_landmarks.empty()) {
+    const std::string problem = module.control().setLandmarksFrom(m_landmarks);
+    if (!problem.empty()) throw io::Error(problem);
+  }
   if (!m_mask.empty()) {
     const WorkingPhase phase("Reading " + m_mask);
     const McHandle<ZxUniformLabelField3> mask = io::readLabels({m_mask});

@@ -1,27 +1,21 @@
 #pragma once
 
-#include <optional>
+#include "mc/McText.h"
+
 #include <string>
 #include <string_view>
-#include <vector>
 
-/// Numbers and names as text, the same under every locale.
+/// Texts of the command line.
 namespace cli {
 
-/// With a fixed number of decimals: fixed(3.14159, 2) is "3.14".
-std::string fixed(double value, int decimals);
-/// The shortest text that reads back as the same number.
-std::string shortest(float value);
-std::string shortest(double value);
+using mc::fixed;
+using mc::parseFloat;
+using mc::parseInteger;
+using mc::parseReal;
+using mc::shortest;
+using mc::split;
+using mc::trimmed;
 
-/// The number that a text is, without anything before or after it; empty when it is none or not finite.
-std::optional<double> parseReal(std::string_view text);
-std::optional<float> parseFloat(std::string_view text);
-std::optional<int> parseInteger(std::string_view text);
-
-std::string_view trimmed(std::string_view text);
-/// The parts between separators; "a,,b" has three.
-std::vector<std::string_view> split(std::string_view text, char separator);
 /// The text in lines of at most 100 characters, broken at blanks; every line but the first is indented.
 std::string wrapped(std::string_view text, std::size_t indent);
 /// True when the name ends like that, in whatever case ("TABLE.CSV" and ".csv").

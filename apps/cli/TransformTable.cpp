@@ -1,8 +1,8 @@
 #include "TransformTable.h"
 
-#include "TableFile.h"
 #include "Text.h"
 #include "io/Error.h"
+#include "zx/ZxTextTable.h"
 
 #include <cerrno>
 #include <cstring>
@@ -13,25 +13,28 @@ namespace {
 
 constexpr std::string_view kHeader = "slice,tx,ty,angle_deg,flip";
 
-float parseField(std::string_view text, const char* name, const TablePosition& where)
+/// Sets a number of a row. Returns what is wrong with it, or nothing.
+std::string parseField(std::string_view text, const char* name, float& number)
 {
   const std::optional<float> value = parseFloat(trimmed(text));
-  if (!value) where.refuse("\"" + std::string(trimmed(text)) + "\" is no number for " + name);
-  return *value;
+  if (!value) return "\"" + std::string(trimmed(text)) + "\" is no number for " + name;
+  number = *value;
+  return {};
 }
 
-ZxAlignTransform parseRow(std::string_view row, std::size_t slice, const TablePosition& where)
+std::string parseRow(std::string_view row, std::size_t slice, ZxAlignTransform& transform)
 {
   const std::vector<std::string_view> fields = split(row, ',');
   if (fields.size() != 5)
-    where.refuse("a row has the 5 fields " + std::string(kHeader) + ", not " + std::to_string(fields.size()));
+    return "a row has the 5 fields " + std::string(kHeader) + ", not " + std::to_string(fields.size());
   if (trimmed(fields[0]) != std::to_string(slice))
-    where.refuse("slice " + std::to_string(slice) + " is expected, not \"" + std::string(trimmed(fields[0])) +
-                 "\"");
+    return "slice " + std::to_string(slice) + " is expected, not \"" + std::string(trimmed(fields[0])) + "\"";
   const std::string_view flip = trimmed(fields[4]);
-  if (flip != "0" && flip != "1") where.refuse("flip is 0 or 1, not \"" + std::string(flip) + "\"");
-  return {parseField(fields[1], "tx", where), parseField(fields[2], "ty", where),
-          parseField(fields[3], "angle_deg", where), flip == "1"};
+  if (flip != "0" && flip != "1") return "flip is 0 or 1, not \"" + std::string(flip) + "\"";
+  transform.flip = flip == "1";
+  std::string problem = parseField(fields[1], "tx", transform.tx);
+  if (problem.empty()) problem = parseField(fields[2], "ty", transform.ty);
+  return problem.empty() ? parseField(fields[3], "angle_deg", transform.angleDegrees) : problem;
 }
 
 /// Stands in a remark between the centre and the size of the slices.
@@ -88,9 +91,11 @@ std::vector<ZxAlignTransform> readTransformTable(const std::string& path, int wi
 {
   if (width > 0) checkStatedSize(path, width, height);
   std::vector<ZxAlignTransform> transforms;
-  readTable(path, kHeader, "transforms", [&](std::string_view row, const TablePosition& where) {
-    transforms.push_back(parseRow(row, transforms.size(), where));
+  const std::string problem = zxReadTable(path, kHeader, "transforms", [&](std::string_view row) {
+    const std::size_t slice = transforms.size();
+    return parseRow(row, slice, transforms.emplace_back());
   });
+  if (!problem.empty()) throw io::Error(problem);
   if (transforms.empty()) throw io::Error(path + " holds no transforms.");
   return transforms;
 }

@@ -33,7 +33,7 @@ include='^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"]'
 widgets='(QtWidgets|QtOpenGL|QOpenGL|QWidget|QMainWindow|QDialog|QApplication|QLabel|QAbstract(Scroll|Button|Slider)|QPushButton|QMenu|QToolBar|GL/)'
 
 forbid "Below the windows nobody includes widgets or OpenGL" "$include$widgets" \
-  $(code kernels host/mc host/zx host/io samples apps/cli)
+  $(code kernels host/mc host/zx host/io samples apps/cli apps/common)
 forbid "Kernels and base utilities know no Qt" "$include(Q[A-Z]|Qt[A-Z])" $(code kernels host/mc samples)
 forbid "Kernels use the number helpers, nothing else of the host" \
   "$include(zx|io|qx)/|${include}mc/(?!McRound\.h|McMath\.h)" $(code kernels)

@@ -16,9 +16,10 @@ float alignmentQuality(const kernels::PairDifference& difference, int channels, 
   return static_cast<float>(quality);
 }
 
-kernels::Affine16 inverse16(const SliceXForm& xform, int width, int height)
+kernels::Affine16 inverse16(const SliceXForm& xform, int width, int height,
+                            const std::optional<SliceXForm>& placed)
 {
   QTransform m;
-  xform.getInverseMatrix(m, sliceCentre(width), sliceCentre(height));
+  xform.getImageMatrix(m, placed, sliceCentre(width), sliceCentre(height));
   return toAffine16(m);
 }

@@ -11,5 +11,7 @@
 /// overlap is less than half of smallerPixels, the smaller width times the smaller height. 0 without overlap.
 float alignmentQuality(const kernels::PairDifference& difference, int channels, std::uint64_t smallerPixels);
 
-/// The inverse mapping of a slice of this size in 16.16 fixed point, as the pair comparison walks it.
-kernels::Affine16 inverse16(const SliceXForm& xform, int width, int height);
+/// The mapping into the image of a slice of this size in 16.16 fixed point, as the pair comparison walks it.
+/// For placed see SliceXForm::getImageMatrix().
+kernels::Affine16 inverse16(const SliceXForm& xform, int width, int height,
+                            const std::optional<SliceXForm>& placed = {});

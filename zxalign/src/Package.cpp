@@ -1,6 +1,8 @@
 // Entry points of the package.
 #include "zx/ZxPackage.h"
 #include "zxalign/AlignEditorFactory.h"
+#include "zxalign/AlignRecovery.h"
+#include "zxalign/RecoveryQuestion.h"
 #include "zxalign/ZxAlignEditor.h"
 #include "zxalign/ZxAlignSlices.h"
 
@@ -20,6 +22,7 @@ void orvelpackage_zxalign_init()
   done = true;
   ZxAlignSlices::initClass();
   ZxAlignEditor::setFactory(&makeAlignEditor);
+  AlignRecovery::setQuestion(&askToRestore);
 }
 
 void orvelpackage_zxalign_finish()

@@ -53,6 +53,16 @@ void SliceXForm::getInverseMatrix(QTransform& m, float cx, float cy) const
   m = translatedFirst(m, -cx, -cy);
 }
 
+void SliceXForm::getImageMatrix(QTransform& m, const std::optional<SliceXForm>& placed, float cx,
+                                float cy) const
+{
+  getInverseMatrix(m, cx, cy);
+  if (!placed) return;
+  QTransform forward;
+  placed->getMatrix(forward, cx, cy);
+  m *= forward;
+}
+
 McVec2f SliceXForm::map(const McVec2f& p, float cx, float cy) const
 {
   QTransform m;

@@ -1,14 +1,13 @@
 #include "zxalign/ZxAlignData.h"
 
 #include "AlignmentMatrix.h"
-#include "kernels/GreyMapping.h"
+#include "SliceMapping.h"
 #include "kernels/Projection.h"
 #include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
 #include "zxalign/ZxAlignSlices.h"
 
 #include <algorithm>
-#include <cstring>
 #include <mutex>
 #include <new>
 #include <utility>
@@ -52,6 +51,8 @@ void ZxAlignData::reset()
   const std::lock_guard lock(m_mutex);
   resetData();
   m_editableSlice = m_referenceSlice = -1;
+  m_editableProjection.reset();
+  m_referenceProjection.reset();
   m_lattice = nullptr;
   m_mask = nullptr;
   std::swap(old, m_data);
@@ -134,21 +135,7 @@ void ZxAlignData::tellUnreadable(int slice) const
 
 std::vector<std::uint8_t> ZxAlignData::getMaskBitfield(int slice)
 {
-  std::vector<std::uint8_t> bits;
-  if (!m_mask || slice < 0 || slice >= m_mask->getDims().slices) return bits;
-  const std::size_t n = m_mask->getDims().slicePixels();
-  std::vector<unsigned char> labels(m_mask->shape().sliceBytes());
-  {
-    const std::lock_guard lock(m_mutex);
-    if (!m_mask->readSlice(slice, labels.data())) return bits;
-  }
-  bits.assign((n + 7) / 8, 0);
-  mcVisit(m_mask->primType(), [&](auto zero) {
-    const auto* label = reinterpret_cast<const decltype(zero)*>(labels.data());
-    for (std::size_t i = 0; i < n; ++i)
-      if (label[i] != 0) bits[i / 8] = static_cast<std::uint8_t>(bits[i / 8] | 1U << (i % 8));
-  });
-  return bits;
+  return readMaskBits(m_mask, slice, m_mutex);
 }
 
 void ZxAlignData::mapSlice(Role role)
@@ -158,59 +145,29 @@ void ZxAlignData::mapSlice(Role role)
   const int slice = editable ? m_editableSlice : m_referenceSlice;
   if (slice < 0 || slice >= m_dims.slices) return;
   McDArray<unsigned char>& grey = editable ? m_editableImage : m_referenceImage;
+  std::optional<SliceXForm>& projection = editable ? m_editableProjection : m_referenceProjection;
+  projection.reset();
   if (m_module->usesMaxIntProjection()) {
     int first = 0, last = 0;
     projectionRange(role, first, last);
     project(first, last, grey);
+    projection = m_module->getSlice(slice);
   } else {
     mapNormally(slice, grey, editable ? m_editableColour : m_referenceColour);
   }
 }
 
-void ZxAlignData::window(float& min, float& scale) const
+SliceMapping ZxAlignData::mapping() const
 {
-  min = m_module->portLinearRange.getValue(0);
-  const float max = m_module->portLinearRange.getValue(1);
-  scale = max == min ? 255.0f : 255.0f / (max - min);
+  const ZxPortFloatTextN& window = m_module->portLinearRange;
+  return {m_lattice, m_mask, window.getValue(0), window.getValue(1)};
 }
 
 void ZxAlignData::mapNormally(int slice, McDArray<unsigned char>& grey, McDArray<unsigned char>& colour)
 {
-  const std::vector<std::uint8_t> mask = getMaskBitfield(slice);
-  const std::size_t n = m_dims.slicePixels();
-  std::unique_lock lock(m_mutex);
-  const void* inMemory = m_lattice->sliceInMemory(slice);
-  if (!inMemory && !m_lattice->readSlice(slice, m_rawSlice.data())) {
-    std::fill(m_rawSlice.begin(), m_rawSlice.end(), static_cast<unsigned char>(0));
-    lock.unlock();
+  // The message comes without the mutex: a console may repaint, and what it shows may want the mutex.
+  if (!::mapSlice(mapping(), slice, m_mutex, m_rawSlice.data(), grey.data(), colour.data()))
     tellUnreadable(slice);
-    lock.lock();
-  }
-  const auto* raw = inMemory ? static_cast<const unsigned char*>(inMemory) : m_rawSlice.data();
-  float min = 0, scale = 0;
-  window(min, scale);
-  if (isColorField()) {
-    kernels::mapColour(raw, n, min, scale, grey.data());
-    std::memcpy(colour.data(), raw, n * 4);
-  } else {
-    mapGrey(raw, min, scale, grey);
-  }
-  if (!mask.empty())
-    kernels::applyMask(mask.data(), n, grey.data(), isColorField() ? colour.data() : nullptr);
-}
-
-void ZxAlignData::mapGrey(const unsigned char* raw, float min, float scale,
-                          McDArray<unsigned char>& grey) const
-{
-  const std::size_t n = m_dims.slicePixels() * static_cast<std::size_t>(getNumDataVars());
-  const float max = m_module->portLinearRange.getValue(1);
-  if (getPrimType() == McPrimType::UInt8 && min == 0.0f && max == 255.0f) {
-    std::memcpy(grey.data(), raw, n);
-    return;
-  }
-  mcVisit(getPrimType(), [&](auto zero) {
-    kernels::mapLinear(reinterpret_cast<const decltype(zero)*>(raw), n, min, scale, grey.data());
-  });
 }
 
 void ZxAlignData::projectionRange(Role role, int& first, int& last) const
@@ -248,8 +205,7 @@ void ZxAlignData::project(int first, int last, McDArray<unsigned char>& grey)
     const std::lock_guard lock(m_mutex);
     kernels::projectSlice(raw, m_dims.width, m_dims.height, toAffine(inverse), grey.data());
   }
-  float min = 0, scale = 0;
-  window(min, scale);
+  const SliceMapping window = mapping();
   const std::lock_guard lock(m_mutex);
-  kernels::windowProjected(grey.data(), m_dims.slicePixels(), min, scale);
+  kernels::windowProjected(grey.data(), m_dims.slicePixels(), window.min, window.scale());
 }

@@ -255,13 +255,27 @@ void ZxAlignSlices::computeAction()
 
 void ZxAlignSlices::computeMaxIntNumSlices()
 {
-  const int reference = std::max(1, mc::addHalfAndTrunc(portMaxIntNumSlices.getValue(0)));
-  const int editable = std::max(1, mc::addHalfAndTrunc(portMaxIntNumSlices.getValue(1)));
-  if (reference == m_referenceThickness && editable == m_editableThickness) return;
+  useThickness(mc::addHalfAndTrunc(portMaxIntNumSlices.getValue(0)),
+               mc::addHalfAndTrunc(portMaxIntNumSlices.getValue(1)));
+}
+
+void ZxAlignSlices::setProjectionThickness(int reference, int editable)
+{
+  if (!useThickness(reference, editable)) return;
+  portMaxIntNumSlices.setValue(0, static_cast<float>(m_referenceThickness));
+  portMaxIntNumSlices.setValue(1, static_cast<float>(m_editableThickness));
+}
+
+bool ZxAlignSlices::useThickness(int reference, int editable)
+{
+  reference = std::max(1, reference);
+  editable = std::max(1, editable);
+  if (reference == m_referenceThickness && editable == m_editableThickness) return false;
   m_referenceThickness = reference;
   m_editableThickness = editable;
   mapSlices();
   updateViews();
+  return true;
 }
 
 void ZxAlignSlices::doIt(int activate)
@@ -336,15 +350,24 @@ void ZxAlignSlices::restoreState(const AlignState& state)
 {
   const ZxEditorPause pause(m_editor.get());
   m_slices = state.slices;
-  m_editableSide = state.side;
-  setReferenceSlice(state.currentSlice - state.side);
-  setSlice(state.currentSlice);
+  restorePair(state.currentSlice, state.side);
   if (m_useMaxIntProjection) mapSlices(); // projections are made with the transforms
   m_modified = true;
   if (m_editor) m_editor->showPair();
   m_recovery->queue();
   updateQuality();
 }
+
+void ZxAlignSlices::restorePair(int editable, int side)
+{
+  // A fixed reference stays where it is, and with one the side may be that of a slice outside the stack.
+  const bool keepsReference = m_fixReference && isInStack(m_referenceSlice) && m_referenceSlice != editable;
+  m_editableSide = keepsReference || isInStack(editable - side) ? side : -side;
+  if (!keepsReference) setReferenceSlice(editable - m_editableSide);
+  setSlice(editable);
+}
+
+bool ZxAlignSlices::isInStack(int slice) const { return slice >= 0 && slice < numSlices(); }
 
 void ZxAlignSlices::mapSlices() { m_data->mapSlices(); }
 
@@ -382,8 +405,7 @@ void ZxAlignSlices::unlockDataMutex() { m_data->dataMutex().unlock(); }
 
 int ZxAlignSlices::doLayout(int mode)
 {
-  const bool hasReference = m_referenceSlice >= 0 && m_referenceSlice < numSlices();
-  if (m_methodRuns || !hasEditableSlice() || !hasReference) return 0;
+  if (m_methodRuns || !hasEditableSlice() || !isInStack(m_referenceSlice)) return 0;
   const std::unique_ptr<ZxAutoAlignMethod> method(m_methods->createAutoAlignMethod(this, mode));
   if (!method) return 0;
   int result = 0;

@@ -5,6 +5,7 @@
 #include "AlignmentOrder.h"
 #include "AlignmentQuality.h"
 #include "AlignmentStorage.h"
+#include "LandmarkTable.h"
 #include "MostFrequentColor.h"
 #include "RigidFit.h"
 #include "mc/McRound.h"
@@ -242,14 +243,25 @@ void ZxAlignSlices::computeMostFrequentColor(const unsigned char* data, int widt
   mostFrequentColor(data, ZxDims{width, height, 1}.slicePixels(), channels, type, color);
 }
 
+namespace {
+
+/// Quality of two images of one size; each is walked by the mapping from the aligned frame into it.
+float qualityOf(const unsigned char* image0, const unsigned char* image1, int width, int height, int channels,
+                const kernels::Affine16& mapping0, const kernels::Affine16& mapping1)
+{
+  const kernels::PairDifference difference = kernels::pairDifference(
+      {image0, width, height}, mapping0, {image1, width, height}, mapping1, width, height, channels);
+  return alignmentQuality(difference, channels, ZxDims{width, height, 1}.slicePixels());
+}
+
+} // namespace
+
 float ZxAlignSlices::computeQuality(const unsigned char* image0, const unsigned char* image1, int width,
                                     int height, int channels, const SliceXForm& xform0,
                                     const SliceXForm& xform1) const
 {
-  const kernels::PairDifference difference = kernels::pairDifference(
-      {image0, width, height}, inverse16(xform0, width, height), {image1, width, height},
-      inverse16(xform1, width, height), width, height, channels);
-  return alignmentQuality(difference, channels, ZxDims{width, height, 1}.slicePixels());
+  return qualityOf(image0, image1, width, height, channels, inverse16(xform0, width, height),
+                   inverse16(xform1, width, height));
 }
 
 float ZxAlignSlices::computeQuality()
@@ -264,9 +276,12 @@ float ZxAlignSlices::computeQuality(const SliceXForm& editable)
   const int n = static_cast<int>(m_slices.size());
   if (!m_data->getLattice() || m_referenceSlice < 0 || m_referenceSlice >= n) return 0.0f;
   const bool colour = m_data->isColorField();
-  return computeQuality(colour ? m_data->getReferenceColorPtr() : m_data->getReferenceSlicePtr(),
-                        colour ? m_data->getEditableColorPtr() : m_data->getEditableSlicePtr(), dims.width,
-                        dims.height, colour ? 4 : 1, getSlice(m_referenceSlice), editable);
+  return qualityOf(
+      colour ? m_data->getReferenceColorPtr() : m_data->getReferenceSlicePtr(),
+      colour ? m_data->getEditableColorPtr() : m_data->getEditableSlicePtr(), dims.width, dims.height,
+      colour ? 4 : 1,
+      inverse16(getSlice(m_referenceSlice), dims.width, dims.height, m_data->getReferenceProjection()),
+      inverse16(editable, dims.width, dims.height, m_data->getEditableProjection()));
 }
 
 void ZxAlignSlices::updateQuality()
@@ -318,9 +333,30 @@ bool ZxAlignSlices::setTransforms(std::span<const ZxAlignTransform> transforms)
     const ZxAlignTransform& t = transforms[i];
     m_slices[i].setXForm(SliceXForm(t.tx, t.ty, t.angleDegrees, t.flip));
   }
-  m_modified = true;
-  updateViews();
+  transformsChanged();
   return true;
+}
+
+void ZxAlignSlices::setTransform(int slice, const SliceXForm& xform)
+{
+  getSlice(slice).setXForm(xform);
+  transformsChanged();
+}
+
+void ZxAlignSlices::resetTransforms(int first, int last)
+{
+  if (numSlices() == 0) return;
+  m_undoRedo.saveState();
+  for (int slice = first; slice <= last; ++slice) getSlice(slice).setXForm(SliceXForm());
+  transformsChanged();
+}
+
+void ZxAlignSlices::transformsChanged()
+{
+  m_modified = true;
+  if (m_useMaxIntProjection) mapSlices(); // projections are made with the transforms
+  if (m_editor) m_editor->showPair();
+  updateQuality();
 }
 
 bool ZxAlignSlices::setLandmarks(std::span<const std::vector<ZxAlignPoint>> landmarks)
@@ -335,6 +371,17 @@ bool ZxAlignSlices::setLandmarks(std::span<const std::vector<ZxAlignPoint>> land
   m_modified = true;
   updateViews();
   return true;
+}
+
+std::string ZxAlignSlices::setLandmarksFrom(const std::string& fileName)
+{
+  if (numSlices() == 0) return "There is no input whose landmarks " + fileName + " could hold.";
+  std::vector<std::vector<ZxAlignPoint>> landmarks;
+  std::string problem = readLandmarkTable(fileName, numSlices(), landmarks);
+  if (!problem.empty()) return problem;
+  m_undoRedo.saveState();
+  setLandmarks(landmarks);
+  return {};
 }
 
 void ZxAlignSlices::selectPair(const ZxAlignPair& pair)

@@ -61,20 +61,20 @@ public:
 
 void QxImageViewer::Private::setZoom(double zoom)
 {
-  const bool changed = zoom != scene.geometry.zoom();
-  scene.geometry.setZoom(zoom);
+  const bool changed = zoom != scene.geometry().zoom();
+  scene.geometry().setZoom(zoom);
   surface->redraw();
   if (changed) Q_EMIT scene.viewer->zoomFactorChanged(static_cast<float>(zoom));
 }
 
 void QxImageViewer::Private::fit()
 {
-  if (fits) setZoom(scene.geometry.fittingZoom());
+  if (fits) setZoom(scene.geometry().fittingZoom());
 }
 
 void QxImageViewer::Private::setImage(QImage image)
 {
-  scene.geometry.setImageSize(image.size());
+  scene.geometry().setImageSize(image.size());
   scene.levels.setImage(std::move(image));
   surface->imageChanged();
   surface->redraw();
@@ -83,7 +83,7 @@ void QxImageViewer::Private::setImage(QImage image)
 
 void QxImageViewer::Private::wheelZoom(const QPointF& position, int steps)
 {
-  QxImageViewerGeometry& geometry = scene.geometry;
+  QxImageViewerGeometry& geometry = scene.geometry();
   if (steps == 0 || geometry.imageSize().isEmpty()) return;
   const double largest = kLargestPixel / std::max(geometry.scaleX(), geometry.scaleY());
   const double width = geometry.imageSize().width() * geometry.scaleX();
@@ -103,9 +103,9 @@ void QxImageViewer::Private::wheelZoom(const QPointF& position, int steps)
 
 void QxImageViewer::Private::hover(const QPointF& position)
 {
-  const QPointF point = scene.geometry.widgetToImage(position);
+  const QPointF point = scene.geometry().widgetToImage(position);
   const QPoint pixel(mc::floorToInt(point.x()), mc::floorToInt(point.y()));
-  if (!QRect(QPoint(0, 0), scene.geometry.imageSize()).contains(pixel)) return noHover();
+  if (!QRect(QPoint(0, 0), scene.geometry().imageSize()).contains(pixel)) return noHover();
   if (hoveredInside && pixel == hovered) return;
   hovered = pixel;
   hoveredInside = true;
@@ -161,25 +161,25 @@ void QxImageViewer::setColorImage(const unsigned char* rgba, int width, int heig
 
 void QxImageViewer::clearImage() { m_private->setImage(QImage()); }
 
-int QxImageViewer::imageWidth() const noexcept { return m_private->scene.geometry.imageSize().width(); }
-int QxImageViewer::imageHeight() const noexcept { return m_private->scene.geometry.imageSize().height(); }
+int QxImageViewer::imageWidth() const noexcept { return m_private->scene.geometry().imageSize().width(); }
+int QxImageViewer::imageHeight() const noexcept { return m_private->scene.geometry().imageSize().height(); }
 
 void QxImageViewer::setPixelScale(float x, float y)
 {
   const auto usable = [](float scale) { return scale > 0.0f && std::isfinite(scale) ? double(scale) : 1.0; };
-  m_private->scene.geometry.setPixelScale(usable(x), usable(y));
+  m_private->scene.geometry().setPixelScale(usable(x), usable(y));
   m_private->surface->redraw();
   m_private->fit();
 }
 
 void QxImageViewer::setTransposed(bool transposed)
 {
-  m_private->scene.geometry.setTransposed(transposed);
+  m_private->scene.geometry().setTransposed(transposed);
   m_private->surface->redraw();
   m_private->fit();
 }
 
-bool QxImageViewer::isTransposed() const noexcept { return m_private->scene.geometry.isTransposed(); }
+bool QxImageViewer::isTransposed() const noexcept { return m_private->scene.geometry().isTransposed(); }
 
 void QxImageViewer::setZoomFactor(float zoom)
 {
@@ -190,7 +190,7 @@ void QxImageViewer::setZoomFactor(float zoom)
 
 float QxImageViewer::getZoomFactor() const noexcept
 {
-  return static_cast<float>(m_private->scene.geometry.zoom());
+  return static_cast<float>(m_private->scene.geometry().zoom());
 }
 
 void QxImageViewer::zoomToFit()
@@ -203,35 +203,35 @@ bool QxImageViewer::isZoomedToFit() const noexcept { return m_private->fits; }
 
 float QxImageViewer::getImageScreenWidth() const noexcept
 {
-  return static_cast<float>(imageWidth() * m_private->scene.geometry.scaleX());
+  return static_cast<float>(imageWidth() * m_private->scene.geometry().scaleX());
 }
 
 float QxImageViewer::getImageScreenHeight() const noexcept
 {
-  return static_cast<float>(imageHeight() * m_private->scene.geometry.scaleY());
+  return static_cast<float>(imageHeight() * m_private->scene.geometry().scaleY());
 }
 
 QPointF QxImageViewer::mapImageToScreen(const QPointF& imagePoint) const
 {
-  const QxImageViewerGeometry& geometry = m_private->scene.geometry;
+  const QxImageViewerGeometry& geometry = m_private->scene.geometry();
   return {imagePoint.x() * geometry.pixelWidth(), imagePoint.y() * geometry.pixelHeight()};
 }
 
 QPointF QxImageViewer::mapWidgetToImage(const QPointF& widgetPoint) const
 {
-  return m_private->scene.geometry.widgetToImage(widgetPoint);
+  return m_private->scene.geometry().widgetToImage(widgetPoint);
 }
 
 QPointF QxImageViewer::mapImageToWidget(const QPointF& imagePoint) const
 {
-  return m_private->scene.geometry.imageToWidget().map(imagePoint);
+  return m_private->scene.geometry().imageToWidget().map(imagePoint);
 }
 
-QTransform QxImageViewer::screenToWidget() const { return m_private->scene.geometry.screenToWidget(); }
+QTransform QxImageViewer::screenToWidget() const { return m_private->scene.geometry().screenToWidget(); }
 
 void QxImageViewer::centerOn(const QPointF& imagePoint)
 {
-  m_private->scene.geometry.centerOn(imagePoint);
+  m_private->scene.geometry().centerOn(imagePoint);
   m_private->surface->redraw();
 }
 
@@ -257,16 +257,10 @@ void QxImageViewer::setTextureLimit(int pixels) { QxOpenGLSurface::setTextureLim
 
 QSize QxImageViewer::sizeHint() const { return {400, 300}; }
 
-void QxImageViewer::paintEvent(QPaintEvent*)
-{
-  // The scale of a screen may change without a resize.
-  m_private->scene.geometry.setViewport(size(), devicePixelRatioF());
-  m_private->surface->paintViewer();
-}
+void QxImageViewer::paintEvent(QPaintEvent*) { m_private->surface->paintViewer(); }
 
 void QxImageViewer::resizeEvent(QResizeEvent*)
 {
-  m_private->scene.geometry.setViewport(size(), devicePixelRatioF());
   if (m_private->surfaceWidget) m_private->surfaceWidget->setGeometry(rect());
   m_private->surface->redraw();
   m_private->fit();
@@ -278,13 +272,13 @@ void QxImageViewer::mousePressEvent(QMouseEvent* event)
   if (!drags) return event->ignore();
   m_private->dragging = true;
   m_private->dragPoint = event->position();
-  if (m_private->scene.geometry.canMove()) setCursor(Qt::ClosedHandCursor);
+  if (m_private->scene.geometry().canMove()) setCursor(Qt::ClosedHandCursor);
 }
 
 void QxImageViewer::mouseMoveEvent(QMouseEvent* event)
 {
-  if (m_private->dragging && m_private->scene.geometry.canMove()) {
-    m_private->scene.geometry.moveBy(event->position() - m_private->dragPoint);
+  if (m_private->dragging && m_private->scene.geometry().canMove()) {
+    m_private->scene.geometry().moveBy(event->position() - m_private->dragPoint);
     m_private->dragPoint = event->position();
     m_private->surface->redraw();
   }
@@ -317,7 +311,7 @@ void QxImageViewer::wheelEvent(QWheelEvent* event)
 void QxImageViewer::keyPressEvent(QKeyEvent* event)
 {
   const auto move = [this](double x, double y) {
-    m_private->scene.geometry.moveBy(QPointF(x, y));
+    m_private->scene.geometry().moveBy(QPointF(x, y));
     m_private->surface->redraw();
   };
   switch (event->key()) {

@@ -161,7 +161,7 @@ void QxOpenGLSurface::paintGL()
 
 void QxOpenGLSurface::drawImage()
 {
-  const QxImageViewerGeometry& geometry = m_scene.geometry;
+  const QxImageViewerGeometry& geometry = m_scene.geometry();
   const double devicePixels = std::max(geometry.pixelWidth(), geometry.pixelHeight()) * devicePixelRatio();
   const int level = m_scene.levels.levelFor(devicePixels);
   const QImage& image = m_scene.levels.level(level);
@@ -189,7 +189,7 @@ void QxOpenGLSurface::drawTile(int level, int column, int row, bool smooth)
   glBindTexture(GL_TEXTURE_2D, textureOf({level, column, row}, image, part));
   setFilter(smooth);
   // The last pixel of a reduction may reach beyond an image of odd size.
-  const QSizeF extent = QSizeF(m_scene.geometry.imageSize()) / (1 << level);
+  const QSizeF extent = QSizeF(m_scene.geometry().imageSize()) / (1 << level);
   drawTextured(QRectF(tile) & QRectF(QPointF(0, 0), extent), part);
 }
 
@@ -209,7 +209,7 @@ void QxOpenGLSurface::drawShapes()
 {
   loadProjection(size(), kLineShift / devicePixelRatio());
   for (QxImageViewerShape* shape : m_scene.shapes) {
-    loadMatrix(m_scene.geometry.screenToWidget());
+    loadMatrix(m_scene.geometry().screenToWidget());
     glPushAttrib(GL_ALL_ATTRIB_BITS);
     glColor3f(1.0f, 1.0f, 1.0f);
     shape->render(m_scene.viewer);

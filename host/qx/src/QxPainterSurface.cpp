@@ -32,7 +32,7 @@ void QxPainterSurface::paint(QPainter& painter)
   if (!m_scene.levels.isEmpty()) paintImage(painter);
   for (QxImageViewerShape* shape : m_scene.shapes) {
     painter.save();
-    painter.setTransform(m_scene.geometry.screenToWidget(), true);
+    painter.setTransform(m_scene.geometry().screenToWidget(), true);
     shape->paint(painter, m_scene.viewer);
     painter.restore();
   }
@@ -40,7 +40,7 @@ void QxPainterSurface::paint(QPainter& painter)
 
 void QxPainterSurface::paintImage(QPainter& painter)
 {
-  const QxImageViewerGeometry& geometry = m_scene.geometry;
+  const QxImageViewerGeometry& geometry = m_scene.geometry();
   const double widest = std::max(geometry.pixelWidth(), geometry.pixelHeight());
   const double devicePixels = widest * m_scene.viewer->devicePixelRatio();
   const int level = m_scene.levels.levelFor(devicePixels);

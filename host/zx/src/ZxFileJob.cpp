@@ -5,6 +5,7 @@
 #include "zx/ZxWorkArea.h"
 
 #include <QCoreApplication>
+#include <algorithm>
 #include <condition_variable>
 #include <filesystem>
 #include <list>
@@ -106,12 +107,16 @@ public:
     return instance;
   }
 
+  /// What is left behind by a thread that the program does not wait for.
+  enum class Leaves { Nothing, Files };
+
   /// Runs work on a new thread; stop makes it end.
-  void start(std::function<void()> work, std::function<void()> stop)
+  void start(Leaves leaves, std::function<void()> work, std::function<void()> stop)
   {
     const std::lock_guard lock(m_mutex);
     joinEnded();
     Worker& worker = m_workers.emplace_back();
+    worker.leaves = leaves;
     worker.stop = std::move(stop);
     worker.thread = std::thread([this, &worker, work = std::move(work)]() mutable {
       work();
@@ -126,21 +131,25 @@ public:
   {
     std::unique_lock lock(m_mutex);
     for (Worker& worker : m_workers) worker.stop();
-    const bool allEnded = m_ended.wait_for(lock, longest, [&] {
-      for (const Worker& worker : m_workers)
-        if (!worker.hasEnded) return false;
-      return true;
-    });
+    m_ended.wait(lock, [&] { return !isWorking(Leaves::Files); });
+    const bool allEnded = m_ended.wait_for(lock, longest, [&] { return !isWorking(Leaves::Nothing); });
     joinEnded();
     return allEnded;
   }
 
 private:
   struct Worker {
+    Leaves leaves = Leaves::Nothing;
     std::thread thread;
     std::function<void()> stop;
     bool hasEnded = false;
   };
+
+  bool isWorking(Leaves leaves) const
+  {
+    return std::any_of(m_workers.begin(), m_workers.end(),
+                       [&](const Worker& worker) { return worker.leaves == leaves && !worker.hasEnded; });
+  }
 
   void joinEnded()
   {
@@ -213,6 +222,7 @@ void startJob(const std::shared_ptr<Shared>& shared, const std::string& title, F
 {
   shared->progress.text = title;
   Workers::all().start(
+      shared->data ? Workers::Leaves::Files : Workers::Leaves::Nothing,
       [shared, title, work = std::move(work)] {
         JobWorkArea<Shared> area(*shared);
         const ZxThreadReports reports(area, [&](const std::string& line) {

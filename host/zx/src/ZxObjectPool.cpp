@@ -1,5 +1,6 @@
 #include "zx/ZxObjectPool.h"
 
+#include "ZxObjectCommands.h"
 #include "zx/ZxMessage.h"
 #include "zx/ZxModule.h"
 
@@ -31,12 +32,20 @@ void ZxObjectPool::tellPortsChanged(ZxModule* module)
 
 std::string ZxObjectPool::freeLabel(const std::string& wanted, const ZxObject& object) const
 {
-  std::string label = wanted;
+  const std::string base = wanted.empty() ? object.getTypeId().name() : wanted;
+  std::string label = base;
+  bool isCommand = false;
   for (int n = 2;; ++n) {
     const ZxObject* const holder = find(label);
-    if (!holder || holder == &object) return label;
-    label = wanted + " (" + std::to_string(n) + ")";
+    const bool isTaken = !holder && ZxObjectCommands::isTaken(label, object);
+    if ((!holder || holder == &object) && !isTaken) break;
+    isCommand |= isTaken;
+    label = base + " (" + std::to_string(n) + ")";
   }
+  if (isCommand)
+    ZxMessage::getTheMsg()->printf("\"%s\" is a command of the interpreter: the object is called \"%s\".",
+                                   base.c_str(), label.c_str());
+  return label;
 }
 
 void ZxObjectPool::add(ZxObject* object)

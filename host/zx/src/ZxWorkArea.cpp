@@ -73,7 +73,9 @@ void ZxWorkArea::setProgressFraction(float fraction)
 bool ZxWorkArea::wasInterrupted(int processEvents)
 {
   if (processEvents) processPendingEvents();
-  return interruptRequested();
+  const bool stops = interruptRequested();
+  if (stops) ++m_interruptions;
+  return stops;
 }
 
 ZxWorkingPhase::ZxWorkingPhase(const char* message) : m_started(!ZxWorkArea::getTheWorkArea()->isWorking())

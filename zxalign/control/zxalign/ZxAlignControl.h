@@ -99,6 +99,11 @@ public:
   /// False, and nothing changes, when there are not as many lists as slices or they differ in length.
   virtual bool setLandmarks(std::span<const std::vector<ZxAlignPoint>> landmarks) = 0;
 
+  /// Does that with the landmarks of a table "slice,index,x,y": pixels of the unflipped slice, whole numbers,
+  /// one row a landmark in any order, every index on every slice; lines that begin with '#' are remarks.
+  /// Empty, or one sentence that names the file, the line and what is wrong.
+  virtual std::string setLandmarksFrom(const std::string& fileName) = 0;
+
   /// Aligns every slice to its neighbour with a method, from the reference slice upwards and then downwards.
   /// Calls done after each pair. Reports progress and stops when the work area is interrupted, or, after a
   /// message, when the method fails: what has been aligned by then stays. Returns the number of pairs done.

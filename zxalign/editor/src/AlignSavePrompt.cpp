@@ -1,5 +1,7 @@
 #include "AlignSavePrompt.h"
 
+#include "qx/QxMainWindow.h"
+#include "zx/ZxMessage.h"
 #include "zx/ZxSkin.h"
 
 #include <QMessageBox>
@@ -8,6 +10,12 @@
 
 AlignSaveAnswer askToSaveAlignment(QWidget* parent, const QString& inputName)
 {
+  const QxMainWindow* host = QxMainWindow::getTheMainWindow();
+  if (host && !host->isVisible()) { // Nobody is there who could answer. The module keeps the alignment.
+    ZxMessage::getTheMsg()->printf("The alignment of %s has changes that are not stored in its parameters.",
+                                   inputName.toUtf8().constData());
+    return AlignSaveAnswer::DontSave;
+  }
   const QString caption = QString::fromStdString(ZxSkin::getGlobalInstance()->getCaption("Main"));
   const QPointer<QMessageBox> box(new QMessageBox(parent)); // The parent may go away while it is open.
   box->setObjectName(QStringLiteral("alignSavePrompt"));

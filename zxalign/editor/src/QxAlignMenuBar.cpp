@@ -251,14 +251,21 @@ void QxAlignMenuBar::borrowKeys()
 {
   QList<QKeySequence> taken;
   for (const Key& key : m_keys) taken += key.item->shortcuts();
-  const QList<QAction*> actions = m_bar->window()->findChildren<QAction*>();
-  for (QAction* action : actions) {
-    const bool ours =
-        isWithin(action, m_editor) ||
-        std::any_of(m_keys.begin(), m_keys.end(), [action](const Key& key) { return key.item == action; });
-    const QList<QKeySequence> before = action->shortcuts();
-    if (!ours && removeKeys(*action, taken)) m_borrowed.push_back({action, before});
-  }
+  const auto isOurs = [this](const QAction* action) {
+    return isWithin(action, m_editor) ||
+           std::any_of(m_keys.begin(), m_keys.end(), [action](const Key& key) { return key.item == action; });
+  };
+  const auto borrowFrom = [&](const QWidget& widget) {
+    const QList<QAction*> actions = widget.actions();
+    for (QAction* action : actions) {
+      const QList<QKeySequence> before = action->shortcuts();
+      if (!isOurs(action) && removeKeys(*action, taken)) m_borrowed.push_back({action, before});
+    }
+  };
+  const QWidget* window = m_bar->window();
+  borrowFrom(*window);
+  const QList<QWidget*> widgets = window->findChildren<QWidget*>();
+  for (const QWidget* widget : widgets) borrowFrom(*widget);
 }
 
 void QxAlignMenuBar::giveKeysBack()

@@ -15,6 +15,7 @@
 #include "zxalign/QxAutoAlignToolBar.h"
 #include "zxalign/QxDrawAlignSlices.h"
 #include "zxalign/QxOrthoViewManager.h"
+#include "zxalign/QxPairQualityDock.h"
 #include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignSlices.h"
 
@@ -42,6 +43,7 @@ QxAlignSlices::QxAlignSlices(ZxAlignSlices* module)
   connectDrawArea();
   makeHistory();
   placeInMainWindow();
+  createPanels();
   showSide();
   updateViews();
 }
@@ -168,6 +170,8 @@ void QxAlignSlices::connectHistory()
   connect(history, &History::redoEmpty, menus, &Menus::redoEmpty);
   connect(history, &History::undoNotEmpty, menus, &Menus::undoNotEmpty);
   connect(history, &History::redoNotEmpty, menus, &Menus::redoNotEmpty);
+  // A state is saved before every change, also by the view, which moves landmarks by itself.
+  connect(history, &History::undoNotEmpty, this, [this] { m_module->setModified(true); });
   connect(history, &History::undoNotEmpty, this, &QxAlignSlices::edited);
   connect(history, &History::redoNotEmpty, this, &QxAlignSlices::edited);
 }
@@ -179,6 +183,16 @@ void QxAlignSlices::placeInMainWindow()
   addToolBar(m_alignToolBar);
   addToolBar(m_autoAlignToolBar);
   m_transformToolBar->hide();
+}
+
+void QxAlignSlices::createPanels()
+{
+  auto* pairQuality = new QxPairQualityDock(*this);
+  addDockWidget(Qt::RightDockWidgetArea, pairQuality);
+  pairQuality->hide();
+  QToolBar* panels = addToolBar("Panels");
+  panels->setObjectName("panelToolBar");
+  panels->addAction(pairQuality->toggleViewAction());
 }
 
 void QxAlignSlices::leaveMainWindow()
@@ -236,15 +250,18 @@ void QxAlignSlices::showSlicePair()
     unsigned char* display;
     unsigned char* grey;
     SliceInfo* info;
+    std::optional<SliceXForm> placed;
   };
-  Image first{colour ? slices.getEditableColorPtr() : slices.getEditableSlicePtr(), slices.getEditableSlicePtr(),
-              &currentSlice()};
+  Image first{colour ? slices.getEditableColorPtr() : slices.getEditableSlicePtr(),
+              slices.getEditableSlicePtr(), &currentSlice(), slices.getEditableProjection()};
   Image second{colour ? slices.getReferenceColorPtr() : slices.getReferenceSlicePtr(),
-               slices.getReferenceSlicePtr(), &m_module->getSlice(m_module->getReferenceSlice())};
+               slices.getReferenceSlicePtr(), &m_module->getSlice(m_module->getReferenceSlice()),
+               slices.getReferenceProjection()};
   if (m_module->getEditableSide() == 1) std::swap(first, second); // First is the lower slice of the pair.
   m_drawArea->paintSlice(slices.getDims().width, slices.getDims().height, first.display, second.display,
                          first.grey, second.grey, *first.info, *second.info, colour ? 4 : 1,
                          m_module->getEditableSlice());
+  m_drawArea->setPlaced(first.placed, second.placed);
 }
 
 void QxAlignSlices::updateToolbar()

@@ -34,19 +34,11 @@ bool QxAlignSlices::acceptsEdit()
 
 void QxAlignSlices::saveState() { m_undoRedo->saveState(); }
 
-void QxAlignSlices::showEdit()
-{
-  m_module->setModified(true);
-  updateViews();
-  m_module->updateQuality();
-}
-
 void QxAlignSlices::reset()
 {
   if (!acceptsEdit()) return;
   saveState();
   currentSlice().setXForm(SliceXForm());
-  m_module->setModified(true);
   m_module->mapSlices();
   updateViews();
   const int current = m_module->getEditableSlice();
@@ -59,7 +51,6 @@ void QxAlignSlices::resetAll()
   if (!acceptsEdit()) return;
   saveState();
   for (SliceInfo& slice : m_module->slices()) slice.setXForm(SliceXForm());
-  m_module->setModified(true);
   m_module->mapSlices();
   updateViews();
   m_orthoViews->updateView();
@@ -69,8 +60,10 @@ void QxAlignSlices::resetAll()
 void QxAlignSlices::read()
 {
   if (!acceptsEdit()) return;
+  const bool wasModified = m_module->isModified();
   saveState();
-  m_drawArea->clearSelection(); // There may be fewer landmarks now.
+  m_module->setModified(wasModified); // What is read is stored.
+  m_drawArea->clearSelection();       // There may be fewer landmarks now.
   m_module->readTransform();
   updateViews();
   m_orthoViews->updateView();
@@ -79,7 +72,7 @@ void QxAlignSlices::read()
 
 void QxAlignSlices::save()
 {
-  if (acceptsEdit() && m_module->saveAlignment()) Q_EMIT settled();
+  if (acceptsEdit()) m_module->saveAlignment();
 }
 
 void QxAlignSlices::apply()
@@ -92,7 +85,6 @@ void QxAlignSlices::mirror()
   if (!acceptsEdit()) return;
   saveState();
   currentSlice().flip = !currentSlice().flip;
-  m_module->setModified(true);
   updateViews();
   updateOrthoViews(0, 0, false, false, true, false);
   m_module->updateQuality();
@@ -103,7 +95,8 @@ void QxAlignSlices::writeTransform(const SliceXForm& xform)
   if (!acceptsEdit()) return;
   saveState();
   currentSlice().setXForm(xform);
-  showEdit();
+  updateViews();
+  m_module->updateQuality();
 }
 
 void QxAlignSlices::toolBarTranslateX(int t)
@@ -163,7 +156,6 @@ void QxAlignSlices::moveByKey(int dx, int dy)
   if (!acceptsEdit()) return;
   saveState();
   m_module->translateAll(static_cast<float>(dx), static_cast<float>(dy));
-  m_module->setModified(true);
   updateToolbar();
   updateOrthoViews(dx, dy, true, false, false, false);
   m_module->updateQuality();
@@ -175,7 +167,6 @@ void QxAlignSlices::turnByKey(float degrees)
   if (!acceptsEdit()) return;
   saveState();
   m_module->rotateAll(degrees);
-  m_module->setModified(true);
   updateOrthoViews(0, 0, false, true, false, false);
   m_module->updateQuality();
 }
@@ -185,7 +176,6 @@ void QxAlignSlices::addPoint(QPoint point)
   if (!acceptsEdit()) return;
   saveState();
   m_module->addPoint(point);
-  m_module->setModified(true);
   m_drawArea->updateViewport();
 }
 
@@ -194,7 +184,6 @@ void QxAlignSlices::removePoint(int index)
   if (!acceptsEdit()) return;
   saveState();
   m_module->removePoint(index);
-  m_module->setModified(true);
   m_drawArea->updateViewport();
 }
 
@@ -203,7 +192,6 @@ void QxAlignSlices::movePoints(QPoint offset, int index)
   if (!acceptsEdit()) return;
   saveState();
   m_module->movePoints(offset, index);
-  m_module->setModified(true);
   m_drawArea->updateViewport();
 }
 

@@ -4,7 +4,7 @@
 #include "mc/McRound.h"
 #include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
-#include "zxalign/QxAlignMenuBar.h"
+#include "zxalign/AlignRecovery.h"
 #include "zxalign/QxAlignSlices.h"
 #include "zxalign/QxAlignUndoRedo.h"
 #include "zxalign/QxAutoAlignToolBar.h"
@@ -32,7 +32,8 @@ void QxAlignSlices::sliceChange(float slice)
 {
   const int s = mc::addHalfAndTrunc(static_cast<double>(slice));
   if (s == m_module->getEditableSlice()) return;
-  if (!acceptsEdit() || !isInStack(s)) return updateToolbar();
+  const bool isBelow = slice <= -0.5f; // which the rounding towards zero would hide
+  if (!acceptsEdit() || isBelow || !isInStack(s)) return updateToolbar();
   if (m_module->isReferenceFixed())
     passReference(s);
   else
@@ -201,7 +202,7 @@ bool QxAlignSlices::askAndClose()
     if (answer == AlignSaveAnswer::None) return true; // Nothing was decided: the window stays where it is.
     if (answer == AlignSaveAnswer::Save) save();
     if (answer == AlignSaveAnswer::Save && m_module->isModified()) return false; // A message says why.
-    if (answer == AlignSaveAnswer::DontSave) Q_EMIT settled();
+    if (answer == AlignSaveAnswer::DontSave) m_module->recovery().forget();
   }
   setActive(false);
   return true;

@@ -2,6 +2,7 @@
 
 #include "qx/ZxResource.h"
 
+#include <QCoreApplication>
 #include <QPaintEngine>
 #include <QPaintEvent>
 #include <QPixmap>
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -107,12 +109,20 @@ void QxDrawAlignSlices::paintSlice(int width, int height, unsigned char* display
              {greyFirst, greySecond},
              {&first, &second},
              {first, second},
+             {},
              firstIndex};
   m->palette.buildIfEmpty(first.landmarks.size());
   m->fitScreenImage();
   m->layOutScrollBars();
   m->dropStaleSelection();
   viewport()->update();
+}
+
+void QxDrawAlignSlices::setPlaced(const std::optional<SliceXForm>& first,
+                                  const std::optional<SliceXForm>& second)
+{
+  m->pair.placed = {first, second};
+  m->requestPaint();
 }
 
 void QxDrawAlignSlices::forgetPair()
@@ -173,6 +183,15 @@ void QxDrawAlignSlices::drawImageSize(float scaleX, float scaleY, bool light, in
 McVec2f QxDrawAlignSlices::mapWindowToImage(int x, int y) const
 {
   return m->geometry().windowToImage({x, y});
+}
+
+void QxDrawAlignSlices::addSuppression(int delta)
+{
+  const bool wasSuppressed = m->suppressed > 0;
+  const auto sum = static_cast<std::int64_t>(m->suppressed) + delta;
+  m->suppressed = static_cast<int>(
+      std::clamp(sum, std::int64_t{0}, static_cast<std::int64_t>(std::numeric_limits<int>::max() / 2)));
+  if (wasSuppressed && m->suppressed == 0) updateViewport();
 }
 
 void QxDrawAlignSlices::suppressUpdates() { ++m->suppressed; }
@@ -266,6 +285,9 @@ void QxDrawAlignSlices::Internals::layOutScrollBars()
     const QSize visible = fits ? whole : view.viewport()->size();
     setRange(*view.horizontalScrollBar(), contents.width(), visible.width());
     setRange(*view.verticalScrollBar(), contents.height(), visible.height());
+    // The bars would come and go in the next turn of the event loop only, too late for centring.
+    QEvent layOut(QEvent::LayoutRequest);
+    QCoreApplication::sendEvent(&view, &layOut);
     if (view.viewport()->size() == visible) return;
   }
 }

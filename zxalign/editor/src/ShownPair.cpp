@@ -40,7 +40,7 @@ kernels::Affine16 inverseOf(const ShownPair& pair, std::size_t slice, float zoom
 {
   const McVec2f centre = pair.centre();
   QTransform m;
-  pair.transform(slice).getInverseMatrix(m, centre.x, centre.y);
+  pair.transform(slice).getImageMatrix(m, pair.placed[slice], centre.x, centre.y);
   const double scale = 1.0 / zoom;
   return {mc::toFixed16(m.m11() * scale), mc::toFixed16(m.m12() * scale), mc::toFixed16(m.m21() * scale),
           mc::toFixed16(m.m22() * scale), mc::toFixed16(m.dx()),          mc::toFixed16(m.dy())};

@@ -8,16 +8,18 @@
 #include <QSize>
 
 #include <array>
+#include <optional>
 
 /// The two slices that a view shows: borrowed images and records, and the view's own copy of the transforms.
 /// Index 0 is the first slice, 1 the second.
 struct ShownPair {
-  QSize size;                                    ///< of both slices, in pixels
-  int bytesPerPixel = 1;                         ///< of the display images
-  std::array<const unsigned char*, 2> display{}; ///< borrowed
-  std::array<const unsigned char*, 2> grey{};    ///< borrowed
-  std::array<SliceInfo*, 2> records{};           ///< borrowed; null as long as there is no pair
-  std::array<SliceXForm, 2> transforms;          ///< the flips are the records'
+  QSize size;                                      ///< of both slices, in pixels
+  int bytesPerPixel = 1;                           ///< of the display images
+  std::array<const unsigned char*, 2> display{};   ///< borrowed
+  std::array<const unsigned char*, 2> grey{};      ///< borrowed
+  std::array<SliceInfo*, 2> records{};             ///< borrowed; null as long as there is no pair
+  std::array<SliceXForm, 2> transforms;            ///< the flips are the records'
+  std::array<std::optional<SliceXForm>, 2> placed; ///< how the slices lie in their images already
   int firstIndex = 0;
 
   bool isEmpty() const { return !records[0] || !records[1]; }

@@ -4,6 +4,8 @@
 
 #include <QTransform>
 
+#include <optional>
+
 struct SliceInfo;
 
 /// The rigid transform of one slice: where it lies in the common aligned frame. A plain value; the default is
@@ -35,6 +37,10 @@ struct SliceXForm {
   void getMatrix(QTransform& m, float cx, float cy) const;
   /// Sets m to its exact inverse, aligned frame to slice.
   void getInverseMatrix(QTransform& m, float cx, float cy) const;
+  /// Sets m to the mapping from the aligned frame into an image of the slice. In the image the slice may lie
+  /// in the aligned frame already, placed by a transform, as in a projection: then only its motion since
+  /// counts.
+  void getImageMatrix(QTransform& m, const std::optional<SliceXForm>& placed, float cx, float cy) const;
   /// The forward and the inverse image of a point, computed in double precision.
   McVec2f map(const McVec2f& p, float cx, float cy) const;
   McVec2f mapInverse(const McVec2f& p, float cx, float cy) const;

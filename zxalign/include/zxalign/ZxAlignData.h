@@ -6,12 +6,15 @@
 #include "zx/ZxBox3.h"
 #include "zx/ZxData.h"
 #include "zx/ZxMutex.h"
+#include "zxalign/SliceXForm.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 class ZxAlignSlices;
 class ZxLabelLattice;
+struct SliceMapping;
 
 /// The slices of the module's input as 8-bit images: of the editable and of the reference slice, grey through
 /// the module's data window, and as RGBA copies of colour input; besides the raw data and the mask of any
@@ -66,11 +69,19 @@ public:
   /// Copies a whole slice in its own type into a buffer of this object, which the next call overwrites. Null,
   /// after a message, when it cannot be read. Takes the data mutex.
   unsigned char* getOriginalDataPtr(int slice);
+  /// The transform with which a slice lies in its image already: in the aligned frame, as projections are
+  /// made. None for an image of the slice as it is.
+  std::optional<SliceXForm> getEditableProjection() const { return m_editableProjection; }
+  std::optional<SliceXForm> getReferenceProjection() const { return m_referenceProjection; }
+
   /// Bit y * width + x (lowest bit of a byte first) is set where the mask's label is not 0; empty without a
   /// mask. Takes the data mutex.
   std::vector<std::uint8_t> getMaskBitfield(int slice);
 
   ZxMutex& dataMutex() noexcept { return m_mutex; }
+
+  /// How slices are mapped at present.
+  SliceMapping mapping() const;
 
 private:
   enum class Role { Editable, Reference };
@@ -78,10 +89,8 @@ private:
   void mapSlice(Role role);
   void tellUnreadable(int slice) const;
   void mapNormally(int slice, McDArray<unsigned char>& grey, McDArray<unsigned char>& colour);
-  void mapGrey(const unsigned char* raw, float min, float scale, McDArray<unsigned char>& grey) const;
   void project(int first, int last, McDArray<unsigned char>& grey);
   void projectionRange(Role role, int& first, int& last) const;
-  void window(float& min, float& scale) const;
 
   ZxAlignSlices* m_module; // borrowed
   ZxLattice* m_lattice = nullptr;
@@ -95,5 +104,7 @@ private:
   McDArray<unsigned char> m_rawSlice;
   int m_editableSlice = -1;
   int m_referenceSlice = -1;
+  std::optional<SliceXForm> m_editableProjection;
+  std::optional<SliceXForm> m_referenceProjection;
   ZxMutex m_mutex;
 };

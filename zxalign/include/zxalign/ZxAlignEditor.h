@@ -2,6 +2,7 @@
 
 #include <memory>
 
+class ZxAlignEditorScripting;
 class ZxAlignSlices;
 struct SliceInfo;
 
@@ -17,6 +18,8 @@ public:
 
   virtual ~ZxAlignEditor() = default;
 
+  /// What scripts ask of the window; null for one that answers no scripts.
+  virtual ZxAlignEditorScripting* scripting() noexcept { return nullptr; }
   /// Redraws all views of the pair.
   virtual void updateViews() = 0;
   /// Shows another transform of the editable slice.

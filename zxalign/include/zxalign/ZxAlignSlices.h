@@ -38,6 +38,9 @@ public:
   const McTypeInfo& getTypeId() const override { return getClassTypeId(); }
   void update() override;
   void compute() override;
+  /// The commands of AlignCommands.h before those of every module.
+  int parse(Tcl_Interp* interp, int argc, char** argv) override;
+  std::vector<ZxCommandHelp> commands() const override;
 
   ZxConnection portMask;
   ZxConnection portLabelField;
@@ -70,12 +73,16 @@ public:
   /// Writes the data window, maps both slices and redraws.
   void setRangeCurrent(float min, float max);
   void setUseMaxIntProjection(bool on);
+  /// Numbers of slices that are projected, at least 1 each.
+  void setProjectionThickness(int reference, int editable);
   bool usesMaxIntProjection() const noexcept { return m_useMaxIntProjection; }
   int getReferenceProjectionThickness() const noexcept { return m_referenceThickness; }
   int getEditableProjectionThickness() const noexcept { return m_editableThickness; }
   /// The input lattice, or null.
   ZxLattice* getDataLattice() const noexcept;
   ZxAlignData& sliceData() noexcept { return *m_data; }
+  /// The data whose labels are the mask that is in use, or null.
+  const McHandle<ZxData>& maskSource() const noexcept { return m_maskSource; }
   unsigned char* getComputedEditableSlicePtr();
   unsigned char* getComputedReferenceSlicePtr();
   /// The mutex that guards the input lattice and the images; not recursive.
@@ -146,6 +153,11 @@ public:
   /// the input are used where one of them is 0.
   void calculateOrigin(int* xBorders, int* yBorders, int width, int height) const;
 
+  /// Gives one slice a transform and shows it.
+  void setTransform(int slice, const SliceXForm& xform);
+  /// Takes away the transforms of the slices first to last, as a change that can be taken back.
+  void resetTransforms(int first, int last);
+
   // Landmarks: every slice has the same number, each operation changes all slices. A file may have given some
   // slices fewer: those without a landmark of that index are left alone.
   void addPoint(QPoint p);
@@ -189,6 +201,7 @@ public:
   std::vector<ZxAlignTransform> transforms() const override;
   bool setTransforms(std::span<const ZxAlignTransform> transforms) override;
   bool setLandmarks(std::span<const std::vector<ZxAlignPoint>> landmarks) override;
+  std::string setLandmarksFrom(const std::string& fileName) override;
   int alignAll(int method, int reference, const std::function<void(const ZxAlignPairResult&)>& done) override;
   /// A run over the whole stack, pair by pair in the order of alignAll(), as the editor makes it: select
   /// makes a pair the current one, and the flags stay as they are. With a fixed reference every slice is
@@ -219,12 +232,18 @@ private:
   void computeReference();
   void computeAction();
   void computeMaxIntNumSlices();
+  /// False when nothing changes by it.
+  bool useThickness(int reference, int editable);
 
   /// The slices that a change of the editable one affects: calls change for each, the editable one first.
   template <class Change>
   void forAffectedSlices(Change change);
+  bool isInStack(int slice) const;
   bool hasEditableSlice() const noexcept;
+  void restorePair(int editable, int side);
   void showEditableSlice();
+  /// Shows transforms that were set from outside.
+  void transformsChanged();
   void selectPair(const ZxAlignPair& pair);
   /// False when the method failed.
   bool alignPair(const ZxAlignPair& pair, int method, ZxAlignPairResult& result);

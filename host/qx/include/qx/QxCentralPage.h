@@ -1,5 +1,7 @@
 #pragma once
 
+class ZxObject;
+
 /// A page of the main window's centre that may hold unsaved work. A page widget derives from it as well; the
 /// main window asks every page of its stack that does before it closes.
 class QxCentralPage {
@@ -7,4 +9,6 @@ public:
   virtual ~QxCentralPage() = default;
   /// Asks the user, if need be, what becomes of unsaved work. False: everything stays open.
   virtual bool canClose() = 0;
+  /// The module or data that the page edits: it is asked before that is removed, too. Null: none.
+  virtual const ZxObject* editedObject() const { return nullptr; }
 };

@@ -17,6 +17,9 @@ public:
   ZxParamBundle& parameters() noexcept { return m_parameters; }
   const ZxParamBundle& parameters() const noexcept { return m_parameters; }
 
+  int parse(Tcl_Interp* interp, int argc, char** argv) override;
+  std::vector<ZxCommandHelp> commands() const override;
+
   /// Says that the data or its parameters have changed: they count as unsaved from now on.
   void touch();
   bool isUnsaved() const noexcept { return m_changes != m_saved; }
@@ -50,6 +53,9 @@ class ZxSpatialData : public ZxData {
 public:
   static const McTypeInfo& getClassTypeId();
   const McTypeInfo& getTypeId() const override { return getClassTypeId(); }
+
+  int parse(Tcl_Interp* interp, int argc, char** argv) override;
+  std::vector<ZxCommandHelp> commands() const override;
 
   /// The lattice, owned by this object; null when it has none.
   virtual ZxLattice* getLattice() noexcept { return nullptr; }

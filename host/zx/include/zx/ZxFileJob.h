@@ -53,8 +53,9 @@ public:
   /// The sentence of a job that failed or was stopped.
   std::string problem() const;
 
-  /// Stops all jobs and waits for their threads, those of deleted jobs too. False when one still works after
-  /// that time: the program then must end without destroying what the thread uses (std::_Exit).
+  /// Stops all jobs and waits for their threads, those of deleted jobs too: for those that write until they
+  /// have cleaned up, for those that read for that time. False when one still reads then: the program must
+  /// end without destroying what the thread uses (std::_Exit).
   static bool stopAll(std::chrono::milliseconds longest);
 
 private:

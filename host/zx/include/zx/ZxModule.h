@@ -16,6 +16,10 @@ public:
   static const McTypeInfo& getClassTypeId();
   const McTypeInfo& getTypeId() const override { return getClassTypeId(); }
 
+  /// The commands of a module and, by name, of its ports.
+  int parse(Tcl_Interp* interp, int argc, char** argv) override;
+  std::vector<ZxCommandHelp> commands() const override;
+
   /// The primary input.
   ZxConnection portData;
 
@@ -67,6 +71,11 @@ public:
   static const McTypeInfo& getClassTypeId();
   const McTypeInfo& getTypeId() const override { return getClassTypeId(); }
 
+  int parse(Tcl_Interp* interp, int argc, char** argv) override;
+  std::vector<ZxCommandHelp> commands() const override;
+
+  /// Slots from 0 that have held a result.
+  int getNumResults() const noexcept { return static_cast<int>(m_results.size()); }
   /// The result in a slot, or null. A result that was removed from the pool is no result any more.
   ZxData* getResult(int slot = 0) const noexcept;
   /// Puts a result into a slot and into the pool.

@@ -22,6 +22,9 @@ public:
   const std::string& getName() const noexcept { return m_name; }
   const std::string& getLabel() const noexcept { return m_label; }
   ZxModule* getOwner() const noexcept { return m_owner; }
+  /// What the port is for, with the unit of its values: one or two sentences for a person. May be empty.
+  const std::string& getTip() const noexcept { return m_tip; }
+  void setTip(std::string tip) { m_tip = std::move(tip); }
   /// True inside a compute() pass when the port has changed since the pass before.
   bool isNew() const noexcept { return m_newInPass; }
   /// Says that the port has changed.
@@ -31,6 +34,12 @@ public:
   void setVisible(bool visible);
   bool isSensitive() const noexcept { return m_sensitive; }
   void setSensitive(bool sensitive);
+
+  /// Answers a command of the interpreter: words are the module, the port, the command and its arguments.
+  /// Setting a value marks the port as changed and runs no pass: `MODULE fire` does. During a pass it waits
+  /// for its end, and a pass of its own follows.
+  virtual int parse(Tcl_Interp* interp, std::span<char* const> words) = 0;
+  virtual std::vector<ZxCommandHelp> commands() const = 0;
 
 protected:
   /// Tells those who show the port that something about it has changed that is no new value.
@@ -46,6 +55,7 @@ private:
   ZxModule* m_owner;
   std::string m_name;
   std::string m_label;
+  std::string m_tip;
   bool m_changed = false;
   bool m_newInPass = false;
   bool m_visible = true;
@@ -57,6 +67,8 @@ class ZxConnection : public ZxPort {
 public:
   ZxConnection(ZxModule* owner, const char* name, std::vector<const McTypeInfo*> accepted);
 
+  int parse(Tcl_Interp* interp, std::span<char* const> words) override;
+  std::vector<ZxCommandHelp> commands() const override;
   const std::vector<const McTypeInfo*>& acceptedTypes() const noexcept { return m_accepted; }
   bool accepts(const ZxObject& object) const;
   /// Connects to an object. False, and nothing changes, when its type is not accepted.
@@ -82,6 +94,8 @@ public:
     float value;
   };
   ZxPortFloatTextN(ZxModule* owner, const char* name, const char* label, std::vector<Field> fields);
+  int parse(Tcl_Interp* interp, std::span<char* const> words) override;
+  std::vector<ZxCommandHelp> commands() const override;
   int getNum() const noexcept { return static_cast<int>(m_fields.size()); }
   const std::string& getFieldLabel(int i) const noexcept
   {
@@ -99,6 +113,8 @@ class ZxPortMultiMenu : public ZxPort {
 public:
   ZxPortMultiMenu(ZxModule* owner, const char* name, const char* label, std::vector<std::string> entries,
                   int index);
+  int parse(Tcl_Interp* interp, std::span<char* const> words) override;
+  std::vector<ZxCommandHelp> commands() const override;
   const std::vector<std::string>& getEntries() const noexcept { return m_entries; }
   int getValue() const noexcept { return m_index; }
   /// Out-of-range indices are ignored.
@@ -113,6 +129,8 @@ private:
 class ZxPortButtonList : public ZxPort {
 public:
   ZxPortButtonList(ZxModule* owner, const char* name, const char* label, std::vector<std::string> buttons);
+  int parse(Tcl_Interp* interp, std::span<char* const> words) override;
+  std::vector<ZxCommandHelp> commands() const override;
   int getNum() const noexcept { return static_cast<int>(m_buttons.size()); }
   const std::string& getButtonLabel(int i) const noexcept
   {

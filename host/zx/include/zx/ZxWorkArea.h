@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 /// Progress of long work: text, fraction, busy indicator and the user's wish to stop.
@@ -34,6 +35,8 @@ public:
   /// True when the user wants the current work to stop. With an argument other than 0 pending events are
   /// handled first, so that a Stop button can be pressed at all.
   bool wasInterrupted(int processEvents = 0);
+  /// How often wasInterrupted() has said yes: who has called work knows by this whether it was stopped.
+  std::int64_t numInterruptions() const noexcept { return m_interruptions; }
   /// Asked once before the step that cannot be undone, such as renaming a file into place. False when the
   /// user wants to stop; after true it is too late for that.
   virtual bool beginLastStep() { return !wasInterrupted(); }
@@ -54,6 +57,7 @@ private:
   float m_fraction = 0.0f;
   int m_busy = 0;
   bool m_working = false;
+  std::int64_t m_interruptions = 0;
 };
 
 /// A working phase for the time that this object lives. Inside a phase that someone else has started it

@@ -5,6 +5,7 @@
 #include "qx/QxCentralPage.h"
 #include "zxalign/SliceInfo.h"
 #include "zxalign/ZxAlignEditor.h"
+#include "zxalign/ZxAlignEditorScripting.h"
 
 #include <QList>
 #include <QMainWindow>
@@ -33,7 +34,10 @@ struct ZxAlignPair;
 /// and every change is shown by all its parts: slice view, three toolbars, menus, orthogonal views. The
 /// module owns the window and outlives it. Distances are pixels of the slices, y downwards; angles degrees;
 /// slices are counted from 0. Without an input the window shows nothing and every edit is refused.
-class QxAlignSlices : public QMainWindow, public ZxAlignEditor, public QxCentralPage {
+class QxAlignSlices : public QMainWindow,
+                      public ZxAlignEditor,
+                      public ZxAlignEditorScripting,
+                      public QxCentralPage {
   Q_OBJECT
 public:
   /// How a pair is edited.
@@ -63,12 +67,13 @@ public:
   /// Those of the toolbars that are visible: slices and zoom, modes and actions, transform.
   QList<QToolBar*> getVisibleToolbar() const;
   /// The automatic method of "Align current pair": an AlignMode, or the id of a plug-in's method.
-  int getAlignMode() const noexcept { return m_alignMode; }
+  int getAlignMode() const noexcept override { return m_alignMode; }
   int getChessFieldSize() const noexcept { return m_chessFieldSize; }
   /// Edge length of the checkerboard's tiles in screen pixels; positive.
-  void setChessFieldSize(int size);
+  void setChessFieldSize(int size) override;
 
   // ZxAlignEditor
+  ZxAlignEditorScripting* scripting() noexcept override { return this; }
   /// Redraws the pair and brings the toolbars up to date.
   void updateViews() override;
   void setSliceInfo(const SliceInfo& info) override;
@@ -81,6 +86,15 @@ public:
   void undoNotEmpty() override;
   void redoEmpty() override;
   void redoNotEmpty() override;
+
+  // ZxAlignEditorScripting, as far as there is no slot for it
+  void chooseEditMode(int mode) override;
+  void chooseViewMode(int mode) override;
+  void inhibitRedraw(int delta) override;
+  void setOrthoViewZWindow(int halfWidth) override;
+  void setOrthoViewAutoUpdate(bool on) override;
+  void updateOrthogonalViews() override;
+  std::string snapshot(const std::string& fileName) override;
 
   // QxCentralPage
   /// As cancel().
@@ -103,63 +117,61 @@ public:
   void enableButtons();
   void disableButtons();
   /// Schedules a repaint of the slice view.
-  void draw();
+  void draw() override;
 
 Q_SIGNALS:
   void chessSignal(int fieldSize);
   /// The alignment is about to change, or has changed; what follows it looks when the event loop is back.
   void edited();
-  /// The alignment is stored, or its changes were given up on purpose.
-  void settled();
 
 public Q_SLOTS:
   /// Takes away the current slice's transform.
-  void reset();
+  void reset() override;
   /// Takes away the transforms of all slices.
-  void resetAll();
-  void transformAll();
-  void fixReference();
+  void resetAll() override;
+  void transformAll() override;
+  void fixReference() override;
   /// Reads the stored alignment from the input's parameters.
-  void read();
+  void read() override;
   /// Stores the alignment in the input's parameters.
-  void save();
+  void save() override;
   /// Resamples into a new result.
   void apply();
   /// Asks what to do with unsaved changes, if there are any, and puts the window away. False when it stays.
   bool cancel() override;
-  void changeAlignMode(int mode);
+  void changeAlignMode(int mode) override;
   /// The options dialog, modal.
   void showParameters();
   /// Aligns the current pair.
-  void doAutoAlign();
+  void doAutoAlign() override;
   /// Aligns the whole stack, outwards from the reference slice. One undo takes it back.
-  void doAllAutoAlign();
+  void doAllAutoAlign() override;
   /// Goes to another slice; slices outside the stack are refused.
-  void sliceChange(float slice);
+  void sliceChange(float slice) override;
   void setActive(bool visible) override;
   void addPoint(QPoint point);
   void removePoint(int index);
   void movePoints(QPoint offset, int index);
   /// -1: the lower slice of the pair is edited, +1: the upper one.
-  void setEditableSlice(int side);
+  void setEditableSlice(int side) override;
   void setEditMode(int mode);
   /// Flips the current slice.
-  void mirror();
+  void mirror() override;
   void chess();
-  void showTransformToolBar(bool visible);
-  void showCoronalView(bool visible);
-  void showSagittalView(bool visible);
-  void orthoViewZoomIn();
-  void orthoViewZoomOut();
-  void viewZoomIn();
-  void viewZoomOut();
-  void setSagittalViewSliceNumber(int number);
-  int getSagittalViewSliceNumber();
-  void setCoronalViewSliceNumber(int number);
-  int getCoronalViewSliceNumber();
-  void setOrthoViewLineWidth(int value);
+  void showTransformToolBar(bool visible) override;
+  void showCoronalView(bool visible) override;
+  void showSagittalView(bool visible) override;
+  void orthoViewZoomIn() override;
+  void orthoViewZoomOut() override;
+  void viewZoomIn() override;
+  void viewZoomOut() override;
+  void setSagittalViewSliceNumber(int number) override;
+  int getSagittalViewSliceNumber() override;
+  void setCoronalViewSliceNumber(int number) override;
+  int getCoronalViewSliceNumber() override;
+  void setOrthoViewLineWidth(int value) override;
   void setUseMaxIntProjection(bool on) override;
-  int getEditMode();
+  int getEditMode() override;
   // Edits of the transform toolbar. They leave the orthogonal views as they are, deliberately: whoever types
   // through values waits for none of them.
   void toolBarTranslateX(int t);
@@ -189,6 +201,7 @@ private:
   void connectHistory();
   void makeHistory();
   void placeInMainWindow();
+  void createPanels();
   void leaveMainWindow();
 
   int numSlices() const;
@@ -203,8 +216,6 @@ private:
   void showSlicePair();
 
   void saveState();
-  /// After a change of the current slice alone: module, views, quality.
-  void showEdit();
   void writeTransform(const SliceXForm& xform);
   void moveByKey(int dx, int dy);
   void turnByKey(float degrees);

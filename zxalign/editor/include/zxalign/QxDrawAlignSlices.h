@@ -2,12 +2,14 @@
 
 #include "mc/McDArray.h"
 #include "mc/McVec2f.h"
+#include "zxalign/SliceXForm.h"
 
 #include <QAbstractScrollArea>
 #include <QPoint>
 #include <QPointer>
 
 #include <memory>
+#include <optional>
 
 class QxAlignUndoRedo;
 struct SliceInfo;
@@ -61,6 +63,9 @@ public:
   void paintSlice(int width, int height, unsigned char* displayFirst, unsigned char* displaySecond,
                   unsigned char* greyFirst, unsigned char* greySecond, SliceInfo& first, SliceInfo& second,
                   int bytesPerPixel, int firstIndex);
+  /// Says of the pair shown now how its slices lie in their images already, as projections do: drawn is only
+  /// the motion since. None: as they are.
+  void setPlaced(const std::optional<SliceXForm>& first, const std::optional<SliceXForm>& second);
   /// Forgets everything that is borrowed for the pair, and shows nothing. To be called before any of it goes
   /// away without a successor.
   void forgetPair();
@@ -103,6 +108,8 @@ public:
   /// Between the two the picture is not composed anew, however often it is asked for; the calls nest. A paint
   /// that falls between shows the last picture and is made up for by the last resumeUpdates().
   void suppressUpdates();
+  /// Adds to the number of suppressUpdates() that have not been resumed, which never falls below 0.
+  void addSuppression(int delta);
   void resumeUpdates();
   /// Asks for a repaint of the viewport.
   void updateViewport();

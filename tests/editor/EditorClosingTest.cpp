@@ -1,0 +1,172 @@
+#include "EditorTest.h"
+#include "zx/ZxController.h"
+
+#include <QMenuBar>
+
+namespace {
+
+class EditorClosingTest : public EditorTest {
+protected:
+  void edit() { Q_EMIT editor->drawArea()->translated(5, 6, false); }
+  bool isShown() { return host->getCentralLayout()->currentWidget() == editor; }
+  std::string button() { return module->portAction.getButtonLabel(0); }
+  bool isStored() { return stack->parameters().findBundle("AlignTransform") != nullptr; }
+};
+
+class MainViewer : public ZxController, public ZxViewer {
+public:
+  MainViewer() { setTheController(this); }
+  ~MainViewer() override { setTheController(nullptr); }
+  ZxViewer* viewer(int number, int) override { return number == 0 ? this : nullptr; }
+  void show(int) override { m_shown = true; }
+  void hide() override { m_shown = false; }
+  bool isShown() const override { return m_shown; }
+
+private:
+  bool m_shown = true;
+};
+
+} // namespace
+
+TEST_F(EditorClosingTest, TheButtonOpensAndClosesOneWindow)
+{
+  EXPECT_TRUE(isShown());
+  EXPECT_EQ(button(), "Close");
+  press(0);
+  EXPECT_FALSE(isShown());
+  EXPECT_EQ(host->getCentralLayout()->currentIndex(), 0);
+  EXPECT_EQ(button(), "Edit");
+  EXPECT_FALSE(module->isEditorOpen());
+  press(0);
+  EXPECT_TRUE(isShown());
+  EXPECT_EQ(module->editor(), editor);
+}
+
+TEST_F(EditorClosingTest, TheMainViewerComesBackAsItWas)
+{
+  press(0);
+  MainViewer viewer;
+  for (const bool shown : {true, false}) {
+    shown ? viewer.show(0) : viewer.hide();
+    press(0);
+    viewer.hide();
+    edit();
+    answerPrompt("&Cancel"); // A refusal does not count as opening.
+    press(0);
+    module->setModified(false);
+    if (!shown) viewer.show(0);
+    press(0);
+    EXPECT_EQ(viewer.isShown(), shown);
+  }
+}
+
+TEST_F(EditorClosingTest, UnsavedChangesAreAskedFor)
+{
+  edit();
+  answerPrompt("&Cancel");
+  press(0);
+  EXPECT_TRUE(isShown());
+  EXPECT_EQ(button(), "Close");
+  QTimer::singleShot(0, host.get(),
+                     [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape); });
+  EXPECT_FALSE(editor->cancel());
+  EXPECT_TRUE(isShown());
+  EXPECT_FALSE(isStored());
+
+  answerPrompt("&Don't Save");
+  press(0);
+  EXPECT_FALSE(isShown());
+  EXPECT_FALSE(isStored());
+  press(0);
+  answerPrompt("&Save");
+  EXPECT_TRUE(editor->canClose()); // as the main window asks
+  EXPECT_TRUE(isStored());
+  EXPECT_FALSE(module->isModified());
+  EXPECT_FALSE(isShown());
+  EXPECT_EQ(button(), "Edit");
+  EXPECT_EQ(work.getProgressText(), "");
+}
+
+TEST_F(EditorClosingTest, AnotherQuestionIsNotAskedWhileOneIsOpen)
+{
+  edit();
+  QTimer::singleShot(0, host.get(), [this] {
+    EXPECT_FALSE(editor->cancel());
+    module->doIt(1);
+    answerPrompt("&Cancel");
+  });
+  EXPECT_FALSE(editor->cancel());
+}
+
+TEST_F(EditorClosingTest, AnotherStackIsTakenUpWhileTheWindowIsOpen)
+{
+  click("editLandmarks");
+  edit();
+  editor->sliceChange(6);
+  const McHandle<ZxField3> another = makeField<std::uint8_t>({9, 30, 3}, 4, greyAt);
+  connect(module->portData, another);
+  EXPECT_EQ(current(), 1);
+  EXPECT_FALSE(item("undoAction")->isEnabled());
+  editor->drawArea()->viewport()->grab();
+  key(Qt::Key_End);
+  EXPECT_EQ(current(), 2);
+  editor->showCoronalView(true);
+  connect(module->portData, stack);
+  EXPECT_EQ(module->numSlices(), 7);
+  editor->drawArea()->viewport()->grab();
+}
+
+TEST_F(EditorClosingTest, WithoutDataTheWindowShowsNothingAndRefusesEverything)
+{
+  editor->showSagittalView(true);
+  edit();
+  ZxObjectPool::getThePool().remove(stack.get());
+  stack = {};
+  EXPECT_EQ(module->numSlices(), 0);
+  editor->drawArea()->viewport()->grab();
+  for (const int k : {Qt::Key_Space, Qt::Key_Home, Qt::Key_End, Qt::Key_Left, Qt::Key_1, Qt::Key_Escape})
+    key(k);
+  for (QAction* action : host->findChildren<QAction*>())
+    if (action->objectName().endsWith("Action") && action->isEnabled()) action->trigger();
+  for (QToolButton* b : editor->findChildren<QToolButton*>()) b->click();
+  editor->calcNewImageSize(true, true);
+  editor->showBorder(false, true, 50, 50);
+  editor->changeBorderSize(50, 50);
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(editor->cancel());
+  console.take();
+}
+
+TEST_F(EditorClosingTest, TheModuleTakesItsWindowAlong)
+{
+  const QPointer<QxAlignSlices> window(editor);
+  edit();
+  ZxObjectPool::getThePool().remove(module.get());
+  module = {};
+  EXPECT_FALSE(window);
+  EXPECT_EQ(host->getCentralLayout()->count(), 1);
+  for (QAction* action : host->menuBar()->actions()) EXPECT_TRUE(action->isVisible());
+}
+
+TEST_F(EditorClosingTest, TheModuleMayGoWhileItsWindowAsks)
+{
+  const QPointer<QxAlignSlices> window(editor);
+  edit();
+  QTimer::singleShot(0, host.get(), [this] {
+    ZxObjectPool::getThePool().remove(module.get());
+    module = {};
+    answerPrompt("&Save");
+  });
+  editor->cancel();
+  QTRY_VERIFY(!window);
+}
+
+TEST_F(EditorClosingTest, TheMainWindowMayGoFirst)
+{
+  edit();
+  host.reset();
+  EXPECT_FALSE(module->editor());
+  EXPECT_FALSE(module->isEditorOpen());
+  press(0); // There is no place for one any more.
+  EXPECT_EQ(console.take().size(), 1u);
+}

@@ -1,0 +1,181 @@
+#include "zxalign/QxPairQualityDock.h"
+
+#include "EditorTest.h"
+#include "zxalign/PairQualityModel.h"
+#include "zxalign/QxPairQualityCurve.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTableView>
+#include <QTest>
+#include <QToolBar>
+
+#include <set>
+
+namespace {
+
+/// Qualities of a module without a window.
+class PairQualitiesTest : public ModuleTest {
+protected:
+  void open(const McHandle<ZxField3>& stack) { connect(module->portData, stack); }
+  bool isComplete()
+  {
+    return QTest::qWaitFor(
+        [this] { return qualities->count() > 0 && qualities->upToDate() == qualities->count(); });
+  }
+  /// What the module itself says of each pair, by making it the current one.
+  void expectAsTheModule()
+  {
+    qualities->setActive(false);
+    qualities->setActive(true); // looks now
+    ASSERT_TRUE(isComplete());
+    const AlignState before = module->currentState();
+    for (int i = 0; i < qualities->count(); ++i)
+      EXPECT_EQ(static_cast<double>(*qualities->quality(i)), module->pairQuality(i)) << i;
+    module->restoreState(before);
+  }
+
+  std::unique_ptr<PairQualities> qualities = std::make_unique<PairQualities>(*module);
+};
+
+TEST_F(PairQualitiesTest, AreThoseOfTheModuleAndLeaveItsPairAlone)
+{
+  open(makeField<std::uint16_t>({33, 21, 7}, 1,
+                                [](int x, int y, int k, int) { return 40 * greyAt(x, y, k); }));
+  for (int k = 0; k < 7; ++k)
+    setTransform(k, SliceXForm(static_cast<float>(k * k), 1.5f, 7.0f * static_cast<float>(k), k == 3));
+  module->setRangeCurrent(100, 7000);
+  module->setSlice(5);
+  module->setReferenceSlice(4);
+  qualities->setActive(true);
+  expectAsTheModule();
+  EXPECT_EQ(module->getEditableSlice(), 5);
+  module->setRangeCurrent(0, 5000);
+  expectAsTheModule();
+  connect(module->portMask, makeLabels<std::uint8_t>({33, 21, 7}, [](int x, int y, int k, int) {
+            return x > 5 && y < 15 + k ? 3 : 0;
+          }));
+  expectAsTheModule();
+}
+
+TEST_F(PairQualitiesTest, OfColoursCompareColours)
+{
+  open(makeField<std::uint8_t>({18, 13, 4}, 4, greyAt));
+  setTransform(2, SliceXForm(3, -1, 30, true));
+  qualities->setActive(true);
+  expectAsTheModule();
+}
+
+TEST_F(PairQualitiesTest, OnlyPairsThatChangedAreComputedAnew)
+{
+  open(greyStack({33, 21, 9}));
+  QSignalSpy changed(qualities.get(), &PairQualities::changed);
+  QSignalSpy current(qualities.get(), &PairQualities::currentChanged);
+  QTest::qWait(0);
+  EXPECT_EQ(qualities->count(), 0) << "nothing is done before anyone looks";
+  module->setSlice(6);
+  module->setReferenceSlice(5);
+  qualities->setActive(true);
+  ASSERT_TRUE(isComplete());
+  ASSERT_EQ(changed.size(), 8);
+  EXPECT_EQ(changed[0][0].toInt(), 5) << "the pair that is being edited comes first";
+  EXPECT_EQ(current.takeLast()[0].toInt(), 5);
+  changed.clear();
+  module->getSlice(3).translationY = 4;
+  ASSERT_TRUE(QTest::qWaitFor([&] { return changed.size() == 2; }));
+  EXPECT_EQ(changed[0][0].toInt() + changed[1][0].toInt(), 2 + 3);
+  EXPECT_EQ(std::set<int>({changed[0][0].toInt(), changed[1][0].toInt()}), std::set<int>({2, 3}));
+  expectAsTheModule();
+  // The worst is the first of the lowest.
+  int worst = 0;
+  for (int i = 1; i < qualities->count(); ++i)
+    if (*qualities->quality(i) < *qualities->quality(worst)) worst = i;
+  EXPECT_EQ(qualities->worst(), worst);
+}
+
+TEST_F(PairQualitiesTest, GiveWayToOtherWorkAndFollowTheInput)
+{
+  open(greyStack({33, 21, 4}));
+  {
+    const ZxWorkingPhase phase("aligning");
+    qualities->setActive(true);
+    EXPECT_EQ(qualities->count(), 3);
+    QTest::qWait(0);
+    EXPECT_EQ(qualities->upToDate(), 0);
+  }
+  EXPECT_TRUE(isComplete());
+  QSignalSpy reset(qualities.get(), &PairQualities::reset);
+  open(greyStack({12, 10, 4})); // as many slices, other ones
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !reset.isEmpty(); }));
+  expectAsTheModule();
+  module->portData.disconnect();
+  module->fire();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return qualities->count() == 0; }));
+  EXPECT_EQ(qualities->worst(), -1);
+  open(greyStack({400, 300, 30}));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return qualities->count() == 29; }));
+  qualities.reset(); // while it computes
+}
+
+class QxPairQualityDockTest : public EditorTest {
+protected:
+  void open()
+  {
+    dock = child<QxPairQualityDock>("pairQualityDock");
+    EXPECT_FALSE(dock->isVisible());
+    child<QToolBar>("panelToolBar")->actions().first()->trigger();
+    ASSERT_TRUE(dock->isVisible());
+    ASSERT_TRUE(QTest::qWaitFor([this] { return dock->qualities().upToDate() == 6; }));
+  }
+  QAbstractItemModel* rows() { return child<QTableView>("pairQualityTable")->model(); }
+  QString cell(int row, int column) { return rows()->index(row, column).data().toString(); }
+  void clickRow(int row)
+  {
+    auto* table = child<QTableView>("pairQualityTable");
+    QTest::mouseClick(table->viewport(), Qt::LeftButton, {},
+                      table->visualRect(table->model()->index(row, 0)).center());
+  }
+  QxPairQualityDock* dock = nullptr;
+};
+
+TEST_F(QxPairQualityDockTest, AClickGoesToThePair)
+{
+  open();
+  clickRow(4);
+  EXPECT_EQ(current(), 5);
+  EXPECT_EQ(reference(), 4);
+  editor->setEditableSlice(-1);
+  clickRow(1);
+  EXPECT_EQ(current(), 1);
+  EXPECT_EQ(reference(), 2);
+  auto* curve = child<QxPairQualityCurve>("pairQualityCurve");
+  for (int lower = 0; lower < 6; ++lower) {
+    QTest::mouseClick(curve, Qt::LeftButton, {}, curve->pointOf(lower).toPoint());
+    EXPECT_EQ(current(), lower) << "by the curve";
+  }
+  child<QPushButton>("goToWorstButton")->click();
+  EXPECT_EQ(std::min(current(), reference()), dock->qualities().worst());
+}
+
+TEST_F(QxPairQualityDockTest, TheTableSortsByQualityAndMarksTheWorst)
+{
+  setTransform(3, SliceXForm(22, 0, 0, false)); // hardly any overlap with its neighbours
+  open();
+  EXPECT_EQ(cell(2, 0), "2 - 3");
+  auto* table = child<QTableView>("pairQualityTable");
+  table->sortByColumn(PairQualityModel::QualityColumn, Qt::AscendingOrder);
+  const int worst = dock->qualities().worst();
+  EXPECT_TRUE(worst == 2 || worst == 3) << worst;
+  EXPECT_EQ(cell(0, 0), PairQualityModel::slicesText(worst));
+  EXPECT_TRUE(rows()->index(0, 0).data(Qt::FontRole).value<QFont>().bold());
+  EXPECT_FALSE(rows()->index(1, 0).data(Qt::FontRole).value<QFont>().bold());
+  clickRow(0);
+  EXPECT_EQ(std::min(current(), reference()), worst);
+  EXPECT_TRUE(child<QLabel>("pairQualityState")->text().contains(PairQualityModel::slicesText(worst)));
+  editor->resetAll();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return dock->qualities().worst() != worst; }))
+      << "the table follows an edit";
+}
+
+} // namespace

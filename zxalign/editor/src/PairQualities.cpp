@@ -1,0 +1,125 @@
+#include "zxalign/PairQualities.h"
+
+#include "zx/ZxWorkArea.h"
+#include "zxalign/ZxAlignSlices.h"
+
+#include <QGuiApplication>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+
+namespace {
+
+constexpr std::chrono::milliseconds watchInterval{200};
+
+} // namespace
+
+PairQualities::PairQualities(ZxAlignSlices& module, QObject* parent) : QObject(parent), m_module(module)
+{
+  m_pool.setMaxThreadCount(1);
+  m_watch.setInterval(watchInterval);
+  connect(&m_watch, &QTimer::timeout, this, &PairQualities::look);
+}
+
+PairQualities::~PairQualities() { m_pool.waitForDone(); }
+
+void PairQualities::setActive(bool active)
+{
+  if (active == m_watch.isActive()) return;
+  if (!active) return m_watch.stop();
+  m_watch.start();
+  look();
+}
+
+int PairQualities::upToDate() const noexcept
+{
+  return static_cast<int>(
+      std::count_if(m_pairs.begin(), m_pairs.end(), [](const Pair& pair) { return pair.isUpToDate; }));
+}
+
+void PairQualities::look()
+{
+  const int pairs = std::max(m_module.numSlices() - 1, 0);
+  const bool isOther = pairs != count() || (pairs > 0 && m_pairs[0].key.data != m_module.getDataLattice());
+  if (isOther) {
+    m_pairs.assign(static_cast<std::size_t>(pairs), Pair());
+    m_worst = m_last = -1;
+  }
+  for (int i = 0; i < pairs; ++i) {
+    Pair& pair = m_pairs[static_cast<std::size_t>(i)];
+    const PairQualityJob::Key key = PairQualityJob::keyOf(m_module, i);
+    if (pair.key == key) continue;
+    pair.key = key;
+    pair.isUpToDate = false;
+    m_last = -1; // What was changed is near the present pair.
+  }
+  if (isOther) Q_EMIT reset();
+  lookAtCurrent();
+  computeNext();
+}
+
+void PairQualities::lookAtCurrent()
+{
+  const int editable = m_module.getEditableSlice();
+  const int reference = m_module.getReferenceSlice();
+  const int lower = std::min(editable, reference);
+  const int current = std::abs(editable - reference) == 1 && lower >= 0 && lower < count() ? lower : -1;
+  if (current == m_current) return;
+  m_current = current;
+  Q_EMIT currentChanged(current);
+}
+
+bool PairQualities::mayCompute() const
+{
+  return !m_isComputing && m_watch.isActive() && !ZxWorkArea::getTheWorkArea()->isBusy() &&
+         QGuiApplication::mouseButtons() == Qt::NoButton;
+}
+
+int PairQualities::nextOutdated() const
+{
+  const int begin = m_last >= 0 ? m_last + 1 : std::max(m_current, 0);
+  for (int i = 0; i < count(); ++i) {
+    const int lower = (begin + i) % count();
+    if (!m_pairs[static_cast<std::size_t>(lower)].isUpToDate) return lower;
+  }
+  return -1;
+}
+
+void PairQualities::computeNext()
+{
+  const int lower = mayCompute() ? nextOutdated() : -1;
+  if (lower < 0) return;
+  m_isComputing = true;
+  m_pool.start([this, job = std::make_shared<PairQualityJob>(m_module, lower)]() mutable {
+    const float quality = job->run(m_buffers);
+    // The job ends where it was made.
+    QMetaObject::invokeMethod(
+        this, [this, job = std::move(job), quality] { finish(*job, quality); }, Qt::QueuedConnection);
+  });
+}
+
+void PairQualities::finish(const PairQualityJob& job, float quality)
+{
+  m_isComputing = false;
+  const int lower = job.lower();
+  m_last = lower;
+  if (lower < count() && m_pairs[static_cast<std::size_t>(lower)].key.data == job.key().data) {
+    Pair& pair = m_pairs[static_cast<std::size_t>(lower)];
+    pair.quality = quality;
+    pair.isUpToDate = pair.key == job.key();
+    findWorst();
+    Q_EMIT changed(lower);
+  }
+  computeNext();
+}
+
+void PairQualities::findWorst()
+{
+  int worst = -1;
+  for (int i = 0; i < count(); ++i)
+    if (quality(i) && (worst < 0 || *quality(i) < *quality(worst))) worst = i;
+  if (worst == m_worst) return;
+  const int before = std::exchange(m_worst, worst);
+  Q_EMIT worstChanged(before, worst);
+}

@@ -1,0 +1,64 @@
+// The editor window: what scripts ask of it beyond the slots that people use.
+#include "zxalign/QxAlignMenuBar.h"
+#include "zxalign/QxAlignSlices.h"
+#include "zxalign/QxAutoAlignToolBar.h"
+#include "zxalign/QxDrawAlignSlices.h"
+#include "zxalign/QxOrthoViewManager.h"
+#include "zxalign/QxViewAlignSlicesOrthogonalCommonToolBar.h"
+
+#include <QCoreApplication>
+#include <QImageWriter>
+#include <QLayout>
+#include <QToolBar>
+
+void QxAlignSlices::chooseEditMode(int mode)
+{
+  if (mode == EditTransform) return m_autoAlignToolBar->editTransform();
+  if (mode == EditLandmarks) return m_autoAlignToolBar->editLandmarks();
+  setEditMode(mode);
+  m_drawArea->setEditMode(mode);
+}
+
+void QxAlignSlices::chooseViewMode(int mode)
+{
+  switch (mode) { // By the menu, whose check marks follow.
+  case QxDrawAlignSlices::RedGreen:
+    return m_menus->redGreen();
+  case QxDrawAlignSlices::Checkerboard:
+    return m_menus->chess();
+  case QxDrawAlignSlices::Average:
+    return m_menus->avg();
+  case QxDrawAlignSlices::InvertedOverlay:
+    return m_menus->invert();
+  default:
+    return;
+  }
+}
+
+void QxAlignSlices::inhibitRedraw(int delta) { m_drawArea->addSuppression(delta); }
+
+void QxAlignSlices::setOrthoViewZWindow(int halfWidth)
+{
+  if (halfWidth >= 0) m_orthoViews->setZRange(halfWidth);
+  m_orthoViews->setShowZRange(halfWidth >= 0);
+}
+
+void QxAlignSlices::setOrthoViewAutoUpdate(bool on)
+{
+  if (auto* bar = m_orthoViews->getToolBar()) bar->setAutoUpdate(on);
+}
+
+void QxAlignSlices::updateOrthogonalViews() { m_orthoViews->updateView(); }
+
+std::string QxAlignSlices::snapshot(const std::string& fileName)
+{
+  const QList<QToolBar*> bars = getVisibleToolbar();
+  for (QToolBar* bar : bars) bar->hide();
+  if (layout()) layout()->activate();
+  // The fourth byte of what is on the screen says nothing; a picture is opaque.
+  const QImage picture = grab().toImage().convertToFormat(QImage::Format_RGB32);
+  for (QToolBar* bar : bars) bar->show();
+  QImageWriter writer(QString::fromStdString(fileName));
+  if (writer.write(picture)) return {};
+  return fileName + " could not be written: " + writer.errorString().toStdString() + ".";
+}

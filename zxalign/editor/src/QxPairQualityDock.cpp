@@ -1,0 +1,103 @@
+#include "zxalign/QxPairQualityDock.h"
+
+#include "zxalign/PairQualityModel.h"
+#include "zxalign/QxAlignSlices.h"
+#include "zxalign/QxPairQualityCurve.h"
+#include "zxalign/ZxAlignSlices.h"
+
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+#include <QSortFilterProxyModel>
+#include <QTableView>
+#include <QVBoxLayout>
+
+QxPairQualityDock::QxPairQualityDock(QxAlignSlices& editor)
+  : QDockWidget(tr("Pair quality"), &editor), m_editor(editor), m_qualities(editor.module()),
+    m_model(new PairQualityModel(m_qualities, this)), m_sorted(new QSortFilterProxyModel(this))
+{
+  setObjectName("pairQualityDock");
+  m_sorted->setSourceModel(m_model);
+  m_sorted->setSortRole(PairQualityModel::sortRole);
+  setWidget(makeContents());
+  toggleViewAction()->setToolTip(tr("Shows the quality of all pairs of slices"));
+  connect(this, &QDockWidget::visibilityChanged, &m_qualities, &PairQualities::setActive);
+  connect(&m_qualities, &PairQualities::reset, this, &QxPairQualityDock::showState);
+  connect(&m_qualities, &PairQualities::changed, this, &QxPairQualityDock::showState);
+  connect(&m_qualities, &PairQualities::currentChanged, this, &QxPairQualityDock::showCurrent);
+  connect(m_worst, &QPushButton::clicked, this, [this] { goTo(m_qualities.worst()); });
+  showState();
+}
+
+QxPairQualityDock::~QxPairQualityDock() { m_qualities.disconnect(); }
+
+QWidget* QxPairQualityDock::makeContents()
+{
+  auto* contents = new QWidget(this);
+  auto* curve = new QxPairQualityCurve(m_qualities, contents);
+  curve->setObjectName("pairQualityCurve");
+  m_state = new QLabel(contents);
+  m_state->setObjectName("pairQualityState");
+  m_state->setWordWrap(true);
+  m_worst = new QPushButton(tr("Go to the worst"), contents);
+  m_worst->setObjectName("goToWorstButton");
+  m_worst->setFocusPolicy(Qt::TabFocus); // A click leaves the keys with the slice view.
+  m_table = makeTable(contents);
+  auto* layout = new QVBoxLayout(contents);
+  layout->addWidget(curve);
+  layout->addWidget(m_state);
+  layout->addWidget(m_worst);
+  layout->addWidget(m_table, 1);
+  connect(curve, &QxPairQualityCurve::pairChosen, this, &QxPairQualityDock::goTo);
+  return contents;
+}
+
+QTableView* QxPairQualityDock::makeTable(QWidget* parent)
+{
+  auto* table = new QTableView(parent);
+  table->setObjectName("pairQualityTable");
+  table->setModel(m_sorted);
+  table->setSortingEnabled(true);
+  table->sortByColumn(PairQualityModel::SlicesColumn, Qt::AscendingOrder);
+  table->setSelectionBehavior(QAbstractItemView::SelectRows);
+  table->setSelectionMode(QAbstractItemView::SingleSelection);
+  table->setFocusPolicy(Qt::TabFocus);
+  table->verticalHeader()->hide();
+  table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().height() + 6);
+  table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+  connect(table, &QTableView::clicked, this, &QxPairQualityDock::goToRow);
+  connect(table, &QTableView::activated, this, &QxPairQualityDock::goToRow);
+  return table;
+}
+
+void QxPairQualityDock::goToRow(const QModelIndex& index) { goTo(m_sorted->mapToSource(index).row()); }
+
+void QxPairQualityDock::goTo(int lower)
+{
+  if (lower < 0 || lower >= m_qualities.count()) return;
+  const bool upperIsEdited = m_editor.module().getEditableSide() == 1;
+  m_editor.sliceChange(static_cast<float>(upperIsEdited ? lower + 1 : lower));
+}
+
+void QxPairQualityDock::showState()
+{
+  const int worst = m_qualities.worst();
+  const int count = m_qualities.count();
+  const int known = m_qualities.upToDate();
+  QString text = worst < 0 ? tr("No pair is computed yet.")
+                           : tr("Worst: slices %1, %2.")
+                                 .arg(PairQualityModel::slicesText(worst),
+                                      PairQualityModel::qualityText(m_qualities.quality(worst)));
+  if (known < count) text += tr(" %1 of %2 pairs are up to date.").arg(known).arg(count);
+  m_state->setText(text);
+  m_worst->setEnabled(worst >= 0);
+}
+
+void QxPairQualityDock::showCurrent(int lower)
+{
+  if (lower < 0) return m_table->clearSelection();
+  const QModelIndex index = m_sorted->mapFromSource(m_model->index(lower, 0));
+  m_table->setCurrentIndex(index);
+  m_table->scrollTo(index);
+}
