@@ -84,7 +84,7 @@ TEST_F(EditorClosingTest, UnsavedChangesAreAskedFor)
   EXPECT_FALSE(module->isModified());
   EXPECT_FALSE(isShown());
   EXPECT_EQ(button(), "Edit");
-  EXPECT_EQ(work.getProgressText(), "");
+  EXPECT_EQ(ZxWorkArea::getTheWorkArea()->getProgressText(), "");
 }
 
 TEST_F(EditorClosingTest, AnotherQuestionIsNotAskedWhileOneIsOpen)
@@ -126,8 +126,7 @@ TEST_F(EditorClosingTest, WithoutDataTheWindowShowsNothingAndRefusesEverything)
   editor->drawArea()->viewport()->grab();
   for (const int k : {Qt::Key_Space, Qt::Key_Home, Qt::Key_End, Qt::Key_Left, Qt::Key_1, Qt::Key_Escape})
     key(k);
-  for (QAction* action : host->findChildren<QAction*>())
-    if (action->objectName().endsWith("Action") && action->isEnabled()) action->trigger();
+  for (QAction* action : items()) action->trigger();
   for (QToolButton* b : editor->findChildren<QToolButton*>()) b->click();
   editor->calcNewImageSize(true, true);
   editor->showBorder(false, true, 50, 50);

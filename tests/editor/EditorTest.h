@@ -12,6 +12,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QMenu>
 #include <QMessageBox>
 #include <QSignalSpy>
 #include <QStackedLayout>
@@ -37,6 +38,14 @@ protected:
     editor = dynamic_cast<QxAlignSlices*>(module->editor());
     ASSERT_TRUE(editor);
     editor->setFocus();
+    // A question that nobody expects is a failure, not a hang.
+    QObject::connect(&watchdog, &QTimer::timeout, &watchdog, [] {
+      QWidget* modal = QApplication::activeModalWidget();
+      if (!modal) return;
+      ADD_FAILURE() << "unexpected: " << modal->objectName().toStdString();
+      modal->close();
+    });
+    watchdog.start(std::chrono::seconds(10));
   }
   void TearDown() override
   {
@@ -56,6 +65,17 @@ protected:
     auto* found = host->findChild<QAction*>(name);
     EXPECT_TRUE(found) << name;
     return found;
+  }
+  /// The items of the editor's menus that can be chosen, the dialog's apart.
+  QList<QAction*> items()
+  {
+    QList<QAction*> all;
+    for (const char* menu : {"optionsMenu", "viewMenu", "alignMenu", "landmarksMenu"})
+      all += host->findChild<QMenu*>(menu)->actions();
+    all.removeIf([](const QAction* a) {
+      return a->isSeparator() || !a->isEnabled() || a->objectName() == "optionsAction";
+    });
+    return all;
   }
   void click(const char* button) { child<QToolButton>(button)->click(); }
   bool isChecked(const char* button) { return child<QToolButton>(button)->isChecked(); }
@@ -100,4 +120,5 @@ protected:
   McHandle<ZxField3> stack = greyStack({24, 18, 7});
   std::unique_ptr<QxMainWindow> host;
   QxAlignSlices* editor = nullptr;
+  QTimer watchdog;
 };

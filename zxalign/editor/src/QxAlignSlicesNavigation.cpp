@@ -172,7 +172,7 @@ void QxAlignSlices::selectPair(const ZxAlignPair& pair)
     goTo(pair.editable);
 }
 
-bool QxAlignSlices::canClose() { return cancel(); }
+bool QxAlignSlices::canClose() { return !m_module->isEditorOpen() || cancel(); }
 
 bool QxAlignSlices::cancel()
 {

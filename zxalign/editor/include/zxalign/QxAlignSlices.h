@@ -97,7 +97,7 @@ public:
   std::string snapshot(const std::string& fileName) override;
 
   // QxCentralPage
-  /// As cancel().
+  /// As cancel(), while the editor is open.
   bool canClose() override;
 
   /// Shows transform and slice numbers in the toolbars, translations cut off to whole pixels.
