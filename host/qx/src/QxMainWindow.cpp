@@ -32,6 +32,7 @@
 #include <QStatusBar>
 
 #include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -42,6 +43,14 @@ constexpr int messageMilliseconds = 10000;
 constexpr const char* geometryKey = "window/geometry";
 constexpr const char* stateKey = "window/state";
 constexpr QSize usualSize(1280, 800);
+
+/// The first control of a pane that takes the focus, or null.
+QWidget* firstInFocusOrder(QWidget* pane)
+{
+  for (QWidget* widget : pane->findChildren<QWidget*>())
+    if (widget->isVisible() && widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus)) return widget;
+  return nullptr;
+}
 
 } // namespace
 
@@ -245,20 +254,13 @@ void QxMainWindow::followPage(int page)
 
 void QxMainWindow::goToNextPane()
 {
-  QWidget* const panes[] = {m_pool, m_ports, m_centre->currentWidget(), m_console};
-  const auto isIn = [](QWidget* pane) { return pane->isAncestorOf(QApplication::focusWidget()); };
-  auto* const end = std::end(panes);
-  auto* const now = std::find_if(std::begin(panes), end, isIn);
-  for (auto* pane = now == end ? std::begin(panes) : now + 1; pane != now; ++pane) {
-    if (pane == end) pane = std::begin(panes);
-    if (pane == now) return;
-    if (!(*pane)->isVisible()) continue;
-    QWidget* first = (*pane)->nextInFocusChain();
-    while (first && first != *pane &&
-           !(first->isVisible() && (first->focusPolicy() & Qt::TabFocus) && first->isEnabled()))
-      first = first->nextInFocusChain();
-    if (first && (*pane)->isAncestorOf(first)) return first->setFocus(Qt::TabFocusReason);
-  }
+  std::vector<QWidget*> panes{m_pool, m_ports, m_centre->currentWidget(), m_console};
+  const auto now = std::find_if(panes.begin(), panes.end(), [](QWidget* pane) {
+    return pane->isAncestorOf(QApplication::focusWidget());
+  });
+  if (now != panes.end()) std::rotate(panes.begin(), now + 1, panes.end());
+  for (QWidget* pane : panes)
+    if (QWidget* first = firstInFocusOrder(pane)) return first->setFocus(Qt::TabFocusReason);
 }
 
 void QxMainWindow::closeEvent(QCloseEvent* event)
