@@ -172,6 +172,8 @@ void QxAlignSlices::selectPair(const ZxAlignPair& pair)
     goTo(pair.editable);
 }
 
+const ZxObject* QxAlignSlices::editedObject() const { return m_module; }
+
 bool QxAlignSlices::canClose() { return !m_module->isEditorOpen() || cancel(); }
 
 bool QxAlignSlices::cancel()

@@ -99,6 +99,7 @@ public:
   // QxCentralPage
   /// As cancel(), while the editor is open.
   bool canClose() override;
+  const ZxObject* editedObject() const override;
 
   /// Shows transform and slice numbers in the toolbars, translations cut off to whole pixels.
   void updateToolbar();
