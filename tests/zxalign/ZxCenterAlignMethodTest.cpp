@@ -72,7 +72,7 @@ TEST_F(ZxCenterAlignMethodTest, FindsTheSamePlaceOnProjectionsWhichLieInPlaceAlr
     setTransform(3, {1, 2, 20, false});
     selectPair(2, 1);
     module->mapSlices();
-    EXPECT_EQ(align(kGravity), 1);
+    EXPECT_EQ(module->doLayout(kGravity), 1);
     for (int k = 0; k < 4; ++k) found[projected].push_back(module->getSlice(k));
   }
   for (std::size_t k = 0; k < 4; ++k) {
