@@ -61,6 +61,9 @@ TEST_F(QxViewAlignSlicesOrthogonalTest, SizesAreThoseOfTheStackInItsAspectRatio)
   // A deep stack takes 200 pixels, a wide one what the slice view has.
   connect(module->portData, nanometres({1400, 900, 3}, 400.0f));
   views->init(module->getDataLattice(), false);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(editor->size(), QSize(1000, 700));
+  EXPECT_GT(editor->getDrawAreaWidth(), 300);
   view(Coronal)->setDrawViewSize();
   view(Sagittal)->setDrawViewSize();
   EXPECT_EQ(view(Coronal)->viewer()->minimumSize(), QSize(editor->getDrawAreaWidth() - 10, 200));

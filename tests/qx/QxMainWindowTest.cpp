@@ -19,6 +19,9 @@ protected:
     QList<QUrl> list;
     for (const QString& url : urls) list << QUrl(url);
     data.setUrls(list);
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
     QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(window.get(), &event);
   }
@@ -101,6 +104,20 @@ TEST_F(QxMainWindowTest, LeavesKeysAndHelpToTheCurrentPage)
   EXPECT_EQ(helper->shown, 1);
   delete page;
   EXPECT_EQ(save->shortcut(), QKeySequence("Ctrl+S"));
+}
+
+TEST_F(QxMainWindowTest, ReachesEveryPaneByKey)
+{
+  const auto stack = addVolume("stack");
+  const auto probe = showProbe();
+  probe->change([&] { probe->portData.connect(stack.get()); });
+  window->select(probe.get());
+  settle();
+  find("commandLine")->setFocus();
+  for (const char* pane : {"poolDock", "portsDock", "volumePage", "consoleDock"}) {
+    QTest::keyClick(window.get(), Qt::Key_F6);
+    EXPECT_TRUE(find(pane)->isAncestorOf(QApplication::focusWidget())) << pane;
+  }
 }
 
 TEST_F(QxMainWindowTest, ShowsAndHidesItsViewers)

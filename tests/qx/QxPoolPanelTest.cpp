@@ -41,17 +41,20 @@ TEST_F(QxPoolPanelTest, RenamesAndRemovesByKeys)
   ASSERT_NE(editor, nullptr);
   EXPECT_EQ(editor->text(), "second");
   editor->selectAll();
-  QTest::keyClicks(editor, "first");
+  QTest::keyClicks(editor, "fir");
+  first->touch(); // a change meanwhile
+  settle();
+  QTest::keyClicks(editor, "st");
   QTest::keyClick(editor, Qt::Key_Return);
   settle();
   EXPECT_EQ(second->getLabel(), "first (2)");
   second->touch();
   settle();
-  EXPECT_EQ(listed(), (QStringList{"first", "first (2) *"}));
+  EXPECT_EQ(listed(), (QStringList{"first *", "first (2) *"}));
   second->setSaved();
   QTest::keyClick(list, Qt::Key_Delete);
   settle();
-  EXPECT_EQ(listed(), QStringList{"first"});
+  EXPECT_EQ(listed(), QStringList{"first *"});
 }
 
 // What works in the pool is not taken away under its feet.

@@ -16,9 +16,10 @@ protected:
   QColor colorAt(double x, double y) const
   {
     auto* viewer = find<QxImageViewer>("viewer");
+    const QPointF corner = viewer->mapWidgetToImage({0, 0}), step = viewer->mapWidgetToImage({1, 1}) - corner;
+    const QPointF point((x - corner.x()) / step.x(), (y - corner.y()) / step.y());
     const QImage image = shown();
-    const QPointF point = viewer->mapImageToScreen({x, y}) * image.devicePixelRatio();
-    return image.pixelColor(point.toPoint());
+    return image.pixelColor((point * image.devicePixelRatio()).toPoint());
   }
   void enter(const char* field, const char* text) const
   {

@@ -167,6 +167,8 @@ int getEditableSlice(Module& module, Interp interp, Words)
   return zxResult(interp, side == 1 ? "upper" : side == -1 ? "lower" : "");
 }
 
+int getNumSlices(Module& module, Interp interp, Words) { return number(interp, module.numSlices()); }
+
 int setReferenceSlice(Module& module, Interp, Words words)
 {
   const int slice = alignInteger(words[0]);
@@ -626,6 +628,7 @@ constexpr AlignCommand commands[] = {
      kNothing,
      setTransformAll},
     {{"getTransformAll", "", "1 or 0."}, kNothing, getTransformAll},
+    {{"getNumSlices", "", "Number of slices of the input, 0 without one."}, kNothing, getNumSlices},
     {{"isEditorOpen", "", "1 or 0."}, kNothing, isEditorOpen},
     {{"resampleToResult", "", "Resamples into the existing results."}, kNothing, resampleToResult},
     {{"showTransformToolBar", "FLAG", "Shows or hides the toolbar with the transform's numbers."},

@@ -1,7 +1,8 @@
 #include "zxalign/AlignRecovery.h"
 
-#include "RecoveryFile.h"
+#include "RecoveryContent.h"
 #include "zx/ZxMessage.h"
+#include "zx/ZxRecoveryFile.h"
 #include "zx/ZxWorkArea.h"
 #include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignSlices.h"
@@ -106,24 +107,24 @@ void AlignRecovery::writeIfChanged()
     write(state, nullptr);
 }
 
-void AlignRecovery::write(const AlignState& state, std::shared_ptr<RecoveryFile> replaced)
+void AlignRecovery::write(const AlignState& state, std::shared_ptr<ZxRecoveryFile> replaced)
 {
-  if (!m_file) m_file = RecoveryFile::create(*m_key);
+  if (!m_file) m_file = ZxRecoveryFile::create(m_key->text());
   m_written = std::make_unique<AlignState>(state);
   m_sinceWrite.start();
   m_pool.start(
       [this, file = m_file, replaced = std::move(replaced), content = RecoveryContent{*m_key, now(), state}] {
-        const QString problem = file->write(encodeRecovery(content));
-        if (problem.isEmpty() && replaced) replaced->remove();
-        if (!problem.isEmpty()) QMetaObject::invokeMethod(this, [this, problem] { tellFailure(problem); });
+        const std::string problem = file->write(encodeRecovery(content));
+        if (problem.empty() && replaced) replaced->remove();
+        if (!problem.empty()) QMetaObject::invokeMethod(this, [this, problem] { tellFailure(problem); });
       });
 }
 
-void AlignRecovery::tellFailure(const QString& problem)
+void AlignRecovery::tellFailure(const std::string& problem)
 {
   if (!m_hasFailed)
     ZxMessage::getTheMsg()->printf("The unsaved alignment of %s cannot be kept for the case of a crash: %s.",
-                                   m_module.sliceData().getInputDataName().getString(), qPrintable(problem));
+                                   m_module.sliceData().getInputDataName().getString(), problem.c_str());
   m_hasFailed = true;
 }
 
@@ -137,10 +138,15 @@ void AlignRecovery::forget()
 
 void AlignRecovery::offer()
 {
-  auto content = std::make_unique<RecoveryContent>();
-  m_offered = RecoveryFile::findOrphan(*m_key, *content);
-  m_offer = m_offered ? std::move(content) : nullptr;
+  using Verdict = ZxRecoveryFile::Verdict;
+  std::optional<RecoveryContent> content;
+  m_offered = ZxRecoveryFile::findOrphan(m_key->text(), [&](const std::string& bytes) {
+    content = decodeRecovery(bytes);
+    if (!content) return Verdict::Damaged;
+    return content->key == *m_key ? Verdict::Wanted : Verdict::Other;
+  });
   if (!m_offered) return;
+  m_offer = std::make_unique<RecoveryContent>(*content);
   const QDateTime time = QDateTime::fromString(m_offer->time, Qt::ISODate).toLocalTime();
   const QString text = tr("An alignment of %1 was not saved when the program ended. It is from %2.")
                            .arg(QString::fromUtf8(m_module.sliceData().getInputDataName().getString()),
@@ -153,7 +159,7 @@ void AlignRecovery::offer()
 void AlignRecovery::restore()
 {
   if (!m_offered) return;
-  const std::shared_ptr<RecoveryFile> offered = std::move(m_offered);
+  const std::shared_ptr<ZxRecoveryFile> offered = std::move(m_offered);
   const AlignState state = std::move(m_offer->state);
   m_offer.reset();
   m_module.undoRedo().saveState();

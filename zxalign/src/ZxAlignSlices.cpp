@@ -73,7 +73,24 @@ ZxAlignSlices::ZxAlignSlices()
     m_data(std::make_unique<ZxAlignData>(this)), m_methods(ZxAutoAlignMethodFabrique::getInstance()),
     m_recovery(std::make_unique<AlignRecovery>(*this))
 {
+  describePorts();
   ZxAlignSlices::update();
+}
+
+void ZxAlignSlices::describePorts()
+{
+  portData.setTip("The volume whose slices are aligned: at least two slices, grey or colour.");
+  portMask.setTip(
+      "Labels of the same size as the volume: quality and automatic methods use labelled pixels only.");
+  portLabelField.setTip("Labels that belong to the volume, of the same size: they are resampled with it.");
+  portReference.setTip("A volume of the same size that carries an alignment, which is read.");
+  portLinearRange.setTip("Values of the data that are shown black (min) and white (max).");
+  portDisplayMode.setTip("Slices as they are, or the largest values of several slices.");
+  portMaxIntNumSlices.setTip("How many slices are projected into one, for each slice of the pair.");
+  portResampleMethod.setTip("Preview takes the nearest pixel, High Quality interpolates.");
+  portAction.setTip(
+      "Edit opens the editor of the alignment. Resample makes a new aligned volume, Resample to "
+      "Result writes into the one made before.");
 }
 
 ZxAlignSlices::~ZxAlignSlices()

@@ -72,8 +72,10 @@ QxConsole::QxConsole(QWidget* parent)
   connect(m_line, &QxCommandLine::choicesFound, this,
           [this](const QStringList& choices) { print(choices.join("  "), Kind::Result); });
   connect(m_text, &QWidget::customContextMenuRequested, this, &QxConsole::showMenu);
-  m_before = ZxMessage::getTheMsg()->setSink(
-      [this](const std::string& line) { print(QString::fromStdString(line), Kind::Message); });
+  m_before = ZxMessage::getTheMsg()->setSink([this](const std::string& line) {
+    print(QString::fromStdString(line), Kind::Message);
+    Q_EMIT told(QString::fromStdString(line));
+  });
   ZxInterpreter::getTheInterpreter().setOutput(
       [this](const std::string& line) { print(QString::fromStdString(line), Kind::Result); });
 }

@@ -22,6 +22,10 @@ public:
   enum class Kind { Message, Command, Result, Failure };
   void print(const QString& text, Kind kind);
 
+Q_SIGNALS:
+  /// A message of the program has come.
+  void told(const QString& message);
+
 public Q_SLOTS:
   void clear();
 

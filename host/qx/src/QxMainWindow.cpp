@@ -32,15 +32,25 @@
 #include <QStatusBar>
 
 #include <algorithm>
+#include <vector>
 
 namespace {
 
 QxMainWindow* theMainWindow = nullptr;
 
 constexpr int layoutVersion = 1;
+constexpr int messageMilliseconds = 10000;
 constexpr const char* geometryKey = "window/geometry";
 constexpr const char* stateKey = "window/state";
 constexpr QSize usualSize(1280, 800);
+
+/// The first control of a pane that takes the focus, or null.
+QWidget* firstInFocusOrder(QWidget* pane)
+{
+  for (QWidget* widget : pane->findChildren<QWidget*>())
+    if (widget->isVisible() && widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus)) return widget;
+  return nullptr;
+}
 
 } // namespace
 
@@ -205,6 +215,9 @@ void QxMainWindow::connectParts()
   connect(m_page, &QxVolumePage::openWanted, m_files, qOverload<>(&QxFileCommands::askForFiles));
   connect(m_fileQueue, &QxFileQueue::opened, this, [this](ZxSpatialData* volume) { select(volume); });
   connect(m_files, &QxFileCommands::failed, m_messageBar, &QxMessageBar::tell);
+  connect(m_console, &QxConsole::told, this, [this](const QString& message) {
+    if (!m_console->isVisible()) statusBar()->showMessage(message, messageMilliseconds);
+  });
   connect(m_centre, &QStackedLayout::currentChanged, this, &QxMainWindow::followPage);
 }
 
@@ -241,20 +254,13 @@ void QxMainWindow::followPage(int page)
 
 void QxMainWindow::goToNextPane()
 {
-  QWidget* const panes[] = {m_pool, m_ports, m_centre->currentWidget(), m_console};
-  const auto isIn = [](QWidget* pane) { return pane->isAncestorOf(QApplication::focusWidget()); };
-  auto* const end = std::end(panes);
-  auto* const now = std::find_if(std::begin(panes), end, isIn);
-  for (auto* pane = now == end ? std::begin(panes) : now + 1; pane != now; ++pane) {
-    if (pane == end) pane = std::begin(panes);
-    if (pane == now) return;
-    if (!(*pane)->isVisible()) continue;
-    QWidget* first = (*pane)->nextInFocusChain();
-    while (first && first != *pane &&
-           !(first->isVisible() && (first->focusPolicy() & Qt::TabFocus) && first->isEnabled()))
-      first = first->nextInFocusChain();
-    if (first && (*pane)->isAncestorOf(first)) return first->setFocus(Qt::TabFocusReason);
-  }
+  std::vector<QWidget*> panes{m_pool, m_ports, m_centre->currentWidget(), m_console};
+  const auto now = std::find_if(panes.begin(), panes.end(), [](QWidget* pane) {
+    return pane->isAncestorOf(QApplication::focusWidget());
+  });
+  if (now != panes.end()) std::rotate(panes.begin(), now + 1, panes.end());
+  for (QWidget* pane : panes)
+    if (QWidget* first = firstInFocusOrder(pane)) return first->setFocus(Qt::TabFocusReason);
 }
 
 void QxMainWindow::closeEvent(QCloseEvent* event)

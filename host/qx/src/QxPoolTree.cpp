@@ -97,19 +97,23 @@ QxPoolTree::QxPoolTree(QWidget* parent) : QTreeWidget(parent)
   setObjectName("poolList");
   setAccessibleName(tr("Objects"));
   setHeaderLabels({tr("Name"), tr("Size")});
-  header()->setStretchLastSection(true);
-  header()->setSectionResizeMode(NameColumn, QHeaderView::ResizeToContents);
+  header()->setStretchLastSection(false);
+  header()->setSectionResizeMode(NameColumn, QHeaderView::Stretch);
+  header()->setSectionResizeMode(SizeColumn, QHeaderView::ResizeToContents);
+  setTextElideMode(Qt::ElideMiddle);
   setRootIsDecorated(false);
   setItemsExpandable(false);
   setIndentation(22);
   setUniformRowHeights(true);
   setSelectionMode(ExtendedSelection);
-  setEditTriggers(EditKeyPressed);
+  setEditTriggers(NoEditTriggers); // An action with a key of its own does it.
   setContextMenuPolicy(Qt::CustomContextMenu);
 }
 
 void QxPoolTree::refresh()
 {
+  m_refreshIsDue = state() == EditingState; // It would take away what is being typed.
+  if (m_refreshIsDue) return;
   Parents parents = findParents();
   if (parents != m_shown) {
     m_shown = std::move(parents);
@@ -117,6 +121,12 @@ void QxPoolTree::refresh()
     return;
   }
   for (QTreeWidgetItemIterator it(this); *it; ++it) static_cast<ObjectItem*>(*it)->refresh();
+}
+
+void QxPoolTree::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint)
+{
+  QTreeWidget::closeEditor(editor, hint);
+  if (m_refreshIsDue) refresh();
 }
 
 void QxPoolTree::rebuild()

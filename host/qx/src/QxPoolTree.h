@@ -11,7 +11,8 @@ class QxPoolTree : public QTreeWidget {
 public:
   explicit QxPoolTree(QWidget* parent);
 
-  /// Takes up the present state of the pool; selection and current object stay.
+  /// Takes up the present state of the pool; selection and current object stay. While a label is typed this
+  /// waits.
   void refresh();
   /// Takes an object out at once.
   void drop(const ZxObject* object);
@@ -22,11 +23,13 @@ public:
   void rename(const ZxObject* object);
 
 protected:
+  void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
   void drawBranches(QPainter* painter, const QRect& rect, const QModelIndex& index) const override;
 
 private:
   void rebuild();
   QTreeWidgetItem* itemOf(const ZxObject* object) const;
 
+  bool m_refreshIsDue = false;
   std::vector<std::pair<ZxObject*, ZxObject*>> m_shown; // object and the one it stands below
 };

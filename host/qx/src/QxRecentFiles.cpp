@@ -42,11 +42,6 @@ void QxRecentFiles::add(const QStringList& inputs)
   store();
 }
 
-void QxRecentFiles::remove(const QStringList& inputs)
-{
-  if (m_inputs.removeAll(inputs)) store();
-}
-
 void QxRecentFiles::store() const
 {
   QVariantList list;

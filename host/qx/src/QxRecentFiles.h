@@ -13,7 +13,6 @@ public:
 
   /// Puts an input in front.
   void add(const QStringList& inputs);
-  void remove(const QStringList& inputs);
   /// Fills a menu with them.
   void fill(QMenu* menu);
 

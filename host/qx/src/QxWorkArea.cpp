@@ -112,7 +112,6 @@ void QxWorkArea::followBusy()
     qApp->removeEventFilter(this);
     QApplication::restoreOverrideCursor();
   }
-  Q_EMIT busyChanged(m_wasBusy);
 }
 
 bool QxWorkArea::mayReceive(QObject* watched, QEvent* event)

@@ -32,10 +32,6 @@ public:
   void stop();
   bool eventFilter(QObject* watched, QEvent* event) override;
 
-Q_SIGNALS:
-  /// Work has begun or ended. Sent from inside of the work.
-  void busyChanged(bool busy);
-
 protected:
   void show() override;
   void workingChanged() override;

@@ -11,9 +11,8 @@
 #include "zxalign/QxViewAlignSlicesSagittal.h"
 #include "zxalign/ZxAutoAlignMethodFabrique.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
+#include <filesystem>
 #include <initializer_list>
 
 namespace {
@@ -414,11 +413,11 @@ void QxAlignMenuBar::showExtraViewer()
 
 void QxAlignMenuBar::menuUsersguide()
 {
-  const QString page =
-      QString::fromStdString(ZxSkin::getGlobalInstance()->getPathToHelpFile("zxalign", "ZxAlignSlices.html"));
+  const std::string page = ZxSkin::getGlobalInstance()->getPathToHelpFile("zxalign", "ZxAlignSlices.html");
+  std::error_code error;
   ZxHTML* browser = ZxHTML::getTheBrowser();
-  if (QFileInfo::exists(page))
-    browser->load(page);
+  if (std::filesystem::exists(page, error))
+    browser->load(QString::fromStdString(page));
   else
     browser->home();
   browser->show();

@@ -52,7 +52,8 @@ void QxAlignSlices::updateOrthogonalViews() { m_orthoViews->updateView(); }
 
 std::string QxAlignSlices::snapshot(const std::string& fileName)
 {
-  const QList<QToolBar*> bars = getVisibleToolbar();
+  QList<QToolBar*> bars = findChildren<QToolBar*>(Qt::FindDirectChildrenOnly); // those of the panels as well
+  bars.removeIf([](const QToolBar* bar) { return !bar->isVisible(); });
   for (QToolBar* bar : bars) bar->hide();
   if (layout()) layout()->activate();
   // The fourth byte of what is on the screen says nothing; a picture is opaque.

@@ -12,9 +12,10 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <string>
 
-class RecoveryFile;
 class ZxAlignSlices;
+class ZxRecoveryFile;
 struct AlignState;
 struct RecoveryContent;
 struct RecoveryKey;
@@ -65,8 +66,8 @@ public:
 private:
   void takeTurn();
   void writeIfChanged();
-  void write(const AlignState& state, std::shared_ptr<RecoveryFile> replaced);
-  void tellFailure(const QString& problem);
+  void write(const AlignState& state, std::shared_ptr<ZxRecoveryFile> replaced);
+  void tellFailure(const std::string& problem);
   void offer();
   RecoveryKey currentKey() const;
 
@@ -74,11 +75,11 @@ private:
   std::chrono::milliseconds m_interval{1000};
   QTimer m_timer;
   QElapsedTimer m_sinceWrite;
-  McDArray<SliceInfo> m_saved;             // as when attached, or when saved
-  std::unique_ptr<AlignState> m_written;   // what the file holds; null without one
-  std::unique_ptr<RecoveryKey> m_key;      // of the present input; null where nothing is kept
-  std::shared_ptr<RecoveryFile> m_file;    // used by the pool's thread
-  std::shared_ptr<RecoveryFile> m_offered; // held for as long as the question is open
+  McDArray<SliceInfo> m_saved;               // as when attached, or when saved
+  std::unique_ptr<AlignState> m_written;     // what the file holds; null without one
+  std::unique_ptr<RecoveryKey> m_key;        // of the present input; null where nothing is kept
+  std::shared_ptr<ZxRecoveryFile> m_file;    // used by the pool's thread
+  std::shared_ptr<ZxRecoveryFile> m_offered; // held for as long as the question is open
   std::unique_ptr<RecoveryContent> m_offer;
   bool m_hasFailed = false; // One message, not one a second.
   QThreadPool m_pool;       // of one thread: what is done to files is done in order

@@ -220,6 +220,8 @@ public:
 private:
   friend class ZxAlignResampler;
 
+  void describePorts();
+
   // Steps of compute(), one per port.
   /// False when the pass ends here.
   bool computeData();
