@@ -91,6 +91,8 @@ void AlignRecovery::queue()
 
 void AlignRecovery::takeTurn()
 {
+  // A method may have laid the slices elsewhere for its time.
+  if (m_module.isMethodRunning()) return m_timer.start(m_interval);
   writeIfChanged();
   // Work that lets events in goes on: what it does after this has to be written as well.
   if (ZxWorkArea::getTheWorkArea()->isBusy()) m_timer.start(m_interval);

@@ -1,6 +1,7 @@
 #include "zxalign/ZxAlignSlices.h"
 
 #include "Guarded.h"
+#include "ProjectedPair.h"
 #include "ZxAlignResampler.h"
 #include "ZxEditorPause.h"
 #include "mc/McMath.h"
@@ -23,6 +24,7 @@ namespace {
 constexpr int maxSide = 65535;
 
 constexpr int mainViewer = 0;
+constexpr int landmarkMethod = 2;
 
 enum Action { ActionEdit, ActionResample, ActionResampleToResult };
 
@@ -426,7 +428,14 @@ int ZxAlignSlices::doLayout(int mode)
   const std::unique_ptr<ZxAutoAlignMethod> method(m_methods->createAutoAlignMethod(this, mode));
   if (!method) return 0;
   int result = 0;
-  withoutPasses([&] { result = runMethod(*method, mode); });
+  withoutPasses([&] {
+    // Landmarks are points of the slices themselves, whatever is shown of them.
+    std::optional<ProjectedPair> projected;
+    if (m_useMaxIntProjection && mode != landmarkMethod) projected.emplace(*this);
+    result = runMethod(*method, mode);
+  });
+  if (result) m_recovery->queue();
+  updateViews();
   return result;
 }
 

@@ -341,6 +341,18 @@ void QxAlignSlices::showSide()
     m_autoAlignToolBar->upper();
 }
 
+void QxAlignSlices::showFlags()
+{
+  const bool fixed = m_module->isReferenceFixed();
+  m_drawArea->setFixReference(fixed);
+  m_menus->showFixReference(fixed);
+  m_menus->showTransformAll(m_module->transformsAll());
+  if (fixed)
+    disableButtons();
+  else
+    enableButtons();
+}
+
 void QxAlignSlices::undoEmpty() { m_menus->undoEmpty(); }
 
 void QxAlignSlices::undoNotEmpty()
@@ -479,6 +491,7 @@ void QxAlignSlices::setActive(bool visible)
     if (QxMainWindow* host = QxMainWindow::getTheMainWindow()) host->getCentralLayout()->setCurrentIndex(0);
     return;
   }
+  showFlags(); // Scripts may have changed them meanwhile.
   m_menus->addMenu();
   if (QxMainWindow* host = QxMainWindow::getTheMainWindow()) host->getCentralLayout()->setCurrentWidget(this);
   setFocus(Qt::OtherFocusReason);

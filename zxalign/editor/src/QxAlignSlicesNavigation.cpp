@@ -99,18 +99,21 @@ void QxAlignSlices::changeSide(int side)
   showSide();
 }
 
-void QxAlignSlices::transformAll() { m_module->setTransformAll(!m_module->transformsAll()); }
+void QxAlignSlices::transformAll()
+{
+  m_module->setTransformAll(!m_module->transformsAll());
+  showFlags();
+}
 
 void QxAlignSlices::fixReference()
 {
-  if (!acceptsEdit()) return;
+  if (!acceptsEdit()) return showFlags();
   const bool fixed = !m_module->isReferenceFixed();
   m_module->setReferenceFixed(fixed);
-  m_drawArea->setFixReference(fixed);
+  showFlags();
   if (!fixed) updateTransformLowerUpperSliceInfo(m_module->getEditableSlice());
   keepReferenceInStack();
-  if (fixed) return disableButtons();
-  enableButtons();
+  if (fixed) return;
   m_module->mapSlices();
   updateViews();
   m_module->updateQuality();

@@ -95,6 +95,8 @@ public:
   int doLayout(int mode);
   /// True while an automatic method runs. It may let the program handle events; whatever these ask of the
   /// module's slices is to be refused.
+  bool isMethodRunning() const noexcept { return m_methodRuns; }
+  /// The same, or a run over the stack is between two of its pairs.
   bool isRunning() const noexcept { return m_methodRuns || m_stackRuns; }
   /// The editor window, or null. A module takes it over once, before it is opened for the first time.
   ZxAlignEditor* editor() const noexcept { return m_editor.get(); }

@@ -39,6 +39,9 @@ public:
   /// Takes them out and shows all menus of the main window again. Nothing when they are not in.
   void removeMenu();
 
+  /// Show whether these are on. Emit nothing.
+  void showTransformAll(bool on);
+  void showFixReference(bool on);
   void enableFixReference();
   void disableFixReference();
   void enableTransformAll();

@@ -214,6 +214,7 @@ private:
   /// As canEdit(); where it is not so, shows what is true instead of what was asked for.
   bool acceptsEdit();
   void showSide();
+  void showFlags();
   void showSlicePair();
 
   void saveState();
