@@ -25,7 +25,8 @@ protected:
   }
   void clickOn(QWidget* widget)
   {
-    const QPoint at = widget->mapTo(host.get(), widget->rect().center());
+    const QPoint inside(10, widget->height() / 2); // of a spin box not its buttons
+    const QPoint at = widget->mapTo(host.get(), inside);
     QTest::mouseClick(host->windowHandle(), Qt::LeftButton, {}, at);
   }
   QWidget* view() { return editor->drawArea()->viewport(); }
@@ -98,6 +99,7 @@ TEST_F(EditorDisplayTest, ModifiersLetGoInAMenuOrADialogAreNotStuck)
   });
   editor->showParameters();
   EXPECT_FALSE(editor->optionsDialog());
+  host->activateWindow(); // There is no window manager to do it.
   ASSERT_TRUE(QTest::qWaitForWindowActive(host.get()));
   real(Qt::Key_Up);
   EXPECT_TRUE(isAt(e, SliceXForm(0, -2, 0, false)));
