@@ -1,5 +1,8 @@
 // The manual names every control of the editor.
+#include "AlignCommands.h"
 #include "EditorTest.h"
+#include "qx/ZxHTML.h"
+#include "zx/ZxSkin.h"
 #include "zxalign/QxAlignSlicesOptionsDialog.h"
 
 #include <QAbstractButton>
@@ -7,6 +10,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QRegularExpression>
+#include <QTextBrowser>
 #include <QTextDocument>
 
 namespace {
@@ -51,6 +55,8 @@ TEST_F(HelpPageTest, NamesEveryItemButtonAndControl)
   for (const auto* label : dialog.findChildren<QLabel*>())
     if (label->buddy()) expectNamed(label->text());
   for (const ZxAlignSetting& setting : module->settings()) expectNamed(setting.name);
+  for (const AlignCommand& command : alignCommands())
+    expectNamed(QString::fromStdString(std::string(command.name)));
 }
 
 TEST_F(HelpPageTest, LinksLeadSomewhereAndPicturesAreShipped)
@@ -61,6 +67,21 @@ TEST_F(HelpPageTest, LinksLeadSomewhereAndPicturesAreShipped)
   const QString shipped = read("/zxalign/help/CMakeLists.txt");
   for (const QString& picture : matches(html, "src=\"pictures/([^\"]+)\""))
     EXPECT_TRUE(shipped.contains(picture)) << picture.toStdString();
+}
+
+TEST_F(HelpPageTest, OpensInTheHelpBrowser)
+{
+  const auto* browser = ZxHTML::getTheBrowser();
+  for (const bool isThere : {true, false}) { // Without the manual the browser shows its first page.
+    const std::string folder = std::string(ZX_SOURCE_DIR) + "/zxalign/" + (isThere ? "help" : "src");
+    ZxSkin::getGlobalInstance()->setHelpFolder(folder);
+    editor->menuSet()->menuUsersguide();
+    EXPECT_TRUE(browser->isVisible());
+    const auto* page = browser->findChild<QTextBrowser*>("browser");
+    EXPECT_EQ(page->source().fileName() == "ZxAlignSlices.html", isThere)
+        << page->source().toString().toStdString();
+  }
+  ZxSkin::getGlobalInstance()->setHelpFolder({});
 }
 
 } // namespace

@@ -20,7 +20,7 @@ QxPairQualityDock::QxPairQualityDock(QxAlignSlices& editor)
   m_sorted->setSourceModel(m_model);
   m_sorted->setSortRole(PairQualityModel::sortRole);
   setWidget(makeContents());
-  toggleViewAction()->setToolTip(tr("Shows the quality of all pairs of slices"));
+  toggleViewAction()->setToolTip(tr("Pair quality: all pairs of slices, the worst one marked"));
   connect(this, &QDockWidget::visibilityChanged, &m_qualities, &PairQualities::setActive);
   connect(&m_qualities, &PairQualities::reset, this, &QxPairQualityDock::showState);
   connect(&m_qualities, &PairQualities::changed, this, &QxPairQualityDock::showState);
