@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QImage>
 #include <QMouseEvent>
+#include <QWindow>
 
 #include <algorithm>
 #include <chrono>
@@ -39,6 +40,7 @@ struct Drag {
     view.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     view.resize(edge * 15 / 32, edge * 135 / 512);
     view.show();
+    while (!view.windowHandle()->isExposed()) QApplication::processEvents();
     view.paintSlice(edge, edge, a.data(), b.data(), a.data(), b.data(), first, second, bytesPerPixel, 0);
     view.setZoom(1.0f);
     send(QEvent::MouseButtonPress, 0);

@@ -92,7 +92,8 @@ SliceXForm ShownPair::transform(std::size_t slice) const
 
 McVec2f ShownPair::centre() const
 {
-  return {static_cast<float>(size.width() / 2), static_cast<float>(size.height() / 2)};
+  const int x = size.width() / 2, y = size.height() / 2;
+  return {static_cast<float>(x), static_cast<float>(y)};
 }
 
 McVec2f ShownPair::landmarkInContents(std::size_t slice, QPoint landmark, float zoom) const

@@ -15,8 +15,8 @@ constexpr double kRadians = 0.017453;
 // The middle of the viewport; the halves of a pixel are counted in one case each, and cut off in all others.
 QPointF middleOf(QSize viewport, bool exact)
 {
-  return exact ? QPointF(viewport.width() * 0.5, viewport.height() * 0.5)
-               : QPointF(viewport.width() / 2, viewport.height() / 2);
+  const QPoint whole(viewport.width() / 2, viewport.height() / 2);
+  return exact ? QPointF(viewport.width() * 0.5, viewport.height() * 0.5) : QPointF(whole);
 }
 
 bool hits(SliceDrag::Kind kind, const SliceDrag::Scene& scene, const SliceXForm& slice, QPoint mouse)
