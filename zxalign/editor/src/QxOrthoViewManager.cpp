@@ -177,6 +177,7 @@ void QxOrthoViewManager::deleteView(OrthoOrientation orientation)
   if (hasView()) return showCutSlider(orientation, false);
   deleteUpToDateBoxes();
   m_toolBar->detach();
+  m_editor->removeToolBarBreak(m_toolBar);
   m_editor->removeToolBar(m_toolBar);
   m_toolBar->deleteLater(); // one of its own buttons may have led here
   m_toolBar = nullptr;
@@ -187,6 +188,7 @@ void QxOrthoViewManager::createToolBar()
   m_toolBar =
       new QxViewAlignSlicesOrthogonalCommonToolBar(this, m_editor, m_shape.dims.width, m_shape.dims.height);
   m_editor->addToolBar(Qt::TopToolBarArea, m_toolBar);
+  m_editor->insertToolBarBreak(m_toolBar); // Beside the others it would be cut off.
   m_toolBar->setShowZRange(m_showZRange);
   m_toolBar->setZRange(m_zHalfWidth);
   if (m_zoom != 1.0f) showZoom();
