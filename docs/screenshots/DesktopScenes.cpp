@@ -14,6 +14,7 @@ namespace {
 void takeContextMenu(Stage& stage, const Camera& tour)
 {
   auto& pool = stage.find<QTreeWidget>("poolList");
+  pool.setFocus(Qt::MouseFocusReason);
   const QPoint place = pool.visualItemRect(pool.currentItem()).center();
   const auto click = [&] {
     QContextMenuEvent event(QContextMenuEvent::Mouse, place, pool.viewport()->mapToGlobal(place));
@@ -32,8 +33,9 @@ void takeContextMenu(Stage& stage, const Camera& tour)
 
 void takePorts(Stage& stage, const Camera& manual)
 {
+  constexpr int margin = 8;
   auto& page = *stage.find<QScrollArea>("portPanel").widget();
-  manual.takeWidget("ports", page, QRect(0, 0, page.width(), page.minimumSizeHint().height()));
+  manual.takeWidget("ports", page, QRect(0, 0, page.width(), page.childrenRect().bottom() + margin));
 }
 
 void takeHelp(Stage& stage, const Camera& tour)

@@ -90,7 +90,7 @@ void takeEditor(Stage& stage, const Camera& manual)
   takeMenus(stage, manual);
   takeOptions(stage, manual);
   takeLandmarks(stage, manual);
-  stage.script("align setAlignMode 1; align alignAll");
+  stage.script(QString("align setAlignMode 1; align alignAll; align setSliceNumber %1").arg(shownSlice));
   stage.script("align showCoronalView 1; align showSagittalView 1");
   manual.takeWindow("editor-orthogonal", stage.window());
   takePairQuality(stage, manual);

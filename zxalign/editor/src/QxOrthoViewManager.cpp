@@ -23,6 +23,7 @@ namespace {
 constexpr int kCrossSectionUpdateFrequency = 15;
 constexpr int kProjectionUpdateFrequency = 5;
 constexpr int kDefaultZRange = 10;
+constexpr int kSmallestHeight = 50; // of a view, screen pixels
 // Beyond these a step of the zoom is not made.
 constexpr float kLargestZoom = 4096.0f;
 constexpr float kSmallestZoom = 1.0f / 4096.0f;
@@ -146,6 +147,7 @@ void QxOrthoViewManager::createView(OrthoOrientation orientation)
   placeView(created);
   if (!m_toolBar) createToolBar();
   showCutSlider(orientation, !m_projects);
+  keepInWindow();
   clearLineImmediate(0, m_shape.dims.slices - 1, orientation);
   updateSlices(m_zMin, m_zMax, orientation);
 }
@@ -159,6 +161,18 @@ void QxOrthoViewManager::placeView(View& created)
   // Zooming with the mouse in one view zooms both.
   QObject::connect(created.viewer(), &QxImageViewer::zoomFactorChanged, &created,
                    [this](float zoom) { setZoom(zoom); });
+}
+
+void QxOrthoViewManager::keepInWindow()
+{
+  if (!m_editor->isVisible()) return;
+  for (View* shown : {static_cast<View*>(m_sagittalView), static_cast<View*>(m_coronalView)}) {
+    if (!shown) continue;
+    QxImageViewer& viewer = *shown->viewer();
+    viewer.setMinimumWidth(std::min(viewer.minimumWidth(), m_editor->width() / 2));
+    const int excess = m_editor->minimumSizeHint().height() - m_editor->height();
+    if (excess > 0) viewer.setMinimumHeight(std::max(kSmallestHeight, viewer.minimumHeight() - excess));
+  }
 }
 
 void QxOrthoViewManager::deleteView(OrthoOrientation orientation)

@@ -11,6 +11,7 @@
 #include <QFontMetrics>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMargins>
 #include <QPointer>
 #include <QSignalBlocker>
 #include <QToolButton>
@@ -23,6 +24,7 @@ namespace {
 
 constexpr int kSliderWidth = 175;
 constexpr int kZRangeDigits = 3;
+constexpr QMargins kLabelMargins(6, 0, 3, 0); // a label belongs to what follows it
 
 QToolButton* makeButton(QToolBar& bar, const char* name, const char* icon, const char* tip)
 {
@@ -85,6 +87,7 @@ ToolBar::Cut ToolBar::addCut(const char* name, int max, int value)
   Cut cut;
   cut.label = new QLabel(this);
   cut.label->setObjectName(QString("%1Label").arg(name));
+  cut.label->setContentsMargins(kLabelMargins);
   cut.slider = new QxFullSlider(this, "Slice");
   cut.slider->setFixedWidth(kSliderWidth);
   cut.slider->setIncrement(1.0f);
@@ -103,6 +106,7 @@ void ToolBar::addZWindow()
   m_showZRangeBox = makeCheckBox(*this, "showZWindow", "Show Z window", m_showZRange);
   m_zRangeLabel = new QLabel("Width:", this);
   m_zRangeLabel->setObjectName("zWindowLabel");
+  m_zRangeLabel->setContentsMargins(kLabelMargins);
   addWidget(m_zRangeLabel);
   m_zRangeField = new QLineEdit(QString::number(m_zRange), this);
   m_zRangeField->setObjectName("zWindowWidth");
