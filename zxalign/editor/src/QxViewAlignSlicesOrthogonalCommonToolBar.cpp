@@ -11,6 +11,7 @@
 #include <QFontMetrics>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMargins>
 #include <QPointer>
 #include <QSignalBlocker>
 #include <QToolButton>
