@@ -11,7 +11,6 @@
 #include <QFontMetrics>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMargins>
 #include <QPointer>
 #include <QSignalBlocker>
 #include <QToolButton>
