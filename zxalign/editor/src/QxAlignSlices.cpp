@@ -195,6 +195,7 @@ void QxAlignSlices::createPanels()
   QToolBar* panels = addToolBar("Panels");
   panels->setObjectName("panelToolBar");
   panels->addAction(pairQuality->toggleViewAction());
+  addToolBarBreak(); // The toolbar of the orthogonal views gets a row of its own.
 }
 
 void QxAlignSlices::leaveMainWindow()
@@ -483,6 +484,7 @@ void QxAlignSlices::setUseMaxIntProjection(bool on)
 {
   m_orthoViews->setUseMaxIntProj(on);
   updateViews();
+  if (hasPair()) m_module->updateQuality();
 }
 
 void QxAlignSlices::setActive(bool visible)

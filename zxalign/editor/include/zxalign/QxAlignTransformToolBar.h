@@ -34,6 +34,7 @@ Q_SIGNALS:
   void flipChanged(bool b);
 
 private:
+  void addLabel(const char* text);
   QSpinBox* addPixels(const char* label, const char* name);
 
   QSpinBox* m_x;         // child
