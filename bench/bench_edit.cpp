@@ -32,7 +32,8 @@ void needApplication()
   static char name[] = "bench_edit";
   static char* argv[] = {name, nullptr};
   setenv("QT_QPA_PLATFORM", "offscreen", 0);
-  static QApplication application(argc, argv);
+  // Never destroyed: devices of the toolkit outlive what the end of a program destroys.
+  static QApplication& application = *new QApplication(argc, argv);
 }
 
 int texture(int x, int y, int k, int) { return (x * 7 + y * 13 + (x ^ y) * 5 + k * 31) & 255; }
