@@ -29,7 +29,7 @@ void needApplication()
   static char* argv[] = {name, nullptr};
   setenv("QT_QPA_PLATFORM", "offscreen", 0);
   // Never destroyed: devices of the toolkit outlive what the end of a program destroys.
-  static QApplication& application = *new QApplication(argc, argv);
+  [[maybe_unused]] static QApplication& application = *new QApplication(argc, argv);
 }
 
 // A view of 16:9 on a square pair, on a 4096 x 4096 pair one of 1920 x 1080.
