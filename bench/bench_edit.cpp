@@ -1,8 +1,11 @@
 // The editor window while a slice is dragged, with both orthogonal views open: from a move of the mouse to
 // the repainted window, as a multiple of copying a picture of the size of the slice view.
 
-#include "qx/QxMainWindow.h"
+// Before the toolkit, whose macros it does not bear.
 #include "support/Threads.h"
+
+#include "qx/QxMainWindow.h"
+#include "support/Random.h"
 #include "support/Volumes.h"
 #include "zx/ZxObjectPool.h"
 #include "zxalign/AlignEditorFactory.h"
@@ -32,7 +35,8 @@ void needApplication()
   static char name[] = "bench_edit";
   static char* argv[] = {name, nullptr};
   setenv("QT_QPA_PLATFORM", "offscreen", 0);
-  static QApplication application(argc, argv);
+  // Never destroyed: devices of the toolkit outlive what the end of a program destroys.
+  [[maybe_unused]] static QApplication& application = *new QApplication(argc, argv);
 }
 
 int texture(int x, int y, int k, int) { return (x * 7 + y * 13 + (x ^ y) * 5 + k * 31) & 255; }

@@ -89,7 +89,6 @@ align fire
 > setEditMode 1
 > setAlignMode 0
 > setAlignMode -1
-> setAlignMode NoSuchMethod
 > setAlignMode OptimizeAlignMethod
 > getAlignMode
 > setOption iterations 20

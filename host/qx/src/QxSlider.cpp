@@ -142,7 +142,7 @@ void QxSlider::drawFrame(QPainter& painter) const
   if (shadow == QFrame::Raised) option.state |= QStyle::State_Raised;
   // A frame without a shadow is a quiet line: the style would draw it in the colour of text.
   if (shadow != QFrame::Sunken && shadow != QFrame::Raised)
-    option.palette.setColor(QPalette::WindowText, palette().color(QPalette::Mid));
+    option.palette.setColor(foregroundRole(), palette().color(QPalette::Mid));
   style()->drawControl(QStyle::CE_ShapedFrame, &option, &painter, this);
 }
 

@@ -188,7 +188,9 @@ void QxAlignSlices::placeInMainWindow()
 void QxAlignSlices::createPanels()
 {
   auto* pairQuality = new QxPairQualityDock(*this);
-  addDockWidget(Qt::RightDockWidgetArea, pairQuality);
+  addDockWidget(Qt::BottomDockWidgetArea, pairQuality);
+  // The orthogonal views need the height, and have the width.
+  setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
   pairQuality->hide();
   QToolBar* panels = addToolBar("Panels");
   panels->setObjectName("panelToolBar");

@@ -23,6 +23,7 @@ namespace {
 constexpr int kCrossSectionUpdateFrequency = 15;
 constexpr int kProjectionUpdateFrequency = 5;
 constexpr int kDefaultZRange = 10;
+constexpr int kSmallestHeight = 50; // of a view, screen pixels
 // Beyond these a step of the zoom is not made.
 constexpr float kLargestZoom = 4096.0f;
 constexpr float kSmallestZoom = 1.0f / 4096.0f;
@@ -146,6 +147,7 @@ void QxOrthoViewManager::createView(OrthoOrientation orientation)
   placeView(created);
   if (!m_toolBar) createToolBar();
   showCutSlider(orientation, !m_projects);
+  keepInWindow();
   clearLineImmediate(0, m_shape.dims.slices - 1, orientation);
   updateSlices(m_zMin, m_zMax, orientation);
 }
@@ -160,6 +162,18 @@ void QxOrthoViewManager::placeView(View& created)
   // Zooming with the mouse in one view zooms both.
   QObject::connect(created.viewer(), &QxImageViewer::zoomFactorChanged, &created,
                    [this](float zoom) { setZoom(zoom); });
+}
+
+void QxOrthoViewManager::keepInWindow()
+{
+  if (!m_editor->isVisible()) return;
+  for (View* shown : {static_cast<View*>(m_sagittalView), static_cast<View*>(m_coronalView)}) {
+    if (!shown) continue;
+    QxImageViewer& viewer = *shown->viewer();
+    viewer.setMinimumWidth(std::min(viewer.minimumWidth(), m_editor->width() / 2));
+    const int excess = m_editor->minimumSizeHint().height() - m_editor->height();
+    if (excess > 0) viewer.setMinimumHeight(std::max(kSmallestHeight, viewer.minimumHeight() - excess));
+  }
 }
 
 void QxOrthoViewManager::deleteView(OrthoOrientation orientation)
@@ -178,6 +192,7 @@ void QxOrthoViewManager::deleteView(OrthoOrientation orientation)
   if (hasView()) return showCutSlider(orientation, false);
   deleteUpToDateBoxes();
   m_toolBar->detach();
+  m_editor->removeToolBarBreak(m_toolBar);
   m_editor->removeToolBar(m_toolBar);
   m_toolBar->deleteLater(); // one of its own buttons may have led here
   m_toolBar = nullptr;
@@ -188,6 +203,7 @@ void QxOrthoViewManager::createToolBar()
   m_toolBar =
       new QxViewAlignSlicesOrthogonalCommonToolBar(this, m_editor, m_shape.dims.width, m_shape.dims.height);
   m_editor->addToolBar(Qt::TopToolBarArea, m_toolBar);
+  m_editor->insertToolBarBreak(m_toolBar); // Beside the others it would be cut off.
   m_toolBar->setShowZRange(m_showZRange);
   m_toolBar->setZRange(m_zHalfWidth);
   if (m_zoom != 1.0f) showZoom();

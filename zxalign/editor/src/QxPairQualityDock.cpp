@@ -43,11 +43,18 @@ QWidget* QxPairQualityDock::makeContents()
   m_worst->setObjectName("goToWorstButton");
   m_worst->setFocusPolicy(Qt::TabFocus); // A click leaves the keys with the slice view.
   m_table = makeTable(contents);
-  auto* layout = new QVBoxLayout(contents);
-  layout->addWidget(curve);
-  layout->addWidget(m_state);
-  layout->addWidget(m_worst);
+  auto* overview = new QVBoxLayout;
+  overview->addWidget(curve, 1);
+  overview->addWidget(m_state);
+  overview->addWidget(m_worst);
+  auto* layout = new QBoxLayout(QBoxLayout::TopToBottom, contents);
+  layout->addLayout(overview, 2);
   layout->addWidget(m_table, 1);
+  // Above or below the slices there is width to spare, but no height.
+  connect(this, &QDockWidget::dockLocationChanged, layout, [layout](Qt::DockWidgetArea area) {
+    const bool isWide = area == Qt::BottomDockWidgetArea || area == Qt::TopDockWidgetArea;
+    layout->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+  });
   connect(curve, &QxPairQualityCurve::pairChosen, this, &QxPairQualityDock::goTo);
   return contents;
 }

@@ -134,6 +134,9 @@ private:
   void adoptLattice(ZxLattice* lattice);
   void createView(OrthoOrientation orientation);
   void placeView(View& created);
+  /// Views want the size of the stack. What the window does not have they do without: it must not grow beyond
+  /// the screen, and the slice view keeps half of its width.
+  void keepInWindow();
   void deleteView(OrthoOrientation orientation);
   void createToolBar();
   void showCutSlider(OrthoOrientation orientation, bool show);

@@ -1,0 +1,98 @@
+#include "Camera.h"
+#include "Scenes.h"
+#include "Stage.h"
+
+#include <QAbstractScrollArea>
+#include <QLabel>
+#include <QTabWidget>
+
+namespace {
+
+constexpr int shownSlice = 21;
+
+/// A part of the slice view around its middle.
+void takeSlices(Stage& stage, const Camera& manual, const QString& name)
+{
+  constexpr QSize size(400, 300);
+  QWidget& view = *stage.find<QAbstractScrollArea>("drawArea").viewport();
+  manual.takeWidget(name, view, QRect(view.rect().center() - QPoint(size.width(), size.height()) / 2, size));
+}
+
+/// Every way to compose a pair, of a pair that is not yet aligned.
+void takeCompositions(Stage& stage, const Camera& manual)
+{
+  const struct {
+    const char* action;
+    const char* name;
+  } ways[] = {{"redGreenAction", "editor-red-green"},
+              {"chessAction", "editor-checkerboard"},
+              {"averageAction", "editor-average"},
+              {"invertAction", "editor-inverted"}};
+  for (const auto& way : ways) {
+    stage.find<QAction>(way.action).trigger();
+    takeSlices(stage, manual, way.name);
+  }
+}
+
+void takeMenus(Stage& stage, const Camera& manual)
+{
+  for (const char* name : {"view", "options", "align", "landmarks"}) {
+    const QByteArray menu = QByteArray(name) + "Menu";
+    stage.whileMenuIsOpen(menu.constData(), [&](QWidget& opened) {
+      const QPoint corner = stage.window().mapFromGlobal(opened.mapToGlobal(opened.rect().bottomRight()));
+      manual.takeWindow(QString("menu-%1").arg(name), stage.window(),
+                        QRect(0, 0, corner.x() + 60, corner.y() + 20));
+    });
+  }
+}
+
+void takeOptions(Stage& stage, const Camera& manual)
+{
+  const auto open = [&] { stage.find<QAction>("optionsAction").trigger(); };
+  Stage::whileOpen(open, [&](QWidget& dialog) {
+    auto* const tabs = dialog.findChild<QTabWidget*>("optionsTabWidget");
+    if (!tabs) Stage::fail("The options have no tabs.");
+    for (int i = 0; i < tabs->count(); ++i) {
+      tabs->setCurrentIndex(i);
+      const QString name = tabs->tabText(i).remove('&').toLower().replace(' ', '-');
+      manual.takeWidget("options-" + name, dialog);
+    }
+  });
+}
+
+/// The same places of two neighbouring slices, and one of them selected.
+void takeLandmarks(Stage& stage, const Camera& manual)
+{
+  stage.find<QWidget>("editLandmarks").setFocus();
+  stage.script("align setEditMode 3; align addLandmark 120 150; align addLandmark 290 110");
+  manual.takeWindow("editor-landmarks", stage.window());
+  stage.script("align undo; align undo; align setEditMode 1");
+}
+
+void takePairQuality(Stage& stage, const Camera& manual)
+{
+  QWidget& dock = stage.find("pairQualityDock");
+  dock.show();
+  const auto& state = stage.find<QLabel>("pairQualityState");
+  Stage::waitFor("the pair qualities", [&state] {
+    return state.text().startsWith("Worst") && !state.text().contains("up to date");
+  });
+  manual.takeWidget("pair-quality", dock);
+}
+
+} // namespace
+
+void takeEditor(Stage& stage, const Camera& manual)
+{
+  stage.script("align edit");
+  stage.script(QString("align setSliceNumber %1").arg(shownSlice));
+  takeCompositions(stage, manual);
+  takeMenus(stage, manual);
+  takeOptions(stage, manual);
+  takeLandmarks(stage, manual);
+  stage.script(QString("align setAlignMode 1; align alignAll; align setSliceNumber %1").arg(shownSlice));
+  stage.script("align showCoronalView 1; align showSagittalView 1");
+  manual.takeWindow("editor-orthogonal", stage.window());
+  takePairQuality(stage, manual);
+  manual.takeWindow("editor", stage.window());
+}
