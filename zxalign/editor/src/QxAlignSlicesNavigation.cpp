@@ -197,11 +197,14 @@ bool QxAlignSlices::askAndClose()
     const QString name = QString::fromStdString(m_module->sliceData().getInputDataName().str());
     const AlignSaveAnswer answer = askToSaveAlignment(this, name);
     if (!alive) return true;
+    const McHandle<ZxSpatialData> asked(m_module->sliceData().getSpatialData());
     m_asksToClose = false;
     if (answer == AlignSaveAnswer::Cancel) return false;
     if (answer == AlignSaveAnswer::None) return true; // Nothing was decided: the window stays where it is.
     if (answer == AlignSaveAnswer::Save) save();
     if (answer == AlignSaveAnswer::Save && m_module->isModified()) return false; // A message says why.
+    // Not an answer for another input that has come meanwhile.
+    if (m_module->sliceData().getSpatialData() != asked.get()) return false;
     if (answer == AlignSaveAnswer::DontSave) m_module->recovery().forget();
   }
   setActive(false);
