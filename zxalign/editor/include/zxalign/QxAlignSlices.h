@@ -200,6 +200,7 @@ private:
   void connectDrawArea();
   void connectHistory();
   void makeHistory();
+  void showHistory();
   void placeInMainWindow();
   void createPanels();
   void leaveMainWindow();
@@ -213,6 +214,7 @@ private:
   /// As canEdit(); where it is not so, shows what is true instead of what was asked for.
   bool acceptsEdit();
   void showSide();
+  void showFlags();
   void showSlicePair();
 
   void saveState();
@@ -244,6 +246,7 @@ private:
   int m_editMode = EditTransform;
   int m_alignMode = AlignGray;
   int m_chessFieldSize = 50;
+  bool m_showsFixedReference = false;
   bool m_showsMode = false;   // the toolbar is being told the align mode: its echo is no choice
   bool m_asksToClose = false; // the save prompt is open
 };
