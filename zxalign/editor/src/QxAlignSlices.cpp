@@ -46,7 +46,6 @@ QxAlignSlices::QxAlignSlices(ZxAlignSlices* module)
   placeInMainWindow();
   createPanels();
   showSide();
-  showFlags();
   showHistory();
   updateViews();
 }
@@ -253,6 +252,7 @@ void QxAlignSlices::updateViews()
   else
     m_drawArea->forgetPair();
   updateToolbar();
+  showFlags();
 }
 
 void QxAlignSlices::showSlicePair()
