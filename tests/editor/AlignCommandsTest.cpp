@@ -95,6 +95,8 @@ TEST_F(AlignCommandsTest, ChoosePairAndModes)
   EXPECT_EQ(result("getReferenceSlice"), "6");
   result("setFixReferenceSlice 2");
   EXPECT_EQ(result("getFixReferenceSlice"), "1");
+  EXPECT_EQ(result("getReferenceSlice"), "6") << "the one that was chosen is fixed";
+  EXPECT_TRUE(host->findChild<QAction*>("fixReferenceAction")->isChecked());
   result("setFixReferenceSlice 0");
   EXPECT_EQ(result("getFixReferenceSlice"), "0");
   result("setTransformAll 0");

@@ -68,6 +68,7 @@ TEST_F(EditorWiringTest, MenuItemsReachTheModule)
   EXPECT_FALSE(item("transformAllAction")->isEnabled());
 }
 
+<<<<<<< HEAD
 TEST_F(EditorWiringTest, TheFlagsAreTheSameEverywhereWhoeverSetsThem)
 {
   const auto agree = [&](bool all, bool fixed) {
@@ -91,6 +92,54 @@ TEST_F(EditorWiringTest, TheFlagsAreTheSameEverywhereWhoeverSetsThem)
   module->setTransformAll(false);
   press(0);
   agree(false, true);
+=======
+TEST_F(EditorWiringTest, MenuMarksFollowWhatIsSwitchedElsewhere)
+{
+  const auto marks = [&] {
+    std::string all;
+    for (const char* name : {"transformAllAction", "fixReferenceAction", "transformParametersAction",
+                             "chessAction", "invertAction"})
+      all += item(name)->isChecked() ? '1' : '0';
+    return all;
+  };
+  EXPECT_EQ(marks(), "10001");
+  editor->transformAll();
+  editor->fixReference();
+  editor->showTransformToolBar(true);
+  editor->changeViewMode(2);
+  EXPECT_EQ(marks(), "01110");
+  item("fixReferenceAction")->trigger();
+  child<QToolBar>("transformToolBar")->toggleViewAction()->trigger();
+  EXPECT_FALSE(module->isReferenceFixed());
+  EXPECT_EQ(marks(), "00010");
+
+  press(0); // closed: scripts go to the module
+  module->setTransformAll(true);
+  module->setReferenceFixed(true);
+  press(0);
+  EXPECT_EQ(marks(), "11010");
+  EXPECT_FALSE(child<QToolButton>("upper")->isEnabled());
+
+  module->change([&] { module->portData.disconnect(); });
+  item("fixReferenceAction")->trigger(); // refused: there is no pair
+  EXPECT_EQ(marks(), "11010");
+}
+
+TEST_F(EditorWiringTest, UndoIsOfferedWhereThereIsAHistory)
+{
+  Q_EMIT view->translated(3, 4, false);
+  editor->undoRedo()->undo();
+  Q_EMIT view->translated(5, 4, false);
+  EXPECT_TRUE(item("undoAction")->isEnabled() && item("redoAction")->isEnabled());
+  {
+    QxAlignSlices late(module.get());
+    for (const char* name : {"undoActionOfEditor", "redoActionOfEditor"})
+      EXPECT_TRUE(late.findChild<QAction*>(name)->isEnabled()) << name;
+  }
+  connect(module->portReference, greyStack({24, 18, 7})); // replaces the alignment
+  EXPECT_FALSE(item("undoAction")->isEnabled() || item("redoAction")->isEnabled());
+  EXPECT_EQ(undoDepth(), 0);
+>>>>>>> reviewa
 }
 
 TEST_F(EditorWiringTest, MenuItemsReachTheViews)

@@ -23,6 +23,7 @@
 #include <QStackedLayout>
 
 #include <algorithm>
+#include <utility>
 
 QxAlignSlices::QxAlignSlices(ZxAlignSlices* module)
   : QMainWindow(nullptr, Qt::SubWindow), m_module(module),
@@ -45,6 +46,7 @@ QxAlignSlices::QxAlignSlices(ZxAlignSlices* module)
   placeInMainWindow();
   createPanels();
   showSide();
+  showHistory();
   updateViews();
 }
 
@@ -115,6 +117,9 @@ void QxAlignSlices::connectToolBars()
   connect(m_transformToolBar, &Numbers::transYChanged, this, &Window::toolBarTranslateY);
   connect(m_transformToolBar, &Numbers::rotChanged, this, &Window::toolBarRotate);
   connect(m_transformToolBar, &Numbers::flipChanged, this, &Window::toolBarFlip);
+  // The window's own menu of its toolbars hides this one, too.
+  connect(m_transformToolBar->toggleViewAction(), &QAction::triggered, m_menus.data(),
+          &QxAlignMenuBar::showTransformParameters);
   connect(m_alignToolBar, &QxAlignToolBar::sliceChanged, this, &Window::sliceChange);
   connect(m_alignToolBar, &QxAlignToolBar::zoomChanged, m_drawArea, &View::setZoom);
 
@@ -174,6 +179,13 @@ void QxAlignSlices::connectHistory()
   connect(history, &History::undoNotEmpty, this, [this] { m_module->setModified(true); });
   connect(history, &History::undoNotEmpty, this, &QxAlignSlices::edited);
   connect(history, &History::redoNotEmpty, this, &QxAlignSlices::edited);
+}
+
+void QxAlignSlices::showHistory()
+{
+  // Scripts save states without a window, too.
+  if (m_module->history().canUndo()) m_menus->undoNotEmpty();
+  if (m_module->history().canRedo()) m_menus->redoNotEmpty();
 }
 
 void QxAlignSlices::placeInMainWindow()
@@ -243,6 +255,7 @@ void QxAlignSlices::updateViews()
   else
     m_drawArea->forgetPair();
   updateToolbar();
+  showFlags();
 }
 
 void QxAlignSlices::showSlicePair()
@@ -303,6 +316,7 @@ void QxAlignSlices::reInit()
   m_previews->takeBack();
   m_previews->clear();
   m_alignToolBar->setSlicesRange(0, std::max(0, numSlices() - 1));
+  m_module->undoRedo().clear(); // of another input, or of before a reference was read
   makeHistory();
   m_menus->undoEmpty();
   m_menus->redoEmpty();
@@ -347,9 +361,15 @@ void QxAlignSlices::showSide()
 void QxAlignSlices::showFlags()
 {
   const bool fixed = m_module->isReferenceFixed();
+<<<<<<< HEAD
   m_drawArea->setFixReference(fixed);
   m_menus->showFixReference(fixed);
   m_menus->showTransformAll(m_module->transformsAll());
+=======
+  m_menus->showTransformAll(m_module->transformsAll());
+  m_menus->showFixReference(fixed);
+  if (fixed != std::exchange(m_showsFixedReference, fixed)) m_drawArea->setFixReference(fixed);
+>>>>>>> reviewa
   if (fixed)
     disableButtons();
   else
@@ -374,11 +394,18 @@ void QxAlignSlices::redoNotEmpty()
 
 void QxAlignSlices::changeViewMode(int mode)
 {
-  if (mode == QxDrawAlignSlices::Checkerboard)
-    m_drawArea->chess(m_chessFieldSize);
-  else if (mode == QxDrawAlignSlices::RedGreen || mode == QxDrawAlignSlices::Average ||
-           mode == QxDrawAlignSlices::InvertedOverlay)
-    m_drawArea->setViewMode(mode);
+  switch (mode) { // By the menu, whose check marks follow.
+  case QxDrawAlignSlices::RedGreen:
+    return m_menus->redGreen();
+  case QxDrawAlignSlices::Checkerboard:
+    return m_menus->chess();
+  case QxDrawAlignSlices::Average:
+    return m_menus->avg();
+  case QxDrawAlignSlices::InvertedOverlay:
+    return m_menus->invert();
+  default:
+    return;
+  }
 }
 
 void QxAlignSlices::changeEditMode(int mode)
@@ -437,6 +464,7 @@ int QxAlignSlices::getEditMode() { return m_editMode; }
 
 void QxAlignSlices::showTransformToolBar(bool visible)
 {
+  m_menus->showTransformParameters(visible);
   if (!visible) {
     removeToolBar(m_transformToolBar);
     m_transformToolBar->hide();
@@ -495,7 +523,11 @@ void QxAlignSlices::setActive(bool visible)
     if (QxMainWindow* host = QxMainWindow::getTheMainWindow()) host->getCentralLayout()->setCurrentIndex(0);
     return;
   }
+<<<<<<< HEAD
   showFlags(); // Scripts may have changed them meanwhile.
+=======
+  showFlags(); // Scripts switch them while the window is closed.
+>>>>>>> reviewa
   m_menus->addMenu();
   if (QxMainWindow* host = QxMainWindow::getTheMainWindow()) host->getCentralLayout()->setCurrentWidget(this);
   setFocus(Qt::OtherFocusReason);

@@ -1,5 +1,4 @@
 // The editor window: what scripts ask of it beyond the slots that people use.
-#include "zxalign/QxAlignMenuBar.h"
 #include "zxalign/QxAlignSlices.h"
 #include "zxalign/QxAutoAlignToolBar.h"
 #include "zxalign/QxDrawAlignSlices.h"
@@ -19,21 +18,7 @@ void QxAlignSlices::chooseEditMode(int mode)
   m_drawArea->setEditMode(mode);
 }
 
-void QxAlignSlices::chooseViewMode(int mode)
-{
-  switch (mode) { // By the menu, whose check marks follow.
-  case QxDrawAlignSlices::RedGreen:
-    return m_menus->redGreen();
-  case QxDrawAlignSlices::Checkerboard:
-    return m_menus->chess();
-  case QxDrawAlignSlices::Average:
-    return m_menus->avg();
-  case QxDrawAlignSlices::InvertedOverlay:
-    return m_menus->invert();
-  default:
-    return;
-  }
-}
+void QxAlignSlices::chooseViewMode(int mode) { changeViewMode(mode); }
 
 void QxAlignSlices::inhibitRedraw(int delta) { m_drawArea->addSuppression(delta); }
 
