@@ -234,6 +234,19 @@ TEST_F(EditorWiringTest, WhatTheViewReportsBecomesOneEditEach)
   EXPECT_EQ(undoDepth(), 7);
 }
 
+TEST_F(EditorWiringTest, AMoveBesideAFixedReferenceChangesOneColumnOfAProjection)
+{
+  module->setUseMaxIntProjection(true);
+  Q_EMIT menus->coronalSignal(true);
+  Q_EMIT menus->fixReferenceSignal();
+  const McTypedData2D& image = editor->getOrthoViewManager()->getCoronalView()->image();
+  const auto column = [&image](int z) { return std::vector(image.row(z), image.row(z) + image.rowBytes()); };
+  const auto moved = column(current()), next = column(current() + 1);
+  Q_EMIT view->translated(3.0f, 0.0f, false);
+  EXPECT_NE(column(current()), moved);
+  EXPECT_EQ(column(current() + 1), next) << "that slice has not moved";
+}
+
 TEST_F(EditorWiringTest, UndoAndRedoAreOfferedWhenThereIsSomething)
 {
   EXPECT_FALSE(item("undoAction")->isEnabled() || item("redoAction")->isEnabled());

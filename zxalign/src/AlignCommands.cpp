@@ -218,14 +218,18 @@ int translate(Module& module, Interp, Words words)
 {
   const float dx = alignReal(words[0]);
   const float dy = alignReal(words[1]);
-  if (isFinite("translate", dx) && isFinite("translate", dy)) module.translateRelative(dx, dy);
+  if (!isFinite("translate", dx) || !isFinite("translate", dy)) return kZxOk;
+  module.translateRelative(dx, dy);
+  if (hasEditor(module)) editor(module).showEdit();
   return kZxOk;
 }
 
 int rotate(Module& module, Interp, Words words)
 {
   const float angle = alignReal(words[0]);
-  if (isFinite("rotate", angle)) module.rotateRelative(angle);
+  if (!isFinite("rotate", angle)) return kZxOk;
+  module.rotateRelative(angle);
+  if (hasEditor(module)) editor(module).showEdit();
   return kZxOk;
 }
 

@@ -302,7 +302,7 @@ void QxAlignSlices::updateOrthoViews(int dx, int dy, bool translated, bool rotat
   if (wholeStack) {
     from = 0;
     to = last;
-  } else if (m_module->transformsAll() && !mirrored) {
+  } else if (m_module->transformsAll() && !m_module->isReferenceFixed() && !mirrored) {
     if (m_module->getEditableSide() == 1)
       to = last;
     else

@@ -20,6 +20,12 @@ void QxAlignSlices::chooseEditMode(int mode)
 
 void QxAlignSlices::chooseViewMode(int mode) { changeViewMode(mode); }
 
+void QxAlignSlices::showEdit()
+{
+  updateToolbar();
+  updateOrthoViews(0, 0, false, false, false, false);
+}
+
 void QxAlignSlices::inhibitRedraw(int delta) { m_drawArea->addSuppression(delta); }
 
 void QxAlignSlices::setOrthoViewZWindow(int halfWidth)
@@ -33,7 +39,10 @@ void QxAlignSlices::setOrthoViewAutoUpdate(bool on)
   if (auto* bar = m_orthoViews->getToolBar()) bar->setAutoUpdate(on);
 }
 
-void QxAlignSlices::updateOrthogonalViews() { m_orthoViews->updateView(); }
+void QxAlignSlices::updateOrthogonalViews()
+{
+  if (auto* bar = m_orthoViews->getToolBar()) bar->updateView(); // which computes also without "Auto update"
+}
 
 std::string QxAlignSlices::snapshot(const std::string& fileName)
 {

@@ -43,6 +43,8 @@ public:
   // Views.
   /// Asks for a repaint of the slice view.
   virtual void draw() = 0;
+  /// Takes up a change of the editable slice, and of those that follow it, in toolbars and orthogonal views.
+  virtual void showEdit() = 0;
   /// Adds to the number of reasons why the slice view is not composed anew; it is while there is none.
   virtual void inhibitRedraw(int delta) = 0;
   /// One step of the slice view's zoom.

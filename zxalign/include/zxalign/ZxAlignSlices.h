@@ -126,7 +126,7 @@ public:
   /// What keeps unsaved edits for the case of a crash.
   AlignRecovery& recovery() noexcept { return *m_recovery; }
 
-  /// Frames per second of ten repaints of the editor's slice view; 0 without an editor.
+  /// Frames per second of ten repaints of the slice view; 0 while the editor is not open.
   float performanceTest();
 
   // Settings and state.

@@ -92,6 +92,7 @@ public:
   // ZxAlignEditorScripting, as far as there is no slot for it
   void chooseEditMode(int mode) override;
   void chooseViewMode(int mode) override;
+  void showEdit() override;
   void inhibitRedraw(int delta) override;
   void setOrthoViewZWindow(int halfWidth) override;
   void setOrthoViewAutoUpdate(bool on) override;
