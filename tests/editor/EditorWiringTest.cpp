@@ -68,31 +68,6 @@ TEST_F(EditorWiringTest, MenuItemsReachTheModule)
   EXPECT_FALSE(item("transformAllAction")->isEnabled());
 }
 
-<<<<<<< HEAD
-TEST_F(EditorWiringTest, TheFlagsAreTheSameEverywhereWhoeverSetsThem)
-{
-  const auto agree = [&](bool all, bool fixed) {
-    EXPECT_EQ(module->transformsAll(), all);
-    EXPECT_EQ(module->isReferenceFixed(), fixed);
-    EXPECT_EQ(item("transformAllAction")->isChecked(), all);
-    EXPECT_EQ(item("fixReferenceAction")->isChecked(), fixed);
-    EXPECT_EQ(item("transformAllAction")->isEnabled(), !fixed);
-    EXPECT_EQ(child<QToolButton>("upper")->isEnabled(), !fixed);
-  };
-  item("transformAllAction")->trigger();
-  agree(false, false);
-  editor->transformAll(); // as a script does
-  agree(true, false);
-  item("fixReferenceAction")->trigger();
-  agree(true, true);
-  editor->fixReference();
-  agree(true, false);
-  press(0);
-  module->setReferenceFixed(true); // while the window is closed
-  module->setTransformAll(false);
-  press(0);
-  agree(false, true);
-=======
 TEST_F(EditorWiringTest, MenuMarksFollowWhatIsSwitchedElsewhere)
 {
   const auto marks = [&] {
@@ -139,7 +114,6 @@ TEST_F(EditorWiringTest, UndoIsOfferedWhereThereIsAHistory)
   connect(module->portReference, greyStack({24, 18, 7})); // replaces the alignment
   EXPECT_FALSE(item("undoAction")->isEnabled() || item("redoAction")->isEnabled());
   EXPECT_EQ(undoDepth(), 0);
->>>>>>> reviewa
 }
 
 TEST_F(EditorWiringTest, MenuItemsReachTheViews)

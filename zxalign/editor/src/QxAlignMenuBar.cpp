@@ -280,8 +280,6 @@ void QxAlignMenuBar::assignKeys()
   for (const Key& key : m_keys) setEnabled(key.own, !isIn() && key.item && key.item->isEnabled());
 }
 
-void QxAlignMenuBar::showTransformAll(bool on) { setChecked(m_transformAll, on); }
-void QxAlignMenuBar::showFixReference(bool on) { setChecked(m_fixReference, on); }
 void QxAlignMenuBar::enableFixReference() { setEnabled(m_fixReference, true); }
 void QxAlignMenuBar::disableFixReference() { setEnabled(m_fixReference, false); }
 void QxAlignMenuBar::enableTransformAll() { setEnabled(m_transformAll, true); }

@@ -361,15 +361,9 @@ void QxAlignSlices::showSide()
 void QxAlignSlices::showFlags()
 {
   const bool fixed = m_module->isReferenceFixed();
-<<<<<<< HEAD
-  m_drawArea->setFixReference(fixed);
-  m_menus->showFixReference(fixed);
-  m_menus->showTransformAll(m_module->transformsAll());
-=======
   m_menus->showTransformAll(m_module->transformsAll());
   m_menus->showFixReference(fixed);
   if (fixed != std::exchange(m_showsFixedReference, fixed)) m_drawArea->setFixReference(fixed);
->>>>>>> reviewa
   if (fixed)
     disableButtons();
   else
@@ -523,11 +517,7 @@ void QxAlignSlices::setActive(bool visible)
     if (QxMainWindow* host = QxMainWindow::getTheMainWindow()) host->getCentralLayout()->setCurrentIndex(0);
     return;
   }
-<<<<<<< HEAD
-  showFlags(); // Scripts may have changed them meanwhile.
-=======
   showFlags(); // Scripts switch them while the window is closed.
->>>>>>> reviewa
   m_menus->addMenu();
   if (QxMainWindow* host = QxMainWindow::getTheMainWindow()) host->getCentralLayout()->setCurrentWidget(this);
   setFocus(Qt::OtherFocusReason);

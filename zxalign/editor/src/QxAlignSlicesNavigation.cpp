@@ -101,13 +101,8 @@ void QxAlignSlices::changeSide(int side)
 
 void QxAlignSlices::transformAll()
 {
-<<<<<<< HEAD
-  m_module->setTransformAll(!m_module->transformsAll());
-  showFlags();
-=======
   if (!m_module->isRunning()) m_module->setTransformAll(!m_module->transformsAll());
   showFlags(); // The menu has changed its check mark by itself.
->>>>>>> reviewa
 }
 
 void QxAlignSlices::fixReference()

@@ -39,13 +39,7 @@ public:
   /// Takes them out and shows all menus of the main window again. Nothing when they are not in.
   void removeMenu();
 
-<<<<<<< HEAD
-  /// Show whether these are on. Emit nothing.
-  void showTransformAll(bool on);
-  void showFixReference(bool on);
-=======
   /// Whether "Fix reference" can be chosen.
->>>>>>> reviewa
   void enableFixReference();
   void disableFixReference();
   /// Whether "Transform all" can be chosen.
