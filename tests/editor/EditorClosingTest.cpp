@@ -149,6 +149,35 @@ TEST_F(EditorClosingTest, WithoutDataTheWindowShowsNothingAndRefusesEverything)
   console.take();
 }
 
+TEST_F(EditorClosingTest, AnInputThatCannotBeAlignedLeavesNothing)
+{
+  edit();
+  connect(module->portData, greyStack({24, 18, 1}));
+  EXPECT_FALSE(module->portData.isConnected());
+  editor->drawArea()->viewport()->grab();
+  key(Qt::Key_Right);
+  connect(module->portData, stack);
+  EXPECT_TRUE(isAt(current(), SliceXForm()));
+  key(Qt::Key_Right);
+  EXPECT_TRUE(isAt(current(), SliceXForm(1, 0, 0, false)));
+}
+
+TEST_F(EditorClosingTest, TwoEditorsShareTheWindow)
+{
+  const auto other = mcMake<ZxAlignSlices>();
+  ASSERT_TRUE(other->portData.connect(stack.get()));
+  other->fire();
+  other->doIt(1);
+  auto* second = dynamic_cast<QxAlignSlices*>(other->editor());
+  ASSERT_TRUE(second && second != editor);
+  EXPECT_EQ(host->getCentralLayout()->currentWidget(), second);
+  EXPECT_EQ(host->menuBar()->findChildren<QMenu*>("viewMenu").size(), 2);
+  QTest::keyClick(second, Qt::Key_Right);
+  EXPECT_TRUE(isAt(current(), SliceXForm()));
+  EXPECT_TRUE(editor->cancel()); // of the one behind
+  EXPECT_EQ(host->getCentralLayout()->currentWidget(), second);
+}
+
 TEST_F(EditorClosingTest, TheModuleTakesItsWindowAlong)
 {
   const QPointer<QxAlignSlices> window(editor);

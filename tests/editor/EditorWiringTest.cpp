@@ -282,6 +282,47 @@ TEST_F(EditorWiringTest, UndoBringsBackThePairAndShowsItEverywhere)
   EXPECT_EQ(view->viewport()->grab().toImage(), before);
 }
 
+TEST_F(EditorWiringTest, AlignmentIsStartedByMenuAndToolBarAndIsOneEditEach)
+{
+  editor->changeAlignMode(0);
+  const auto starts = [&](const std::function<void()>& start) {
+    editor->resetAll();
+    for (int k = 0; k < 7; ++k) setTransform(k, SliceXForm(static_cast<float>(5 * k), 0, 0, false));
+    const AlignState before = module->currentState();
+    module->history().clear();
+    start();
+    EXPECT_NE(module->getSlices(), before.slices);
+    EXPECT_EQ(undoDepth(), 1);
+    editor->undoRedo()->undo();
+    EXPECT_TRUE(module->currentState() == before);
+  };
+  starts([&] { Q_EMIT menus->doItSignal(); });
+  starts([&] { Q_EMIT menus->doAllSignal(); });
+  starts([&] { Q_EMIT modes->doSignal(); });
+  starts([&] { Q_EMIT modes->doAllSignal(); });
+}
+
+TEST_F(EditorWiringTest, LandmarksAreAddedAndRemovedByTheMenu)
+{
+  click("editLandmarks");
+  Q_EMIT menus->addLandmarkSignal();
+  QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->viewport()->rect().center());
+  EXPECT_EQ(slice().landmarks.size(), 3u);
+  QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->viewport()->rect().center());
+  ASSERT_GE(view->selectedLandmark(), 0);
+  EXPECT_TRUE(item("removeLandmarkAction")->isEnabled());
+  Q_EMIT menus->removeLandmarkSignal();
+  EXPECT_EQ(slice().landmarks.size(), 2u);
+  EXPECT_FALSE(item("removeLandmarkAction")->isEnabled());
+}
+
+TEST_F(EditorWiringTest, TheMenuClosesTheWindow)
+{
+  Q_EMIT menus->cancelSignal();
+  EXPECT_FALSE(module->isEditorOpen());
+  EXPECT_EQ(module->portAction.getButtonLabel(0), "Edit");
+}
+
 TEST_F(EditorWiringTest, TheSliceSliderAndTheClickInTheView)
 {
   Q_EMIT slices->sliceChanged(5.4f);
