@@ -11,7 +11,9 @@
 
 #include <QAbstractScrollArea>
 #include <QApplication>
+#include <QDir>
 #include <QFileInfo>
+#include <QPlainTextEdit>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -27,7 +29,7 @@
 
 namespace {
 
-constexpr int patience = 20000; // milliseconds
+constexpr int patience = 6000; // milliseconds
 
 class DesktopSessionTest : public testing::Test {
 protected:
@@ -183,7 +185,8 @@ protected:
   {
     clickInPool(object);
     giveFileName([] { key(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier); }, file(name));
-    ASSERT_TRUE(waitFor([&] { return QFileInfo::exists(file(name)); }));
+    ASSERT_TRUE(waitFor([&] { return QFileInfo::exists(file(name)); }))
+        << QDir(folder.path()).entryList().join(' ').toStdString() << see<QPlainTextEdit>("messages")->toPlainText().toStdString();
   }
   std::string ask(const std::string& script)
   {
