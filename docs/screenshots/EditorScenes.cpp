@@ -8,12 +8,12 @@
 
 namespace {
 
-constexpr int shownSlice = 21;
+constexpr int shownSlice = 40;
 
 /// A part of the slice view around its middle.
 void takeSlices(Stage& stage, const Camera& manual, const QString& name)
 {
-  constexpr QSize size(400, 300);
+  constexpr QSize size(360, 240);
   QWidget& view = *stage.find<QAbstractScrollArea>("drawArea").viewport();
   manual.takeWidget(name, view, QRect(view.rect().center() - QPoint(size.width(), size.height()) / 2, size));
 }
@@ -92,6 +92,7 @@ void takeEditor(Stage& stage, const Camera& manual)
   takeLandmarks(stage, manual);
   stage.script(QString("align setAlignMode 1; align alignAll; align setSliceNumber %1").arg(shownSlice));
   stage.script("align showCoronalView 1; align showSagittalView 1");
+  stage.showDock("consoleDock", false);
   manual.takeWindow("editor-orthogonal", stage.window());
   takePairQuality(stage, manual);
   manual.takeWindow("editor", stage.window());
