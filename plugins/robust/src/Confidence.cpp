@@ -1,0 +1,96 @@
+#include "Confidence.h"
+
+#include "mc/McMath.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace robust {
+namespace {
+
+// Longest side of the level that is judged on.
+constexpr int kJudgedSide = 256;
+// A quarter that moves by this share of the slice's longer side does not agree.
+constexpr double kApart = 0.02;
+// A quarter that has less than this share of what overlaps is not asked.
+constexpr double kLeastShare = 0.08;
+
+std::size_t judgedLevel(const Pyramid& pyramid)
+{
+  std::size_t level = pyramid.levels().size() - 1;
+  while (level > 0 &&
+         std::max(pyramid.levels()[level - 1].width, pyramid.levels()[level - 1].height) <= kJudgedSide)
+    --level;
+  return level;
+}
+
+/// 1 where the quarter stays, falling towards 0 as far as it moves.
+double staying(Comparison& comparison, const Window& quarter, const RigidMotion& motion, double side)
+{
+  comparison.watch(quarter);
+  const RigidMotion own = refinedOn(comparison, motion, false, 0.05, 10, 1, 1);
+  const double moved =
+      std::hypot(own.shift.x - motion.shift.x, own.shift.y - motion.shift.y) / (kApart * side);
+  return 1.0 / (1.0 + moved * moved);
+}
+
+/// The quarters around the middle of what overlaps.
+double agreementOf(Comparison& comparison, const RigidMotion& motion, double side)
+{
+  const Comparison::Spread spread = comparison.spread();
+  const int x = spread.middleX, y = spread.middleY, w = comparison.width(), h = comparison.height();
+  double sum = 0.0, count = 0.0;
+  for (const Window& quarter :
+       {Window{0, 0, x, y}, Window{x, 0, w, y}, Window{0, y, x, h}, Window{x, y, w, h}}) {
+    comparison.watch({0, 0, w, h});
+    comparison.moveTo(motion);
+    if (comparison.weightIn(quarter) < kLeastShare * spread.weight) continue;
+    sum += staying(comparison, quarter, motion, side);
+    count += 1.0;
+  }
+  return count >= 2.0 ? sum / count : 0.0;
+}
+
+} // namespace
+
+Evidence evidenceFor(const Pyramid& reference, const Pyramid& moved, const RigidMotion& motion,
+                     const std::vector<Candidate>& others)
+{
+  const std::size_t level = judgedLevel(reference);
+  Comparison comparison(reference.levels()[level], moved.levels()[level], Values::Flat);
+  comparison.moveTo(motion);
+  const Match match = comparison.match();
+  Evidence evidence;
+  evidence.correlation = match.correlation;
+  evidence.overlap = std::min(1.0, match.overlap);
+  const double score = scoreOf(match);
+  double second = 0.0;
+  for (const Candidate& other : others) {
+    comparison.moveTo(other.motion);
+    second = std::max(second, scoreOf(comparison.match()));
+  }
+  evidence.distinctness = score > 0.0 ? std::max(0.0, 1.0 - second / score) : 0.0;
+  comparison.moveTo(motion);
+  evidence.agreement = agreementOf(comparison, motion, std::max(reference.width(), reference.height()));
+  return evidence;
+}
+
+double confidenceOf(const Evidence& e)
+{
+  const double evidence =
+      -9.0 + 8.0 * e.correlation + 6.0 * e.distinctness + 5.0 * e.agreement + 2.0 * e.overlap;
+  return 1.0 / (1.0 + mc::exp(-evidence));
+}
+
+std::string weaknessOf(const Evidence& e)
+{
+  const std::array<std::pair<double, const char*>, 4> weaknesses{
+      {{e.overlap / 0.5, "hardly anything overlaps"},
+       {e.correlation / 0.4, "the slices hardly resemble each other"},
+       {e.distinctness / 0.4, "another position fits nearly as well"},
+       {e.agreement / 0.7, "the parts of the slice do not agree"}}};
+  return std::min_element(weaknesses.begin(), weaknesses.end())->second;
+}
+
+} // namespace robust
