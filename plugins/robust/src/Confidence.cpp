@@ -16,6 +16,9 @@ constexpr double kApart = 0.02;
 // A quarter that has less than this share of what overlaps is not asked.
 constexpr double kLeastShare = 0.08;
 
+// A runner-up that scores lower by this share only may as well be the right one.
+constexpr double kEqual = 0.06;
+
 std::size_t judgedLevel(const Pyramid& pyramid)
 {
   std::size_t level = pyramid.levels().size() - 1;
@@ -78,18 +81,23 @@ Evidence evidenceFor(const Pyramid& reference, const Pyramid& moved, const Rigid
 
 double confidenceOf(const Evidence& e)
 {
-  const double evidence =
-      -9.0 + 8.0 * e.correlation + 6.0 * e.distinctness + 5.0 * e.agreement + 2.0 * e.overlap;
-  return 1.0 / (1.0 + mc::exp(-evidence));
+  // Fitted by logistic regression to pairs with known truth: neighbours, slices far apart, slices of different
+  // stacks.
+  const double correlation = std::clamp(e.correlation, 0.01, 0.99), distinctness = std::min(e.distinctness, 0.98);
+  const double evidence = 4.36 + 2.16 * mc::log(correlation / (1.0 - correlation)) +
+                          1.06 * mc::log(distinctness / (1.0 - distinctness) + 0.02) + 0.45 * e.agreement;
+  // Where another position fits as well nothing else helps: a symmetric section, mirrored or not.
+  const double alone = 1.0 - mc::exp(-(e.distinctness / kEqual) * (e.distinctness / kEqual));
+  return alone / (1.0 + mc::exp(-evidence));
 }
 
 std::string weaknessOf(const Evidence& e)
 {
   const std::array<std::pair<double, const char*>, 4> weaknesses{
-      {{e.overlap / 0.5, "hardly anything overlaps"},
-       {e.correlation / 0.4, "the slices hardly resemble each other"},
-       {e.distinctness / 0.4, "another position fits nearly as well"},
-       {e.agreement / 0.7, "the parts of the slice do not agree"}}};
+      {{e.overlap / 0.4, "hardly anything overlaps"},
+       {e.correlation / 0.25, "the slices hardly resemble each other"},
+       {e.distinctness / 0.2, "another position fits nearly as well"},
+       {e.agreement / 0.4, "the parts of the slice do not agree"}}};
   return std::min_element(weaknesses.begin(), weaknesses.end())->second;
 }
 

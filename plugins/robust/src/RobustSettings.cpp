@@ -33,7 +33,7 @@ const std::array rows{
         &RobustSettings::largestShift,
         0,
         100},
-    Row{{"least-confidence", "", "0.7", "0 to 1",
+    Row{{"least-confidence", "", "0.75", "0 to 1",
          "Robust: a pair that is less likely to be right is left as it is and named."},
         &RobustSettings::leastConfidence,
         0,
