@@ -6,6 +6,7 @@
 #include "mc/McRound.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <iterator>
 
@@ -19,8 +20,9 @@ constexpr int kPeaks = 2;
 constexpr int kPolarSide = 192;
 constexpr spectral::PolarGrid kPolarGrid{360, 64, 0.06, 0.8};
 constexpr int kPolarAngles = 4;
-// How many go on from the coarsest level: to be verified, refined there, refined on the next ones.
-constexpr std::size_t kVerified = 40, kRefined = 14, kKept = 5;
+// How many of each side go on: to be verified on the coarsest level, refined there, refined on the next one,
+// and on those after it.
+constexpr std::size_t kVerified = 40, kRefined = 12, kKept = 4, kLast = 2;
 // Less than this share in common is no match.
 constexpr double kLeastOverlap = 0.2;
 // Candidates nearer than this share of the slice's longer side are one.
@@ -137,19 +139,22 @@ std::vector<Guess> guessesOf(const Pair& pair)
   return guesses;
 }
 
-/// Best first, without those that are like a better one.
+/// Best first, without those that are like a better one: the best of each side, count at most.
 void sortAndThin(std::vector<Candidate>& candidates, const Pair& pair, std::size_t count)
 {
   std::stable_sort(candidates.begin(), candidates.end(),
                    [](const Candidate& a, const Candidate& b) { return a.score > b.score; });
   std::vector<Candidate> kept;
+  std::array<std::size_t, 2> ofSide{};
   for (const Candidate& candidate : candidates) {
-    if (kept.size() == count) break;
+    std::size_t& same = ofSide[candidate.motion.mirrored ? 1 : 0];
     const bool known = std::any_of(kept.begin(), kept.end(), [&](const Candidate& other) {
       return other.motion.mirrored == candidate.motion.mirrored &&
              pair.distance(other.motion, candidate.motion) < kSame * pair.side();
     });
-    if (!known) kept.push_back(candidate);
+    if (known || same == count) continue;
+    kept.push_back(candidate);
+    ++same;
   }
   candidates = std::move(kept);
 }
@@ -218,7 +223,7 @@ std::vector<Candidate> findCandidates(const Pyramid& reference, const Pyramid& m
   sortAndThin(candidates, pair, kKept);
   for (std::size_t level = coarsest; level-- > 0 && hasFlat(pair, level) && !stopped();) {
     refineAll(candidates, pair, level, 6);
-    sortAndThin(candidates, pair, 3);
+    sortAndThin(candidates, pair, kLast);
   }
   if (stopped()) return {};
   return candidates;

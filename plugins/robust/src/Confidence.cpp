@@ -16,8 +16,11 @@ constexpr double kApart = 0.02;
 // A quarter that has less than this share of what overlaps is not asked.
 constexpr double kLeastShare = 0.08;
 
-// A runner-up that scores lower by this share only may as well be the right one.
-constexpr double kEqual = 0.06;
+// A runner-up that scores lower by this share may as well be the right one.
+constexpr double kEqual = 0.08;
+
+/// 0 where a runner-up is as good, 1 where it is clearly worse.
+double certain(double lead) { return 1.0 - mc::exp(-(lead / kEqual) * (lead / kEqual)); }
 
 std::size_t judgedLevel(const Pyramid& pyramid)
 {
@@ -68,12 +71,17 @@ Evidence evidenceFor(const Pyramid& reference, const Pyramid& moved, const Rigid
   evidence.correlation = match.correlation;
   evidence.overlap = std::min(1.0, match.overlap);
   const double score = scoreOf(match);
-  double second = 0.0;
+  double sameSide = 0.0, otherSide = 0.0;
   for (const Candidate& other : others) {
     comparison.moveTo(other.motion);
+    double& second = other.motion.mirrored == motion.mirrored ? sameSide : otherSide;
     second = std::max(second, scoreOf(comparison.match()));
   }
-  evidence.distinctness = score > 0.0 ? std::max(0.0, 1.0 - second / score) : 0.0;
+  const auto lead = [score](double second) {
+    return score > 0.0 ? std::max(0.0, 1.0 - second / score) : 0.0;
+  };
+  evidence.distinctness = lead(sameSide);
+  evidence.sidedness = lead(otherSide);
   comparison.moveTo(motion);
   evidence.agreement = agreementOf(comparison, motion, std::max(reference.width(), reference.height()));
   return evidence;
@@ -81,22 +89,23 @@ Evidence evidenceFor(const Pyramid& reference, const Pyramid& moved, const Rigid
 
 double confidenceOf(const Evidence& e)
 {
-  // Fitted by logistic regression to pairs with known truth: neighbours, slices far apart, slices of different
-  // stacks.
-  const double correlation = std::clamp(e.correlation, 0.01, 0.99), distinctness = std::min(e.distinctness, 0.98);
-  const double evidence = 4.36 + 2.16 * mc::log(correlation / (1.0 - correlation)) +
-                          1.06 * mc::log(distinctness / (1.0 - distinctness) + 0.02) + 0.45 * e.agreement;
-  // Where another position fits as well nothing else helps: a symmetric section, mirrored or not.
-  const double alone = 1.0 - mc::exp(-(e.distinctness / kEqual) * (e.distinctness / kEqual));
-  return alone / (1.0 + mc::exp(-evidence));
+  // Fitted by logistic regression to pairs with known truth: neighbours, slices far apart, slices that have
+  // nothing in common.
+  const double shared = std::clamp(e.correlation * e.overlap, 0.01, 0.99);
+  const double distinctness = std::min(e.distinctness, 0.98);
+  const double evidence = 3.45 + 2.58 * mc::log(shared / (1.0 - shared)) +
+                          1.18 * mc::log(distinctness / (1.0 - distinctness) + 0.05) + 2.03 * e.agreement;
+  // Where another position or the other side fits as well nothing else helps.
+  return certain(e.distinctness) * certain(e.sidedness) / (1.0 + mc::exp(-evidence));
 }
 
 std::string weaknessOf(const Evidence& e)
 {
-  const std::array<std::pair<double, const char*>, 4> weaknesses{
+  const std::array<std::pair<double, const char*>, 5> weaknesses{
       {{e.overlap / 0.4, "hardly anything overlaps"},
        {e.correlation / 0.25, "the slices hardly resemble each other"},
        {e.distinctness / 0.2, "another position fits nearly as well"},
+       {e.sidedness / 0.15, "it fits nearly as well when it is turned over"},
        {e.agreement / 0.4, "the parts of the slice do not agree"}}};
   return std::min_element(weaknesses.begin(), weaknesses.end())->second;
 }

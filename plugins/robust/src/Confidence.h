@@ -11,7 +11,8 @@ struct Evidence {
   double correlation = 0.0;  ///< of brightness and contrast made equal, on the overlap
   double overlap = 0.0;      ///< share of what there is to compare
   double distinctness = 0.0; ///< by how much the runner-up scores lower: 0 as high, 1 nothing at all
-  double agreement = 0.0;    ///< share of the image's quarters that want to stay where the motion puts them
+  double sidedness = 0.0; ///< the same for the best position of the slice turned over; 1 when none was tried
+  double agreement = 0.0; ///< share of the image's quarters that want to stay where the motion puts them
 };
 
 /// The evidence for a motion; others are the candidates that lost.

@@ -10,11 +10,11 @@ namespace robust {
 
 /// The settings of the method: elements of the interpreter's array kVariable, by the names of the table.
 struct RobustSettings {
-  bool flip = false;            ///< mirrored slices are looked for, too
-  double largestAngle = 180.0;  ///< degrees, to both sides of where the slice lies
-  double largestShift = 50.0;   ///< percent of the width, from where the slice lies
+  bool flip = false;             ///< mirrored slices are looked for, too
+  double largestAngle = 180.0;   ///< degrees, to both sides of where the slice lies
+  double largestShift = 50.0;    ///< percent of the width, from where the slice lies
   double leastConfidence = 0.75; ///< below it the pair is left as it is
-  int neighbours = 1;           ///< slices before that a slice is matched with
+  int neighbours = 1;            ///< slices before that a slice is matched with
 
   static constexpr const char* kVariable = "::zxalign_robust";
 

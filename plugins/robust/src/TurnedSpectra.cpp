@@ -19,6 +19,18 @@ double fadeAt(double x, int n)
   return std::clamp(fromEnd, 0.0, 1.0);
 }
 
+/// The channel that shows most: grey, or a colour where the grey values are all alike.
+std::size_t strongest(const std::vector<Field>& channels)
+{
+  std::vector<double> powers;
+  for (const Field& channel : channels) {
+    double sum = 0.0;
+    for (const float v : channel.values) sum += static_cast<double>(v) * static_cast<double>(v);
+    powers.push_back(sum);
+  }
+  return static_cast<std::size_t>(std::max_element(powers.begin(), powers.end()) - powers.begin());
+}
+
 std::size_t periodic(int i, int n) { return static_cast<std::size_t>((i % n + n) % n); }
 
 } // namespace
@@ -27,7 +39,8 @@ TurnedSpectra::TurnedSpectra(const Level& reference, const Level& moved)
   : m_movedLevel(moved), m_pixel(reference.pixel),
     m_side(spectral::fastSide(
         mc::truncToInt(1.2 * std::max({reference.width, reference.height, moved.width, moved.height})))),
-    m_transfer(spectral::gaussianTransfer(m_side, kPeakWidth)), m_reference(turned(reference, {}))
+    m_channel(strongest(reference.flat)), m_transfer(spectral::gaussianTransfer(m_side, kPeakWidth)),
+    m_reference(turned(reference, {}))
 {
 }
 
@@ -43,7 +56,7 @@ spectral::Spectrum TurnedSpectra::turned(const Level& level, const RigidMotion& 
   const int half = m_side / 2;
   const Point origin = motion.mapInverse({0.0, 0.0}), unitX = motion.mapInverse({1.0, 0.0});
   const Point unitY = motion.mapInverse({0.0, 1.0});
-  const Field& flat = level.flat.front();
+  const Field& flat = level.flat[m_channel];
   for (int y = 0; y < m_side; ++y)
     for (int x = 0; x < m_side; ++x) {
       const double u = x - half, v = y - half;

@@ -44,6 +44,7 @@ private:
   const Level& m_movedLevel;
   double m_pixel;
   int m_side;
+  std::size_t m_channel;
   std::vector<float> m_transfer;
   spectral::Spectrum m_reference;
 };
