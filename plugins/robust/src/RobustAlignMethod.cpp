@@ -45,8 +45,10 @@ Measured measure(PairMatcher& matcher, int slice, const std::vector<int>& refere
     if (PairMatcher::interrupted()) return measured;
     const Finding finding = matcher.match(reference);
     const Outcome outcome = outcomeOf(finding, reference, leastConfidence);
+    // The tissue between slices far apart changes more: such a link says less.
+    const double apart = slice - reference;
     if (outcome.reason.empty())
-      measured.links.push_back({slice, reference, finding.motion, finding.confidence});
+      measured.links.push_back({slice, reference, finding.motion, finding.confidence / (apart * apart)});
     if (reference == references.front() || outcome.confidence > measured.outcome.confidence)
       measured.outcome = outcome;
   }
