@@ -373,6 +373,7 @@ void AlignCommand::run(Console& console)
   const Stopwatch resampling;
   if (!m_transformsOnly) {
     m_resample.resample(module, info.shape);
+    passConfidence(volume->parameters(), module.result()->parameters());
     report.seconds.resampling = resampling.seconds();
   } else if (!writesTable()) {
     module.storeAlignment();

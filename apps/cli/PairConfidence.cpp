@@ -27,6 +27,12 @@ std::optional<PairConfidence> confidenceOf(const ZxParamBundle& parameters, int 
   return confidence;
 }
 
+void passConfidence(const ZxParamBundle& from, ZxParamBundle& to)
+{
+  const ZxParamBundle* all = from.findBundle(kBundle);
+  if (ZxParamBundle* target = all ? to.getBundle(kBundle) : nullptr) target->merge(*all);
+}
+
 void forgetConfidence(ZxParamBundle& parameters) { parameters.remove(kBundle); }
 
 std::string describe(const PairConfidence& confidence)

@@ -17,6 +17,9 @@ struct PairConfidence {
 /// Reads it from the parameters of a volume; none for slices that nothing was said about.
 std::optional<PairConfidence> confidenceOf(const ZxParamBundle& parameters, int slice);
 
+/// Hands what was said about all slices on to the parameters of another volume of the same slices.
+void passConfidence(const ZxParamBundle& from, ZxParamBundle& to);
+
 /// Forgets what was said about all slices.
 void forgetConfidence(ZxParamBundle& parameters);
 
