@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kBand = 32;
 // A residual of this many standard deviations counts a quarter of one of 0.
-constexpr double kOutlying = 8.0;
+constexpr double kOutlying = 16.0;
 
 double weightOf(const Level& level)
 {
