@@ -87,6 +87,19 @@ TEST_F(EditorClosingTest, UnsavedChangesAreAskedFor)
   EXPECT_EQ(ZxWorkArea::getTheWorkArea()->getProgressText(), "");
 }
 
+TEST_F(EditorClosingTest, AnAnswerIsForTheInputThatWasAskedAbout)
+{
+  edit();
+  const McHandle<ZxField3> another = greyStack({20, 10, 4});
+  QTimer::singleShot(0, host.get(), [&] {
+    module->change([&] { module->portData.connect(another.get()); });
+    answerPrompt("&Save");
+  });
+  EXPECT_FALSE(editor->cancel());
+  EXPECT_TRUE(isShown());
+  EXPECT_FALSE(another->parameters().findBundle("AlignTransform"));
+}
+
 TEST_F(EditorClosingTest, AnotherQuestionIsNotAskedWhileOneIsOpen)
 {
   edit();

@@ -68,29 +68,52 @@ TEST_F(EditorWiringTest, MenuItemsReachTheModule)
   EXPECT_FALSE(item("transformAllAction")->isEnabled());
 }
 
-TEST_F(EditorWiringTest, TheFlagsAreTheSameEverywhereWhoeverSetsThem)
+TEST_F(EditorWiringTest, MenuMarksFollowWhatIsSwitchedElsewhere)
 {
-  const auto agree = [&](bool all, bool fixed) {
-    EXPECT_EQ(module->transformsAll(), all);
-    EXPECT_EQ(module->isReferenceFixed(), fixed);
-    EXPECT_EQ(item("transformAllAction")->isChecked(), all);
-    EXPECT_EQ(item("fixReferenceAction")->isChecked(), fixed);
-    EXPECT_EQ(item("transformAllAction")->isEnabled(), !fixed);
-    EXPECT_EQ(child<QToolButton>("upper")->isEnabled(), !fixed);
+  const auto marks = [&] {
+    std::string all;
+    for (const char* name : {"transformAllAction", "fixReferenceAction", "transformParametersAction",
+                             "chessAction", "invertAction"})
+      all += item(name)->isChecked() ? '1' : '0';
+    return all;
   };
-  item("transformAllAction")->trigger();
-  agree(false, false);
-  editor->transformAll(); // as a script does
-  agree(true, false);
-  item("fixReferenceAction")->trigger();
-  agree(true, true);
+  EXPECT_EQ(marks(), "10001");
+  editor->transformAll();
   editor->fixReference();
-  agree(true, false);
+  editor->showTransformToolBar(true);
+  editor->changeViewMode(2);
+  EXPECT_EQ(marks(), "01110");
+  item("fixReferenceAction")->trigger();
+  child<QToolBar>("transformToolBar")->toggleViewAction()->trigger();
+  EXPECT_FALSE(module->isReferenceFixed());
+  EXPECT_EQ(marks(), "00010");
+
+  press(0); // closed: scripts go to the module
+  module->setTransformAll(true);
+  module->setReferenceFixed(true);
   press(0);
-  module->setReferenceFixed(true); // while the window is closed
-  module->setTransformAll(false);
-  press(0);
-  agree(false, true);
+  EXPECT_EQ(marks(), "11010");
+  EXPECT_FALSE(child<QToolButton>("upper")->isEnabled());
+
+  module->change([&] { module->portData.disconnect(); });
+  item("fixReferenceAction")->trigger(); // refused: there is no pair
+  EXPECT_EQ(marks(), "11010");
+}
+
+TEST_F(EditorWiringTest, UndoIsOfferedWhereThereIsAHistory)
+{
+  Q_EMIT view->translated(3, 4, false);
+  editor->undoRedo()->undo();
+  Q_EMIT view->translated(5, 4, false);
+  EXPECT_TRUE(item("undoAction")->isEnabled() && item("redoAction")->isEnabled());
+  {
+    QxAlignSlices late(module.get());
+    for (const char* name : {"undoActionOfEditor", "redoActionOfEditor"})
+      EXPECT_TRUE(late.findChild<QAction*>(name)->isEnabled()) << name;
+  }
+  connect(module->portReference, greyStack({24, 18, 7})); // replaces the alignment
+  EXPECT_FALSE(item("undoAction")->isEnabled() || item("redoAction")->isEnabled());
+  EXPECT_EQ(undoDepth(), 0);
 }
 
 TEST_F(EditorWiringTest, MenuItemsReachTheViews)
@@ -209,6 +232,19 @@ TEST_F(EditorWiringTest, WhatTheViewReportsBecomesOneEditEach)
   click("mirror");
   EXPECT_TRUE(slice().flip);
   EXPECT_EQ(undoDepth(), 7);
+}
+
+TEST_F(EditorWiringTest, AMoveBesideAFixedReferenceChangesOneColumnOfAProjection)
+{
+  module->setUseMaxIntProjection(true);
+  Q_EMIT menus->coronalSignal(true);
+  Q_EMIT menus->fixReferenceSignal();
+  const McTypedData2D& image = editor->getOrthoViewManager()->getCoronalView()->image();
+  const auto column = [&image](int z) { return std::vector(image.row(z), image.row(z) + image.rowBytes()); };
+  const auto moved = column(current()), next = column(current() + 1);
+  Q_EMIT view->translated(3.0f, 0.0f, false);
+  EXPECT_NE(column(current()), moved);
+  EXPECT_EQ(column(current() + 1), next) << "that slice has not moved";
 }
 
 TEST_F(EditorWiringTest, UndoAndRedoAreOfferedWhenThereIsSomething)

@@ -186,12 +186,8 @@ int getReferenceSlice(Module& module, Interp interp, Words)
 
 int setFixReferenceSlice(Module& module, Interp, Words words)
 {
-  const bool fix = alignFlag(words[0]);
-  if (fix == module.isReferenceFixed()) return kZxOk;
-  if (hasEditor(module))
-    editor(module).fixReference();
-  else
-    module.setReferenceFixed(fix);
+  module.setReferenceFixed(alignFlag(words[0]));
+  module.updateViews();
   return kZxOk;
 }
 
@@ -202,12 +198,8 @@ int getFixReferenceSlice(Module& module, Interp interp, Words)
 
 int setTransformAll(Module& module, Interp, Words words)
 {
-  const bool all = alignFlag(words[0]);
-  if (all == module.transformsAll()) return kZxOk;
-  if (hasEditor(module))
-    editor(module).transformAll();
-  else
-    module.setTransformAll(all);
+  module.setTransformAll(alignFlag(words[0]));
+  module.updateViews();
   return kZxOk;
 }
 
@@ -226,14 +218,18 @@ int translate(Module& module, Interp, Words words)
 {
   const float dx = alignReal(words[0]);
   const float dy = alignReal(words[1]);
-  if (isFinite("translate", dx) && isFinite("translate", dy)) module.translateRelative(dx, dy);
+  if (!isFinite("translate", dx) || !isFinite("translate", dy)) return kZxOk;
+  module.translateRelative(dx, dy);
+  if (hasEditor(module)) editor(module).showEdit();
   return kZxOk;
 }
 
 int rotate(Module& module, Interp, Words words)
 {
   const float angle = alignReal(words[0]);
-  if (isFinite("rotate", angle)) module.rotateRelative(angle);
+  if (!isFinite("rotate", angle)) return kZxOk;
+  module.rotateRelative(angle);
+  if (hasEditor(module)) editor(module).showEdit();
   return kZxOk;
 }
 

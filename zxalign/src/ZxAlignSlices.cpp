@@ -456,7 +456,7 @@ int ZxAlignSlices::runMethod(ZxAutoAlignMethod& method, int mode)
 
 float ZxAlignSlices::performanceTest()
 {
-  if (!m_editor) return 0.0f;
+  if (!m_editor || !m_editorOpen) return 0.0f;
   using Clock = std::chrono::steady_clock;
   const Clock::time_point start = Clock::now();
   for (int i = 0; i < 10; ++i) m_editor->repaintSliceView();

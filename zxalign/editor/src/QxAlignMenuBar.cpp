@@ -280,12 +280,14 @@ void QxAlignMenuBar::assignKeys()
   for (const Key& key : m_keys) setEnabled(key.own, !isIn() && key.item && key.item->isEnabled());
 }
 
-void QxAlignMenuBar::showTransformAll(bool on) { setChecked(m_transformAll, on); }
-void QxAlignMenuBar::showFixReference(bool on) { setChecked(m_fixReference, on); }
 void QxAlignMenuBar::enableFixReference() { setEnabled(m_fixReference, true); }
 void QxAlignMenuBar::disableFixReference() { setEnabled(m_fixReference, false); }
 void QxAlignMenuBar::enableTransformAll() { setEnabled(m_transformAll, true); }
 void QxAlignMenuBar::disableTransformAll() { setEnabled(m_transformAll, false); }
+
+void QxAlignMenuBar::showTransformAll(bool on) { setChecked(m_transformAll, on); }
+void QxAlignMenuBar::showFixReference(bool on) { setChecked(m_fixReference, on); }
+void QxAlignMenuBar::showTransformParameters(bool on) { setChecked(m_transformParameters, on); }
 
 void QxAlignMenuBar::zoomIn() { Q_EMIT zoomInSignal(); }
 void QxAlignMenuBar::zoomOut() { Q_EMIT zoomOutSignal(); }

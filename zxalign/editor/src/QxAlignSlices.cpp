@@ -24,6 +24,7 @@
 #include <QStackedLayout>
 
 #include <algorithm>
+#include <utility>
 
 QxAlignSlices::QxAlignSlices(ZxAlignSlices* module)
   : QMainWindow(nullptr, Qt::SubWindow), m_module(module),
@@ -46,6 +47,7 @@ QxAlignSlices::QxAlignSlices(ZxAlignSlices* module)
   placeInMainWindow();
   createPanels();
   showSide();
+  showHistory();
   updateViews();
 }
 
@@ -140,6 +142,7 @@ void QxAlignSlices::updateViews()
   else
     m_drawArea->forgetPair();
   updateToolbar();
+  showFlags();
 }
 
 void QxAlignSlices::showSlicePair()
@@ -186,7 +189,7 @@ void QxAlignSlices::updateOrthoViews(int dx, int dy, bool translated, bool rotat
   if (wholeStack) {
     from = 0;
     to = last;
-  } else if (m_module->transformsAll() && !mirrored) {
+  } else if (m_module->transformsAll() && !m_module->isReferenceFixed() && !mirrored) {
     if (m_module->getEditableSide() == 1)
       to = last;
     else
@@ -200,6 +203,7 @@ void QxAlignSlices::reInit()
   m_previews->takeBack();
   m_previews->clear();
   m_alignToolBar->setSlicesRange(0, std::max(0, numSlices() - 1));
+  m_module->undoRedo().clear(); // of another input, or of before a reference was read
   makeHistory();
   m_menus->undoEmpty();
   m_menus->redoEmpty();
@@ -244,9 +248,9 @@ void QxAlignSlices::showSide()
 void QxAlignSlices::showFlags()
 {
   const bool fixed = m_module->isReferenceFixed();
-  m_drawArea->setFixReference(fixed);
-  m_menus->showFixReference(fixed);
   m_menus->showTransformAll(m_module->transformsAll());
+  m_menus->showFixReference(fixed);
+  if (fixed != std::exchange(m_showsFixedReference, fixed)) m_drawArea->setFixReference(fixed);
   if (fixed)
     disableButtons();
   else
@@ -271,11 +275,18 @@ void QxAlignSlices::redoNotEmpty()
 
 void QxAlignSlices::changeViewMode(int mode)
 {
-  if (mode == QxDrawAlignSlices::Checkerboard)
-    m_drawArea->chess(m_chessFieldSize);
-  else if (mode == QxDrawAlignSlices::RedGreen || mode == QxDrawAlignSlices::Average ||
-           mode == QxDrawAlignSlices::InvertedOverlay)
-    m_drawArea->setViewMode(mode);
+  switch (mode) { // By the menu, whose check marks follow.
+  case QxDrawAlignSlices::RedGreen:
+    return m_menus->redGreen();
+  case QxDrawAlignSlices::Checkerboard:
+    return m_menus->chess();
+  case QxDrawAlignSlices::Average:
+    return m_menus->avg();
+  case QxDrawAlignSlices::InvertedOverlay:
+    return m_menus->invert();
+  default:
+    return;
+  }
 }
 
 void QxAlignSlices::changeEditMode(int mode)
@@ -334,6 +345,7 @@ int QxAlignSlices::getEditMode() { return m_editMode; }
 
 void QxAlignSlices::showTransformToolBar(bool visible)
 {
+  m_menus->showTransformParameters(visible);
   if (!visible) {
     removeToolBar(m_transformToolBar);
     m_transformToolBar->hide();
@@ -391,7 +403,7 @@ void QxAlignSlices::setActive(bool visible)
     m_menus->removeMenu();
     return leaveMainWindow();
   }
-  showFlags(); // Scripts may have changed them meanwhile.
+  showFlags(); // Scripts switch them while the window is closed.
   m_menus->addMenu();
   if (QxMainWindow* host = QxMainWindow::getTheMainWindow()) host->getCentralLayout()->setCurrentWidget(this);
   setFocus(Qt::OtherFocusReason);

@@ -9,6 +9,8 @@
 #include "zxalign/QxOrthoViewManager.h"
 #include "zxalign/ZxAlignSlices.h"
 
+#include <QAction>
+
 // The order of these connections is the order in which the slots of one signal run.
 
 void QxAlignSlices::connectMenus()
@@ -52,6 +54,9 @@ void QxAlignSlices::connectToolBars()
   connect(m_transformToolBar, &Numbers::transYChanged, this, &Window::toolBarTranslateY);
   connect(m_transformToolBar, &Numbers::rotChanged, this, &Window::toolBarRotate);
   connect(m_transformToolBar, &Numbers::flipChanged, this, &Window::toolBarFlip);
+  // The window's own menu of its toolbars hides this one, too.
+  connect(m_transformToolBar->toggleViewAction(), &QAction::triggered, m_menus.data(),
+          &QxAlignMenuBar::showTransformParameters);
   connect(m_alignToolBar, &QxAlignToolBar::sliceChanged, this, &Window::sliceChange);
   connect(m_alignToolBar, &QxAlignToolBar::zoomChanged, m_drawArea, &View::setZoom);
 
@@ -111,4 +116,11 @@ void QxAlignSlices::connectHistory()
   connect(history, &History::undoNotEmpty, this, [this] { m_module->setModified(true); });
   connect(history, &History::undoNotEmpty, this, &QxAlignSlices::edited);
   connect(history, &History::redoNotEmpty, this, &QxAlignSlices::edited);
+}
+
+void QxAlignSlices::showHistory()
+{
+  // Scripts save states without a window, too.
+  if (m_module->history().canUndo()) m_menus->undoNotEmpty();
+  if (m_module->history().canRedo()) m_menus->redoNotEmpty();
 }

@@ -29,6 +29,7 @@ class ZxObject;
 class QxMainWindow : public QMainWindow {
   Q_OBJECT
 public:
+  /// Takes up the layout of the last session. There is one at a time.
   explicit QxMainWindow(QWidget* parent = nullptr);
   ~QxMainWindow() override;
 
@@ -46,6 +47,7 @@ public:
 public Q_SLOTS:
   /// Gives the docks the places that they had at first.
   void resetLayout();
+  /// The preferences dialog, modal.
   void showPreferences();
 
 protected:
