@@ -101,6 +101,7 @@ TEST_F(EditorDisplayTest, ModifiersLetGoInAMenuOrADialogAreNotStuck)
   EXPECT_FALSE(editor->optionsDialog());
   host->activateWindow(); // There is no window manager to do it.
   ASSERT_TRUE(QTest::qWaitForWindowActive(host.get()));
+  ASSERT_TRUE(QTest::qWaitFor([this] { return QApplication::focusWidget() == editor; }));
   real(Qt::Key_Up);
   EXPECT_TRUE(isAt(e, SliceXForm(0, -2, 0, false)));
 }

@@ -60,6 +60,7 @@ TEST_F(QxViewAlignSlicesOrthogonalTest, SizesAreThoseOfTheStackInItsAspectRatio)
   EXPECT_TRUE(sagittal.isTransposed());
   // A deep stack takes 200 pixels, a wide one what the slice view has.
   connect(module->portData, nanometres({1400, 900, 3}, 400.0f));
+  editor->updateViews(); // The module, whose window this is not, does not say so.
   views->init(module->getDataLattice(), false);
   QCoreApplication::processEvents();
   EXPECT_EQ(editor->size(), QSize(1000, 700));

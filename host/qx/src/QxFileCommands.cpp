@@ -87,6 +87,15 @@ bool mayReplace(QWidget* window, const QString& path)
                                question.arg(QFileInfo(path).fileName())) == QMessageBox::Yes;
 }
 
+/// The name of a file to write. An ending that was typed counts for more than the chosen entry of the dialog.
+QString pathToWrite(const QString& chosen, const std::string& format)
+{
+  for (const ZxFileFormat& known : ZxFileAccess::getTheFileAccess()->writableFormats())
+    for (const std::string& ending : known.endings)
+      if (chosen.endsWith(QString::fromStdString(ending), Qt::CaseInsensitive)) return chosen;
+  return QString::fromStdString(ZxFileAccess::getTheFileAccess()->pathFor(chosen.toStdString(), format));
+}
+
 /// The format whose entry of a dialog was chosen.
 std::string formatOf(const QString& filter) { return filter.section(" (", 0, 0).toStdString(); }
 
@@ -195,8 +204,7 @@ bool QxFileCommands::saveAs(ZxSpatialData& data)
   dialog.selectFile(withoutEnding(QxObjectText::label(data)));
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return false;
   const QString chosen = dialog.selectedFiles().first();
-  const QString path = QString::fromStdString(
-      ZxFileAccess::getTheFileAccess()->pathFor(chosen.toStdString(), formatOf(dialog.selectedNameFilter())));
+  const QString path = pathToWrite(chosen, formatOf(dialog.selectedNameFilter()));
   rememberFolder(path);
   return (path == chosen || mayReplace(m_window, path)) && startWriting(data, path);
 }
