@@ -237,6 +237,8 @@ void QxMainWindow::showPreferences() { QxPreferencesDialog(this).exec(); }
 
 void QxMainWindow::open(const QStringList& files) { m_files->open(files); }
 
+bool QxMainWindow::isReadingOrWriting() const { return !m_files->queue()->isIdle(); }
+
 void QxMainWindow::select(const ZxObject* object) { m_pool->select(object); }
 
 void QxMainWindow::followSelection()
