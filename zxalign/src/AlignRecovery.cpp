@@ -142,7 +142,7 @@ void AlignRecovery::stored()
 void AlignRecovery::objectChanged(ZxObject* object)
 {
   const ZxSpatialData* data = m_module.sliceData().getSpatialData();
-  if (object != data || data->isUnsaved() || m_stored.empty()) return;
+  if (object != data || data->isUnsaved() || m_stored.isEmpty()) return;
   if (m_stored == m_module.getSlices()) forget();
 }
 
