@@ -80,6 +80,9 @@ public:
   bool getUseMaxIntProj() const noexcept { return m_projects; }
   /// Length of the marker lines in both views in percent of the width, 0 to 100.
   void setOrthoViewLineWidth(int percent);
+  /// Views want the size of the stack. What the window does not have they do without: it must not grow beyond
+  /// the screen, and the slice view keeps half of its width. To be called when anything else wants room, too.
+  void keepInWindow();
   void zoomIn();
   void zoomOut();
   float getZoom() const noexcept { return m_zoom; }
@@ -134,9 +137,6 @@ private:
   void adoptLattice(ZxLattice* lattice);
   void createView(OrthoOrientation orientation);
   void placeView(View& created);
-  /// Views want the size of the stack. What the window does not have they do without: it must not grow beyond
-  /// the screen, and the slice view keeps half of its width.
-  void keepInWindow();
   void deleteView(OrthoOrientation orientation);
   void createToolBar();
   void showCutSlider(OrthoOrientation orientation, bool show);
