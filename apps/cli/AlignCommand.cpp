@@ -122,6 +122,8 @@ void AlignCommand::declareSearch(CLI::App& options)
   options.add_option("--rotation-step", m_rotationStep, "The same as --set rotation-step=DEGREES, see below")
       ->type_name("DEGREES");
   options.add_option("--levels", m_levels, "The same as --set levels=N, see below")->type_name("N");
+  options.add_option("--neighbours", m_neighbours, "The same as --set neighbours=K, see below")
+      ->type_name("K");
   options
       .add_option("--window", m_window,
                   "Grey values that count as black and white in the comparison of slices (default: the "
@@ -246,7 +248,8 @@ void AlignCommand::setOptions(AlignModule& module, const ZxLatticeShape& shape, 
   const std::pair<const char*, const std::string&> named[] = {{"iterations", m_iterations},
                                                               {"translation-step", m_translationStep},
                                                               {"rotation-step", m_rotationStep},
-                                                              {"levels", m_levels}};
+                                                              {"levels", m_levels},
+                                                              {"neighbours", m_neighbours}};
   for (const auto& [name, value] : named)
     if (!value.empty()) module.set(name, value);
   if (m_window.empty()) return;
@@ -279,8 +282,8 @@ void AlignCommand::compareWithTruthTable(AlignReport& report) const
   if (truth.size() != report.transforms.size())
     throw Failure("The table " + m_truth + " has " + std::to_string(truth.size()) + " slices, but " +
                   m_input.name() + " has " + std::to_string(report.transforms.size()) + ".");
-  report.truth =
-      compareWithTruth(report.transforms, truth, report.dimensions.width, report.dimensions.height);
+  report.truth = compareWithTruth(report.transforms, truth, report.dimensions.width, report.dimensions.height,
+                                  report.reference);
 }
 
 std::vector<std::pair<std::string, std::string>> AlignCommand::effectiveOptions(AlignModule& module) const
@@ -358,7 +361,10 @@ void AlignCommand::run(Console& console)
   const McHandle<ZxField3> volume = m_input.read();
   connect(module, *volume, info, console);
   report.seconds.reading = reading.seconds();
+  forgetConfidence(volume->parameters());
   align(module, method, report, console);
+  for (const ZxAlignPairResult& pair : report.pairs)
+    report.confidences.push_back(confidenceOf(volume->parameters(), pair.pair.editable));
   if (volume->isUnsaved())
     console.remark("The method has changed what is stored with " + m_input.name() +
                    " (an alignment stored there is gone); the file itself stays as it is unless it is the "
@@ -368,6 +374,7 @@ void AlignCommand::run(Console& console)
   const Stopwatch resampling;
   if (!m_transformsOnly) {
     m_resample.resample(module, info.shape);
+    passConfidence(volume->parameters(), module.result()->parameters());
     report.seconds.resampling = resampling.seconds();
   } else if (!writesTable()) {
     module.storeAlignment();

@@ -49,7 +49,7 @@ private:
   std::vector<std::string> m_settings; ///< NAME=VALUE
   std::optional<int> m_reference;      ///< none: the module's
   bool m_noRotation = false;
-  std::string m_iterations, m_translationStep, m_rotationStep, m_levels;
+  std::string m_iterations, m_translationStep, m_rotationStep, m_levels, m_neighbours;
   std::vector<std::string> m_window;
   std::string m_mask;
   std::string m_startFrom;

@@ -28,7 +28,7 @@ Json transformJson(const ZxAlignTransform& transform)
           {"flip", transform.flip}};
 }
 
-Json pairJson(const ZxAlignPairResult& pair)
+Json pairJson(const ZxAlignPairResult& pair, const std::optional<PairConfidence>& confidence)
 {
   Json json = {{"editable", pair.pair.editable}, {"reference", pair.pair.reference}};
   json.update(transformJson(pair.transform));
@@ -36,6 +36,11 @@ Json pairJson(const ZxAlignPairResult& pair)
   json["quality_after"] = pair.qualityAfter;
   json["changed"] = pair.changed;
   json["seconds"] = pair.seconds;
+  if (confidence) {
+    json["confidence"] = confidence->confidence;
+    json["matched_with"] = confidence->reference;
+    if (!confidence->reason.empty()) json["reason"] = confidence->reason;
+  }
   return json;
 }
 
@@ -70,8 +75,14 @@ Json totalsJson(const AlignReport& report)
 
 Json truthJson(const TruthDistance& truth)
 {
-  return {{"unit", "pixel"},  {"median", truth.median},  {"mean", truth.mean},
-          {"max", truth.max}, {"above_1_px", truth.far}, {"pairs", truth.pairs}};
+  return {{"unit", "pixel"},
+          {"median", truth.median},
+          {"mean", truth.mean},
+          {"max", truth.max},
+          {"above_1_px", truth.far},
+          {"pairs", truth.pairs},
+          {"accumulated",
+           {{"mean", truth.accumulatedMean}, {"max", truth.accumulatedMax}, {"slices", truth.accumulated}}}};
 }
 
 Json reportJson(const AlignReport& report)
@@ -92,7 +103,9 @@ Json reportJson(const AlignReport& report)
   json["totals"] = totalsJson(report);
   if (report.truth) json["truth"] = truthJson(*report.truth);
   json["pairs"] = Json::array();
-  for (const auto& pair : report.pairs) json["pairs"].push_back(pairJson(pair));
+  for (std::size_t i = 0; i < report.pairs.size(); ++i)
+    json["pairs"].push_back(
+        pairJson(report.pairs[i], i < report.confidences.size() ? report.confidences[i] : std::nullopt));
   json["transforms"] = Json::array();
   for (const auto& transform : report.transforms) json["transforms"].push_back(transformJson(transform));
   return json;

@@ -14,7 +14,8 @@ struct ShortName {
 constexpr ShortName kShortNames[] = {{"gravity", "CenterAlignMethod"},
                                      {"least-squares", "OptimizeAlignMethod"},
                                      {"landmarks", "LandmarkAlignMethod"},
-                                     {"edges", "EdgeDetectionAlignMethod"}};
+                                     {"edges", "EdgeDetectionAlignMethod"},
+                                     {"robust", "RobustAlignMethod"}};
 
 std::string shortNameOf(const ZxAlignControl::Method& method)
 {

@@ -3,6 +3,7 @@
 #include "AlignModule.h"
 #include "Console.h"
 #include "Failure.h"
+#include "PairConfidence.h"
 #include "Text.h"
 
 #include <CLI/CLI.hpp>
@@ -35,7 +36,9 @@ void QualityCommand::declare(CLI::App& options)
       ->type_name("MIN MAX");
   options.add_flag("--worst", m_sorted, "Sort the pairs, the worst first");
   options.footer("Prints one line a pair of neighbouring slices, counted from 0: \"slices 0 - 1  quality "
-                 "93.21 %\".\n100 % are equal slices; the worst tenth is marked with *.");
+                 "93.21 %\".\n100 % are equal slices; the worst tenth is marked with *. Where the method has "
+                 "judged itself, its\nconfidence follows, and why a "
+                 "slice was left as it was.");
 }
 
 std::vector<PairQuality> QualityCommand::measure(AlignModule& module) const
@@ -52,6 +55,19 @@ std::vector<PairQuality> QualityCommand::measure(AlignModule& module) const
     pairs.push_back({lower, m_mask.empty() ? control.pairQuality(lower) : control.maskedPairQuality(lower)});
   }
   return pairs;
+}
+
+std::string QualityCommand::remarkOn(const ZxParamBundle& parameters, int lower)
+{
+  std::string text;
+  for (const int slice : {lower, lower + 1}) {
+    const auto confidence = confidenceOf(parameters, slice);
+    // What was said about a slice belongs to the pair with the slice that it was aligned to.
+    const bool other = slice == lower ? confidence && confidence->reference > slice
+                                      : confidence && confidence->reference < slice;
+    if (other) text += "  " + cli::describe(*confidence);
+  }
+  return text;
 }
 
 void QualityCommand::run(Console& console)
@@ -74,7 +90,8 @@ void QualityCommand::run(Console& console)
                      [](const PairQuality& a, const PairQuality& b) { return a.quality < b.quality; });
   for (const PairQuality& pair : pairs)
     console.result("slices " + std::to_string(pair.lower) + " - " + std::to_string(pair.lower + 1) +
-                   "  quality " + fixed(pair.quality * 100.0, 2) + " %" + (pair.worst ? " *" : ""));
+                   "  quality " + fixed(pair.quality * 100.0, 2) + " %" + (pair.worst ? " *" : "") +
+                   remarkOn(volume->parameters(), pair.lower));
 }
 
 } // namespace cli

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+class ZxParamBundle;
+
 namespace cli {
 
 class AlignModule;
@@ -28,6 +30,8 @@ public:
 
 private:
   std::vector<PairQuality> measure(AlignModule& module) const;
+  /// What a method has said about the pair, or nothing.
+  static std::string remarkOn(const ZxParamBundle& parameters, int lower);
 
   InputOptions m_input;
   std::string m_mask;

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <limits>
 #include <type_traits>
 
 namespace kernels {
@@ -194,12 +195,13 @@ void projectColumns(const Slice<T>& slice, const SampleLine* lines, int count, T
   longest.store(count, slice, out);
 }
 
-// A block of lines, field by field; those that miss the slice are marked.
+// A block of lines, field by field; those that miss the slice are marked, and stay at its first voxel.
 struct LineBlock {
   double x[kBlock], y[kBlock], stepX[kBlock], stepY[kBlock], steps[kBlock];
   bool hit[kBlock];
   int count;
   int longestSteps = 0;
+  int shortestSteps = std::numeric_limits<int>::max(); // of those that hit
 
   template <class T>
   LineBlock(const Slice<T>& slice, const SampleLine* lines, int n) : count(n)
@@ -211,16 +213,22 @@ struct LineBlock {
       stepX[i] = line.stepX, stepY[i] = line.stepY;
       steps[i] = line.steps;
       longestSteps = std::max(longestSteps, line.steps);
+      if (hit[i]) shortestSteps = std::min(shortestSteps, line.steps);
     }
   }
 
-  // The k-th points; a line that has ended stays at its last point, which changes nothing more.
+  // The k-th points; a line that has ended stays at its last point, which changes nothing more. No point
+  // needs a check: both ends of its line lie in the slice, and rounding keeps their order.
   void locate(int k, int* pixelX, int* pixelY) const
   {
+    double step[kBlock];
+    if (k <= shortestSteps)
+      std::fill_n(step, count, static_cast<double>(k));
+    else
+      for (int i = 0; i < count; ++i) step[i] = std::min(static_cast<double>(k), steps[i]);
     for (int i = 0; i < count; ++i) {
-      const double step = std::min(static_cast<double>(k), steps[i]);
-      pixelX[i] = nearest(x[i] + step * stepX[i]);
-      pixelY[i] = nearest(y[i] + step * stepY[i]);
+      pixelX[i] = mc::truncInRange(x[i] + step[i] * stepX[i] + 0.5);
+      pixelY[i] = mc::truncInRange(y[i] + step[i] * stepY[i] + 0.5);
     }
   }
 };
@@ -244,14 +252,18 @@ template <class T>
 void anyMaxima(const Slice<T>& slice, const SampleLine* lines, int count, T* out)
 {
   const LineBlock block(slice, lines, count);
+  // Copies that nothing written to can be part of, so that they stay in registers.
+  const T* const values = slice.values;
+  const auto width = static_cast<std::size_t>(slice.width);
+  T best[kBlock] = {};
   int x[kBlock], y[kBlock];
-  std::fill_n(out, count, T{});
   for (int k = 0; k <= block.longestSteps; ++k) {
     block.locate(k, x, y);
-    for (int i = 0; i < count; ++i) out[i] = std::max(out[i], slice.values[slice.index(x[i], y[i])]);
+    for (int i = 0; i < count; ++i)
+      best[i] =
+          std::max(best[i], values[static_cast<std::size_t>(y[i]) * width + static_cast<std::size_t>(x[i])]);
   }
-  for (int i = 0; i < count; ++i)
-    if (!block.hit[i]) out[i] = 0;
+  for (int i = 0; i < count; ++i) out[i] = block.hit[i] ? best[i] : T{};
 }
 
 enum class Direction { Rows, Columns, Any };

@@ -1,7 +1,9 @@
 #include "AlignCommands.h"
 #include "editor/EditorTest.h"
 #include "zx/ZxInterpreter.h"
+#include "zxalign/QxViewAlignSlicesCoronal.h"
 
+#include <QDoubleSpinBox>
 #include <QImage>
 
 #include <fstream>
@@ -95,6 +97,8 @@ TEST_F(AlignCommandsTest, ChoosePairAndModes)
   EXPECT_EQ(result("getReferenceSlice"), "6");
   result("setFixReferenceSlice 2");
   EXPECT_EQ(result("getFixReferenceSlice"), "1");
+  EXPECT_EQ(result("getReferenceSlice"), "6") << "the one that was chosen is fixed";
+  EXPECT_TRUE(host->findChild<QAction*>("fixReferenceAction")->isChecked());
   result("setFixReferenceSlice 0");
   EXPECT_EQ(result("getFixReferenceSlice"), "0");
   result("setTransformAll 0");
@@ -194,8 +198,23 @@ TEST_F(AlignCommandsTest, ShowViewsAndWriteAPicture)
   result("setOrthoViewLineWidth 100");
   result("setOrthoViewZWindow 1");
   EXPECT_EQ(editor->getOrthoViewManager()->getVisibleRangeZMax(), current() + 1);
+  const McTypedData2D& shown = editor->getOrthoViewManager()->getCoronalView()->image();
+  const auto column = [&shown, z = current()] {
+    return std::vector<unsigned char>(shown.row(z), shown.row(z) + shown.rowBytes());
+  };
+  const auto before = column();
+  result("translate 5 0");
+  EXPECT_NE(column(), before);
+  result("rotate 30");
+  EXPECT_EQ(child<QDoubleSpinBox>("rotation")->value(), 30.0);
   result("setOrthoViewAutoUpdate 0");
+  const auto isBlack = [&shown, z = current()] {
+    return std::all_of(shown.row(z), shown.row(z) + shown.rowBytes(), [](int v) { return v == 0; });
+  };
+  result("setTransform " + std::to_string(current()) + " 1 1 0 0");
+  EXPECT_TRUE(isBlack());
   result("updateOrthoViews");
+  EXPECT_FALSE(isBlack()) << "also while nothing is updated by itself";
   result("showTransformToolBar 1");
   result("setCheckerboardSize 20");
   EXPECT_EQ(editor->getChessFieldSize(), 20);
@@ -263,7 +282,7 @@ TEST_F(AlignCommandsTest, WithoutAnEditorNothingThatNeedsOneHappens)
             "invalid mode; 0<=mode<=3invalid mode; 0<=mode<=3");
   EXPECT_EQ(messages("getLandmark 0 0"), "Invalid slice number");
   EXPECT_EQ(failure("snapshot " + file("none.png")), "Viewer not active");
-  EXPECT_EQ(result("performance"), "");
+  EXPECT_EQ(messages("performance"), "");
   result("edit");
   EXPECT_EQ(result("isEditorOpen"), "1");
 }

@@ -16,6 +16,8 @@
 #include <QTest>
 #include <QToolButton>
 
+#include <limits>
+
 namespace {
 
 class AlignToolBarsTest : public testing::Test {
@@ -46,6 +48,11 @@ TEST_F(AlignToolBarsTest, ZoomGoesInAndOutByTheStepsOfItsLabel)
   EXPECT_EQ(labelsOf(bar, &QxAlignToolBar::zoomIn, 3).join('|'), "1:2 |1:1 |2:1 ");
   ASSERT_EQ(zooms.count(), 19);
   EXPECT_EQ(zooms.at(15).at(0).toFloat(), 0.25f);
+  const float smallest = std::numeric_limits<float>::denorm_min();
+  labelsOf(bar, &QxAlignToolBar::zoomOut, 200);
+  EXPECT_EQ(zooms.takeLast().at(0).toFloat(), smallest);
+  bar.zoomIn();
+  EXPECT_EQ(zooms.takeLast().at(0).toFloat(), 2 * smallest);
 }
 
 TEST_F(AlignToolBarsTest, SettingTheSliceMarksTheReferenceAndTellsNobody)

@@ -87,6 +87,19 @@ TEST_F(EditorClosingTest, UnsavedChangesAreAskedFor)
   EXPECT_EQ(ZxWorkArea::getTheWorkArea()->getProgressText(), "");
 }
 
+TEST_F(EditorClosingTest, AnAnswerIsForTheInputThatWasAskedAbout)
+{
+  edit();
+  const McHandle<ZxField3> another = greyStack({20, 10, 4});
+  QTimer::singleShot(0, host.get(), [&] {
+    module->change([&] { module->portData.connect(another.get()); });
+    answerPrompt("&Save");
+  });
+  EXPECT_FALSE(editor->cancel());
+  EXPECT_TRUE(isShown());
+  EXPECT_FALSE(another->parameters().findBundle("AlignTransform"));
+}
+
 TEST_F(EditorClosingTest, AnotherQuestionIsNotAskedWhileOneIsOpen)
 {
   edit();
@@ -134,6 +147,35 @@ TEST_F(EditorClosingTest, WithoutDataTheWindowShowsNothingAndRefusesEverything)
   QCoreApplication::processEvents();
   EXPECT_TRUE(editor->cancel());
   console.take();
+}
+
+TEST_F(EditorClosingTest, AnInputThatCannotBeAlignedLeavesNothing)
+{
+  edit();
+  connect(module->portData, greyStack({24, 18, 1}));
+  EXPECT_FALSE(module->portData.isConnected());
+  editor->drawArea()->viewport()->grab();
+  key(Qt::Key_Right);
+  connect(module->portData, stack);
+  EXPECT_TRUE(isAt(current(), SliceXForm()));
+  key(Qt::Key_Right);
+  EXPECT_TRUE(isAt(current(), SliceXForm(1, 0, 0, false)));
+}
+
+TEST_F(EditorClosingTest, TwoEditorsShareTheWindow)
+{
+  const auto other = mcMake<ZxAlignSlices>();
+  ASSERT_TRUE(other->portData.connect(stack.get()));
+  other->fire();
+  other->doIt(1);
+  auto* second = dynamic_cast<QxAlignSlices*>(other->editor());
+  ASSERT_TRUE(second && second != editor);
+  EXPECT_EQ(host->getCentralLayout()->currentWidget(), second);
+  EXPECT_EQ(host->menuBar()->findChildren<QMenu*>("viewMenu").size(), 2);
+  QTest::keyClick(second, Qt::Key_Right);
+  EXPECT_TRUE(isAt(current(), SliceXForm()));
+  EXPECT_TRUE(editor->cancel()); // of the one behind
+  EXPECT_EQ(host->getCentralLayout()->currentWidget(), second);
 }
 
 TEST_F(EditorClosingTest, TheModuleTakesItsWindowAlong)

@@ -180,6 +180,34 @@ TEST_F(EditorNavigationTest, WhatComesDuringARunIsRefused)
   console.take();
 }
 
+TEST_F(EditorNavigationTest, TwoSlicesOfOnePixelStandEverything)
+{
+  connect(module->portData, greyStack({1, 1, 2}));
+  editor->showCoronalView(true);
+  editor->showSagittalView(true);
+  const auto use = [this](const auto& action) {
+    action();
+    editor->drawArea()->viewport()->grab();
+    ASSERT_TRUE((current() == 0 || current() == 1) && reference() == 1 - current());
+    ASSERT_TRUE(module->isReferenceFixed() || side() == current() - reference());
+  };
+  for (const bool projected : {false, true}) {
+    module->setUseMaxIntProjection(projected);
+    for (int mode = 0; mode < 4; ++mode) {
+      editor->changeAlignMode(mode);
+      use([&] { editor->doAutoAlign(); });
+      use([&] { editor->doAllAutoAlign(); });
+    }
+    for (QAction* action : items()) use([&] { action->trigger(); });
+    for (const int k : {Qt::Key_Home, Qt::Key_Space, Qt::Key_End, Qt::Key_Backspace, Qt::Key_1, Qt::Key_2,
+                        Qt::Key_Left, Qt::Key_Escape})
+      use([&] { key(k); });
+    use([&] { editor->calcNewImageSize(true, true); });
+    use([&] { editor->showBorder(true, true, 3, 2); });
+  }
+  console.take();
+}
+
 TEST_F(EditorNavigationTest, TheProjectionIsShownInTheAlignedFrameAtRestAndInADrag)
 {
   // A single slice projected is the slice itself, moved: the picture must not differ from the plain one.

@@ -68,6 +68,54 @@ TEST_F(EditorWiringTest, MenuItemsReachTheModule)
   EXPECT_FALSE(item("transformAllAction")->isEnabled());
 }
 
+TEST_F(EditorWiringTest, MenuMarksFollowWhatIsSwitchedElsewhere)
+{
+  const auto marks = [&] {
+    std::string all;
+    for (const char* name : {"transformAllAction", "fixReferenceAction", "transformParametersAction",
+                             "chessAction", "invertAction"})
+      all += item(name)->isChecked() ? '1' : '0';
+    return all;
+  };
+  EXPECT_EQ(marks(), "10001");
+  editor->transformAll();
+  editor->fixReference();
+  editor->showTransformToolBar(true);
+  editor->changeViewMode(2);
+  EXPECT_EQ(marks(), "01110");
+  item("fixReferenceAction")->trigger();
+  child<QToolBar>("transformToolBar")->toggleViewAction()->trigger();
+  EXPECT_FALSE(module->isReferenceFixed());
+  EXPECT_EQ(marks(), "00010");
+
+  press(0); // closed: scripts go to the module
+  module->setTransformAll(true);
+  module->setReferenceFixed(true);
+  press(0);
+  EXPECT_EQ(marks(), "11010");
+  EXPECT_FALSE(child<QToolButton>("upper")->isEnabled());
+
+  module->change([&] { module->portData.disconnect(); });
+  item("fixReferenceAction")->trigger(); // refused: there is no pair
+  EXPECT_EQ(marks(), "11010");
+}
+
+TEST_F(EditorWiringTest, UndoIsOfferedWhereThereIsAHistory)
+{
+  Q_EMIT view->translated(3, 4, false);
+  editor->undoRedo()->undo();
+  Q_EMIT view->translated(5, 4, false);
+  EXPECT_TRUE(item("undoAction")->isEnabled() && item("redoAction")->isEnabled());
+  {
+    QxAlignSlices late(module.get());
+    for (const char* name : {"undoActionOfEditor", "redoActionOfEditor"})
+      EXPECT_TRUE(late.findChild<QAction*>(name)->isEnabled()) << name;
+  }
+  connect(module->portReference, greyStack({24, 18, 7})); // replaces the alignment
+  EXPECT_FALSE(item("undoAction")->isEnabled() || item("redoAction")->isEnabled());
+  EXPECT_EQ(undoDepth(), 0);
+}
+
 TEST_F(EditorWiringTest, MenuItemsReachTheViews)
 {
   Q_EMIT menus->zoomInSignal();
@@ -186,6 +234,19 @@ TEST_F(EditorWiringTest, WhatTheViewReportsBecomesOneEditEach)
   EXPECT_EQ(undoDepth(), 7);
 }
 
+TEST_F(EditorWiringTest, AMoveBesideAFixedReferenceChangesOneColumnOfAProjection)
+{
+  module->setUseMaxIntProjection(true);
+  Q_EMIT menus->coronalSignal(true);
+  Q_EMIT menus->fixReferenceSignal();
+  const McTypedData2D& image = editor->getOrthoViewManager()->getCoronalView()->image();
+  const auto column = [&image](int z) { return std::vector(image.row(z), image.row(z) + image.rowBytes()); };
+  const auto moved = column(current()), next = column(current() + 1);
+  Q_EMIT view->translated(3.0f, 0.0f, false);
+  EXPECT_NE(column(current()), moved);
+  EXPECT_EQ(column(current() + 1), next) << "that slice has not moved";
+}
+
 TEST_F(EditorWiringTest, UndoAndRedoAreOfferedWhenThereIsSomething)
 {
   EXPECT_FALSE(item("undoAction")->isEnabled() || item("redoAction")->isEnabled());
@@ -219,6 +280,47 @@ TEST_F(EditorWiringTest, UndoBringsBackThePairAndShowsItEverywhere)
   EXPECT_TRUE(isChecked("lower"));
   click("alignGray");
   EXPECT_EQ(view->viewport()->grab().toImage(), before);
+}
+
+TEST_F(EditorWiringTest, AlignmentIsStartedByMenuAndToolBarAndIsOneEditEach)
+{
+  editor->changeAlignMode(0);
+  const auto starts = [&](const std::function<void()>& start) {
+    editor->resetAll();
+    for (int k = 0; k < 7; ++k) setTransform(k, SliceXForm(static_cast<float>(5 * k), 0, 0, false));
+    const AlignState before = module->currentState();
+    module->history().clear();
+    start();
+    EXPECT_NE(module->getSlices(), before.slices);
+    EXPECT_EQ(undoDepth(), 1);
+    editor->undoRedo()->undo();
+    EXPECT_TRUE(module->currentState() == before);
+  };
+  starts([&] { Q_EMIT menus->doItSignal(); });
+  starts([&] { Q_EMIT menus->doAllSignal(); });
+  starts([&] { Q_EMIT modes->doSignal(); });
+  starts([&] { Q_EMIT modes->doAllSignal(); });
+}
+
+TEST_F(EditorWiringTest, LandmarksAreAddedAndRemovedByTheMenu)
+{
+  click("editLandmarks");
+  Q_EMIT menus->addLandmarkSignal();
+  QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->viewport()->rect().center());
+  EXPECT_EQ(slice().landmarks.size(), 3u);
+  QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->viewport()->rect().center());
+  ASSERT_GE(view->selectedLandmark(), 0);
+  EXPECT_TRUE(item("removeLandmarkAction")->isEnabled());
+  Q_EMIT menus->removeLandmarkSignal();
+  EXPECT_EQ(slice().landmarks.size(), 2u);
+  EXPECT_FALSE(item("removeLandmarkAction")->isEnabled());
+}
+
+TEST_F(EditorWiringTest, TheMenuClosesTheWindow)
+{
+  Q_EMIT menus->cancelSignal();
+  EXPECT_FALSE(module->isEditorOpen());
+  EXPECT_EQ(module->portAction.getButtonLabel(0), "Edit");
 }
 
 TEST_F(EditorWiringTest, TheSliceSliderAndTheClickInTheView)

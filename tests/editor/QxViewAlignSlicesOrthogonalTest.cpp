@@ -60,7 +60,11 @@ TEST_F(QxViewAlignSlicesOrthogonalTest, SizesAreThoseOfTheStackInItsAspectRatio)
   EXPECT_TRUE(sagittal.isTransposed());
   // A deep stack takes 200 pixels, a wide one what the slice view has.
   connect(module->portData, nanometres({1400, 900, 3}, 400.0f));
+  editor->updateViews(); // The module, whose window this is not, does not say so.
   views->init(module->getDataLattice(), false);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(editor->size(), QSize(1000, 700));
+  EXPECT_GT(editor->getDrawAreaWidth(), 300);
   view(Coronal)->setDrawViewSize();
   view(Sagittal)->setDrawViewSize();
   EXPECT_EQ(view(Coronal)->viewer()->minimumSize(), QSize(editor->getDrawAreaWidth() - 10, 200));

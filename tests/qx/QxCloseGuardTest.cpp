@@ -42,7 +42,9 @@ protected:
 class Page : public QWidget, public QxCentralPage {
 public:
   bool canClose() override { return answer; }
+  const ZxObject* editedObject() const override { return edited; }
   bool answer = false;
+  const ZxObject* edited = nullptr;
 };
 
 } // namespace
@@ -91,10 +93,20 @@ TEST_F(QxCloseGuardTest, WaitsForWorkThatItStops)
   EXPECT_TRUE(waitFor([&] { return isClosed(); }));
 }
 
-TEST_F(QxCloseGuardTest, AsksEditors)
+TEST_F(QxCloseGuardTest, AsksEditorsAlsoBeforeTheirObjectsGo)
 {
   auto* page = new Page;
   window->getCentralLayout()->addWidget(page);
+  const auto stack = addVolume("stack"), other = addVolume("other");
+  const auto probe = addProbe();
+  probe->portData.connect(stack.get());
+  page->edited = probe.get();
+  for (ZxObject* object : {static_cast<ZxObject*>(stack.get()), static_cast<ZxObject*>(other.get())}) {
+    window->select(object);
+    find<QAction>("removeObject")->trigger();
+  }
+  EXPECT_TRUE(pool.contains(stack.get()));
+  EXPECT_FALSE(pool.contains(other.get()));
   window->close();
   EXPECT_FALSE(isClosed());
   page->answer = true;

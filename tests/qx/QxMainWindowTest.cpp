@@ -106,6 +106,20 @@ TEST_F(QxMainWindowTest, LeavesKeysAndHelpToTheCurrentPage)
   EXPECT_EQ(save->shortcut(), QKeySequence("Ctrl+S"));
 }
 
+TEST_F(QxMainWindowTest, ReachesEveryPaneByKey)
+{
+  const auto stack = addVolume("stack");
+  const auto probe = showProbe();
+  probe->change([&] { probe->portData.connect(stack.get()); });
+  window->select(probe.get());
+  settle();
+  find("commandLine")->setFocus();
+  for (const char* pane : {"poolDock", "portsDock", "volumePage", "consoleDock"}) {
+    QTest::keyClick(window.get(), Qt::Key_F6);
+    EXPECT_TRUE(find(pane)->isAncestorOf(QApplication::focusWidget())) << pane;
+  }
+}
+
 TEST_F(QxMainWindowTest, ShowsAndHidesItsViewers)
 {
   ZxController* controller = ZxController::getTheController();

@@ -52,6 +52,19 @@ TEST(AlignReport, HoldsExactNumbersAndTotals)
   EXPECT_FALSE(json.contains("truth"));
 }
 
+TEST(AlignReport, SaysHowSureAMethodWasOfEachPair)
+{
+  cli::AlignReport report = exampleReport();
+  EXPECT_FALSE(nlohmann::json::parse(cli::reportText(report))["pairs"][0].contains("confidence"));
+  report.confidences = {cli::PairConfidence{0, 0.96875, ""},
+                        cli::PairConfidence{0, 0.25, "nothing is shared"}};
+  const nlohmann::json pairs = nlohmann::json::parse(cli::reportText(report))["pairs"];
+  EXPECT_EQ(pairs[0]["confidence"], 0.96875);
+  EXPECT_FALSE(pairs[0].contains("reason"));
+  EXPECT_EQ(pairs[1]["matched_with"], 0);
+  EXPECT_EQ(pairs[1]["reason"], "nothing is shared");
+}
+
 TEST(AlignReport, EqualRunsDifferInSecondsOnly)
 {
   cli::AlignReport slow = exampleReport();

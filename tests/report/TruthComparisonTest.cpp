@@ -43,7 +43,7 @@ TEST(TruthComparison, DisplacedSliceCountsInBothOfItsPairs)
   std::vector<ZxAlignTransform> found = kTruth;
   found[1].tx += 3.0f;
   found[1].ty -= 4.0f;
-  const cli::TruthDistance distance = compareWithTruth(found, kTruth, kWidth, kHeight);
+  const cli::TruthDistance distance = compareWithTruth(found, kTruth, kWidth, kHeight, 2);
   ASSERT_EQ(distance.pairs.size(), 3u);
   EXPECT_NEAR(distance.pairs[0], 5.0, 1e-5);
   EXPECT_NEAR(distance.pairs[1], 5.0, 1e-5);
@@ -53,7 +53,22 @@ TEST(TruthComparison, DisplacedSliceCountsInBothOfItsPairs)
   EXPECT_EQ(distance.far, (std::vector<int>{0, 1}));
   EXPECT_EQ(cli::describe(distance),
             "Distance from the truth: median 5.00 px, mean 3.33 px, largest 5.00 px, "
-            "pairs above 1 px: 2 (0 - 1, 1 - 2)");
+            "pairs above 1 px: 2 (0 - 1, 1 - 2)\n"
+            "Accumulated over the stack: mean 1.67 px, largest 5.00 px");
+  EXPECT_NEAR(distance.accumulated[0], 0.0, 1e-5);
+  EXPECT_NEAR(distance.accumulated[1], 5.0, 1e-5);
+}
+
+// Each slice is a pixel off its neighbour: seen from slice 1 the last one is two off.
+TEST(TruthComparison, ErrorsOfPairsAddUpAlongTheStack)
+{
+  std::vector<ZxAlignTransform> found(4);
+  for (std::size_t k = 0; k < 4; ++k) found[k].tx = static_cast<float>(k);
+  const std::vector<ZxAlignTransform> truth(4);
+  const cli::TruthDistance distance = compareWithTruth(found, truth, kWidth, kHeight, 1);
+  EXPECT_EQ(distance.accumulated, (std::vector<double>{1.0, 0.0, 1.0, 2.0}));
+  EXPECT_NEAR(distance.accumulatedMean, 4.0 / 3.0, 1e-12);
+  EXPECT_EQ(distance.accumulatedMax, 2.0);
 }
 
 TEST(TruthComparison, TurnedSliceMovesItsCornersAboutTheIntegerCentre)

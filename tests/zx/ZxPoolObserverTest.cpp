@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace {
 
 using Events = std::vector<std::string>;
@@ -80,7 +82,8 @@ TEST_F(ZxPoolObserverTest, HearsWhenAModuleLetsGoOfItsInput)
   EXPECT_TRUE(ZxModuleClasses::attachableTo(*mcMake<ZxSpatialData>()).empty());
   const auto one = labels(1), two = labels(2);
   pool.add(one.get());
-  ASSERT_EQ(ZxModuleClasses::attachableTo(*two), std::vector{&picky});
+  const auto classes = ZxModuleClasses::attachableTo(*two); // Packages that were loaded have some, too.
+  ASSERT_EQ(std::count(classes.begin(), classes.end(), &picky), 1);
   Recorder recorder;
   ZxModule* module = ZxModuleClasses::attach(picky, *two);
   ASSERT_NE(module, nullptr);

@@ -80,6 +80,19 @@ TEST(SliceXForm, RotateTurnsTheWholePlaneAboutThePivot)
   }
 }
 
+TEST(SliceXForm, AfterDoesOneAndThenTheOther)
+{
+  for (const bool f1 : {false, true})
+    for (const bool f2 : {false, true}) {
+      const SliceXForm first(7.25f, -2.5f, 17.0f, f1), second(-3.0f, 11.0f, -140.0f, f2);
+      const McVec2f p(5.0f, 40.0f);
+      const McVec2f twice = second.map(first.map(p, 48, 31), 48, 31);
+      const McVec2f once = second.after(first).map(p, 48, 31);
+      EXPECT_NEAR(once.x, twice.x, 1e-4f);
+      EXPECT_NEAR(once.y, twice.y, 1e-4f);
+    }
+}
+
 TEST(SliceXForm, InvNegatesTheNumbersOnly)
 {
   SliceXForm t(3, -4, 10, true);

@@ -58,6 +58,32 @@ TEST_F(ZxCenterAlignMethodTest, HeedsFlipsAndTheTransformsThatArePresent)
   EXPECT_LT(distance(0, 1, kBlob, 25), 0.4);
 }
 
+TEST_F(ZxCenterAlignMethodTest, FindsTheSamePlaceOnProjectionsWhichLieInPlaceAlready)
+{
+  connectBlob({{}, {}, {5, 8, 33, false}, {}});
+  for (const int i : {0, 1}) module->portMaxIntNumSlices.setValue(i, 1);
+  for (const int i : {0, 1}) module->portLinearRange.setValue(i, static_cast<float>(255 * i));
+  module->fire();
+  std::vector<SliceXForm> found[2];
+  for (const bool projected : {false, true}) {
+    module->setUseMaxIntProjection(projected);
+    setTransform(1, {-4, 6, 90, true});
+    setTransform(2, {7, -3, 180, true});
+    setTransform(3, {1, 2, 20, false});
+    selectPair(2, 1);
+    module->mapSlices();
+    EXPECT_EQ(module->doLayout(kGravity), 1);
+    for (int k = 0; k < 4; ++k) found[projected].push_back(module->getSlice(k));
+  }
+  for (std::size_t k = 0; k < 4; ++k) {
+    const SliceXForm &a = found[0][k], &b = found[1][k];
+    EXPECT_NEAR(a.translationX, b.translationX, 0.3) << k;
+    EXPECT_NEAR(a.translationY, b.translationY, 0.3) << k;
+    EXPECT_NEAR(std::remainder(a.rotation - b.rotation, 360.0f), 0.0f, 0.5f) << k;
+    EXPECT_EQ(a.flip, b.flip) << k;
+  }
+}
+
 TEST_F(ZxCenterAlignMethodTest, CarriesTheSlicesBeyondAlongAndLeavesTheRest)
 {
   connectBlob({{}, {}, {5, 8, 33, false}, {-6, 1, 50, false}});

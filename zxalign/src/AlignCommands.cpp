@@ -167,6 +167,8 @@ int getEditableSlice(Module& module, Interp interp, Words)
   return zxResult(interp, side == 1 ? "upper" : side == -1 ? "lower" : "");
 }
 
+int getNumSlices(Module& module, Interp interp, Words) { return number(interp, module.numSlices()); }
+
 int setReferenceSlice(Module& module, Interp, Words words)
 {
   const int slice = alignInteger(words[0]);
@@ -184,12 +186,8 @@ int getReferenceSlice(Module& module, Interp interp, Words)
 
 int setFixReferenceSlice(Module& module, Interp, Words words)
 {
-  const bool fix = alignFlag(words[0]);
-  if (fix == module.isReferenceFixed()) return kZxOk;
-  if (hasEditor(module))
-    editor(module).fixReference();
-  else
-    module.setReferenceFixed(fix);
+  module.setReferenceFixed(alignFlag(words[0]));
+  module.updateViews();
   return kZxOk;
 }
 
@@ -200,12 +198,8 @@ int getFixReferenceSlice(Module& module, Interp interp, Words)
 
 int setTransformAll(Module& module, Interp, Words words)
 {
-  const bool all = alignFlag(words[0]);
-  if (all == module.transformsAll()) return kZxOk;
-  if (hasEditor(module))
-    editor(module).transformAll();
-  else
-    module.setTransformAll(all);
+  module.setTransformAll(alignFlag(words[0]));
+  module.updateViews();
   return kZxOk;
 }
 
@@ -224,14 +218,18 @@ int translate(Module& module, Interp, Words words)
 {
   const float dx = alignReal(words[0]);
   const float dy = alignReal(words[1]);
-  if (isFinite("translate", dx) && isFinite("translate", dy)) module.translateRelative(dx, dy);
+  if (!isFinite("translate", dx) || !isFinite("translate", dy)) return kZxOk;
+  module.translateRelative(dx, dy);
+  if (hasEditor(module)) editor(module).showEdit();
   return kZxOk;
 }
 
 int rotate(Module& module, Interp, Words words)
 {
   const float angle = alignReal(words[0]);
-  if (isFinite("rotate", angle)) module.rotateRelative(angle);
+  if (!isFinite("rotate", angle)) return kZxOk;
+  module.rotateRelative(angle);
+  if (hasEditor(module)) editor(module).showEdit();
   return kZxOk;
 }
 
@@ -626,6 +624,7 @@ constexpr AlignCommand commands[] = {
      kNothing,
      setTransformAll},
     {{"getTransformAll", "", "1 or 0."}, kNothing, getTransformAll},
+    {{"getNumSlices", "", "Number of slices of the input, 0 without one."}, kNothing, getNumSlices},
     {{"isEditorOpen", "", "1 or 0."}, kNothing, isEditorOpen},
     {{"resampleToResult", "", "Resamples into the existing results."}, kNothing, resampleToResult},
     {{"showTransformToolBar", "FLAG", "Shows or hides the toolbar with the transform's numbers."},

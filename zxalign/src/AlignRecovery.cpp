@@ -1,7 +1,8 @@
 #include "zxalign/AlignRecovery.h"
 
-#include "RecoveryFile.h"
+#include "RecoveryContent.h"
 #include "zx/ZxMessage.h"
+#include "zx/ZxRecoveryFile.h"
 #include "zx/ZxWorkArea.h"
 #include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignSlices.h"
@@ -21,6 +22,8 @@ AlignRecovery::Question& theQuestion()
   return question;
 }
 
+bool (*isWanted)() = nullptr;
+
 std::string absolutePath(const std::string& name)
 {
   if (name.empty()) return {};
@@ -39,6 +42,8 @@ QString now()
 } // namespace
 
 void AlignRecovery::setQuestion(Question question) { theQuestion() = std::move(question); }
+
+void AlignRecovery::setWanted(bool (*wanted)()) noexcept { isWanted = wanted; }
 
 AlignRecovery::AlignRecovery(ZxAlignSlices& module) : m_module(module)
 {
@@ -60,6 +65,7 @@ void AlignRecovery::attach()
 {
   detach();
   m_saved = m_module.getSlices();
+  m_stored.clear();
   m_hasFailed = false;
   const RecoveryKey key = currentKey();
   if (key.path.empty()) return;
@@ -83,13 +89,15 @@ void AlignRecovery::detach()
 
 void AlignRecovery::queue()
 {
-  if (!m_key || m_timer.isActive() || !QCoreApplication::instance()) return;
+  if (!m_key || m_timer.isActive() || !QCoreApplication::instance() || (isWanted && !isWanted())) return;
   const qint64 waited = m_sinceWrite.isValid() ? m_sinceWrite.elapsed() : m_interval.count();
   m_timer.start(static_cast<int>(std::max<qint64>(m_interval.count() - waited, 0)));
 }
 
 void AlignRecovery::takeTurn()
 {
+  // A method may have laid the slices elsewhere for its time.
+  if (m_module.isMethodRunning()) return m_timer.start(m_interval);
   writeIfChanged();
   // Work that lets events in goes on: what it does after this has to be written as well.
   if (ZxWorkArea::getTheWorkArea()->isBusy()) m_timer.start(m_interval);
@@ -104,25 +112,38 @@ void AlignRecovery::writeIfChanged()
     write(state, nullptr);
 }
 
-void AlignRecovery::write(const AlignState& state, std::shared_ptr<RecoveryFile> replaced)
+void AlignRecovery::write(const AlignState& state, std::shared_ptr<ZxRecoveryFile> replaced)
 {
-  if (!m_file) m_file = RecoveryFile::create(*m_key);
+  if (!m_file) m_file = ZxRecoveryFile::create(m_key->text());
   m_written = std::make_unique<AlignState>(state);
   m_sinceWrite.start();
   m_pool.start(
       [this, file = m_file, replaced = std::move(replaced), content = RecoveryContent{*m_key, now(), state}] {
-        const QString problem = file->write(encodeRecovery(content));
-        if (problem.isEmpty() && replaced) replaced->remove();
-        if (!problem.isEmpty()) QMetaObject::invokeMethod(this, [this, problem] { tellFailure(problem); });
+        const std::string problem = file->write(encodeRecovery(content));
+        if (problem.empty() && replaced) replaced->remove();
+        if (!problem.empty()) QMetaObject::invokeMethod(this, [this, problem] { tellFailure(problem); });
       });
 }
 
-void AlignRecovery::tellFailure(const QString& problem)
+void AlignRecovery::tellFailure(const std::string& problem)
 {
   if (!m_hasFailed)
     ZxMessage::getTheMsg()->printf("The unsaved alignment of %s cannot be kept for the case of a crash: %s.",
-                                   m_module.sliceData().getInputDataName().getString(), qPrintable(problem));
+                                   m_module.sliceData().getInputDataName().getString(), problem.c_str());
   m_hasFailed = true;
+}
+
+void AlignRecovery::stored()
+{
+  m_stored = m_module.getSlices();
+  queue();
+}
+
+void AlignRecovery::objectChanged(ZxObject* object)
+{
+  const ZxSpatialData* data = m_module.sliceData().getSpatialData();
+  if (object != data || data->isUnsaved() || m_stored.isEmpty()) return;
+  if (m_stored == m_module.getSlices()) forget();
 }
 
 void AlignRecovery::forget()
@@ -135,10 +156,15 @@ void AlignRecovery::forget()
 
 void AlignRecovery::offer()
 {
-  auto content = std::make_unique<RecoveryContent>();
-  m_offered = RecoveryFile::findOrphan(*m_key, *content);
-  m_offer = m_offered ? std::move(content) : nullptr;
+  using Verdict = ZxRecoveryFile::Verdict;
+  std::optional<RecoveryContent> content;
+  m_offered = ZxRecoveryFile::findOrphan(m_key->text(), [&](const std::string& bytes) {
+    content = decodeRecovery(bytes);
+    if (!content) return Verdict::Damaged;
+    return content->key == *m_key ? Verdict::Wanted : Verdict::Other;
+  });
   if (!m_offered) return;
+  m_offer = std::make_unique<RecoveryContent>(*content);
   const QDateTime time = QDateTime::fromString(m_offer->time, Qt::ISODate).toLocalTime();
   const QString text = tr("An alignment of %1 was not saved when the program ended. It is from %2.")
                            .arg(QString::fromUtf8(m_module.sliceData().getInputDataName().getString()),
@@ -151,7 +177,7 @@ void AlignRecovery::offer()
 void AlignRecovery::restore()
 {
   if (!m_offered) return;
-  const std::shared_ptr<RecoveryFile> offered = std::move(m_offered);
+  const std::shared_ptr<ZxRecoveryFile> offered = std::move(m_offered);
   const AlignState state = std::move(m_offer->state);
   m_offer.reset();
   m_module.undoRedo().saveState();

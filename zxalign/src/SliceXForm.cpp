@@ -90,6 +90,21 @@ void SliceXForm::rotate(float degrees, float pivotX, float pivotY)
   rotation += degrees;
 }
 
+SliceXForm SliceXForm::after(const SliceXForm& first) const
+{
+  // About the centre, mirroring turns a rotation round and negates what lies in x.
+  SliceXForm moved = first;
+  if (flip) {
+    moved.translationX = -moved.translationX;
+    moved.rotation = -moved.rotation;
+    moved.flip = !moved.flip;
+  }
+  moved.rotate(rotation, 0.0f, 0.0f);
+  moved.translationX += translationX;
+  moved.translationY += translationY;
+  return moved;
+}
+
 void SliceXForm::inv()
 {
   translationX = -translationX;

@@ -138,9 +138,22 @@ std::vector<std::uint8_t> ZxAlignData::getMaskBitfield(int slice)
   return readMaskBits(m_mask, slice, m_mutex);
 }
 
+void ZxAlignData::holdProjections()
+{
+  m_holdsProjections = true;
+  m_editableProjection = m_referenceProjection = SliceXForm();
+}
+
+void ZxAlignData::releaseProjections(const SliceXForm& editable, const SliceXForm& reference)
+{
+  m_holdsProjections = false;
+  m_editableProjection = editable;
+  m_referenceProjection = reference;
+}
+
 void ZxAlignData::mapSlice(Role role)
 {
-  if (!m_lattice) return;
+  if (!m_lattice || m_holdsProjections) return;
   const bool editable = role == Role::Editable;
   const int slice = editable ? m_editableSlice : m_referenceSlice;
   if (slice < 0 || slice >= m_dims.slices) return;

@@ -1,6 +1,7 @@
 #include "zxalign/ZxAlignSlices.h"
 
 #include "Guarded.h"
+#include "ProjectedPair.h"
 #include "ZxAlignResampler.h"
 #include "ZxEditorPause.h"
 #include "mc/McMath.h"
@@ -23,6 +24,7 @@ namespace {
 constexpr int maxSide = 65535;
 
 constexpr int mainViewer = 0;
+constexpr int landmarkMethod = 2;
 
 enum Action { ActionEdit, ActionResample, ActionResampleToResult };
 
@@ -71,7 +73,24 @@ ZxAlignSlices::ZxAlignSlices()
     m_data(std::make_unique<ZxAlignData>(this)), m_methods(ZxAutoAlignMethodFabrique::getInstance()),
     m_recovery(std::make_unique<AlignRecovery>(*this))
 {
+  describePorts();
   ZxAlignSlices::update();
+}
+
+void ZxAlignSlices::describePorts()
+{
+  portData.setTip("The volume whose slices are aligned: at least two slices, grey or colour.");
+  portMask.setTip(
+      "Labels of the same size as the volume: quality and automatic methods use labelled pixels only.");
+  portLabelField.setTip("Labels that belong to the volume, of the same size: they are resampled with it.");
+  portReference.setTip("A volume of the same size that carries an alignment, which is read.");
+  portLinearRange.setTip("Values of the data that are shown black (min) and white (max).");
+  portDisplayMode.setTip("Slices as they are, or the largest values of several slices.");
+  portMaxIntNumSlices.setTip("How many slices are projected into one, for each slice of the pair.");
+  portResampleMethod.setTip("Preview takes the nearest pixel, High Quality interpolates.");
+  portAction.setTip(
+      "Edit opens the editor of the alignment. Resample makes a new aligned volume, Resample to "
+      "Result writes into the one made before.");
 }
 
 ZxAlignSlices::~ZxAlignSlices()
@@ -409,7 +428,14 @@ int ZxAlignSlices::doLayout(int mode)
   const std::unique_ptr<ZxAutoAlignMethod> method(m_methods->createAutoAlignMethod(this, mode));
   if (!method) return 0;
   int result = 0;
-  withoutPasses([&] { result = runMethod(*method, mode); });
+  withoutPasses([&] {
+    // Landmarks are points of the slices themselves, whatever is shown of them.
+    std::optional<ProjectedPair> projected;
+    if (m_useMaxIntProjection && mode != landmarkMethod) projected.emplace(*this);
+    result = runMethod(*method, mode);
+  });
+  if (result) m_recovery->queue();
+  updateViews();
   return result;
 }
 
@@ -430,7 +456,7 @@ int ZxAlignSlices::runMethod(ZxAutoAlignMethod& method, int mode)
 
 float ZxAlignSlices::performanceTest()
 {
-  if (!m_editor) return 0.0f;
+  if (!m_editor || !m_editorOpen) return 0.0f;
   using Clock = std::chrono::steady_clock;
   const Clock::time_point start = Clock::now();
   for (int i = 0; i < 10; ++i) m_editor->repaintSliceView();

@@ -197,7 +197,7 @@ bool ZxAlignSlices::saveTransform(ZxParamBundle& target, McDArray<SliceInfo>& sl
   m_data->touchInputData();
   if (!storage::writeTransforms(target, slices, m_data->getDims())) return false;
   savePoints(target, slices);
-  if (&target == input) m_recovery->forget();
+  if (&target == input) m_recovery->stored();
   return true;
 }
 
@@ -296,14 +296,20 @@ void ZxAlignSlices::updateQuality()
                             static_cast<double>(computeQuality()) * 100.0);
 }
 
-std::span<const ZxAlignSetting> ZxAlignSlices::settings() const { return ZxAlignSettings::table(); }
+std::span<const ZxAlignSetting> ZxAlignSlices::settings() const { return m_methods->getSettings(); }
 
 std::string ZxAlignSlices::setSetting(const std::string& name, const std::string& value)
 {
-  return m_settings.set(name, value);
+  // What the module itself has goes before settings of that name in plug-ins.
+  const bool own = !m_settings.get(name).empty() || !m_methods->hasSetting(name);
+  return own ? m_settings.set(name, value) : m_methods->setSetting(name, value);
 }
 
-std::string ZxAlignSlices::getSetting(const std::string& name) const { return m_settings.get(name); }
+std::string ZxAlignSlices::getSetting(const std::string& name) const
+{
+  const std::string own = m_settings.get(name);
+  return own.empty() ? m_methods->getSetting(name) : own;
+}
 
 std::vector<ZxAlignControl::Method> ZxAlignSlices::methods() const
 {

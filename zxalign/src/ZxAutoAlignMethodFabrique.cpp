@@ -8,6 +8,7 @@
 #include "zx/ZxDSO.h"
 #include "zx/ZxInterpreter.h"
 #include "zx/ZxMessage.h"
+#include "zxalign/ZxAlignSettings.h"
 
 #include <algorithm>
 
@@ -25,6 +26,8 @@ void ZxAutoAlignMethodFabrique::registerAutoAlignMethod()
   m_methods.append({ZxOptimizeAlignMethod::methodName, &ZxOptimizeAlignMethod::createMethod, 1});
   m_methods.append({ZxLandmarkAlignMethod::methodName, &ZxLandmarkAlignMethod::createMethod, 2});
   m_methods.append({ZxEdgeDetectionAlignMethod::methodName, &ZxEdgeDetectionAlignMethod::createMethod, 3});
+  const std::span<const ZxAlignSetting> own = ZxAlignSettings::table();
+  m_settingTable.assign(own.begin(), own.end());
   loadPlugIns();
 }
 
@@ -64,10 +67,13 @@ std::string ZxAutoAlignMethodFabrique::loadPlugIn(const std::string& symbol, con
            " and this is " + std::to_string(kZxAlignPlugInInterface);
   const auto entry = reinterpret_cast<ZxAlignPlugInEntry>(object.getSymbol(symbol.c_str()));
   if (!entry) return "the library " + library + " lacks the symbol " + symbol;
-  const std::size_t before = m_methods.size();
+  const std::size_t methods = m_methods.size(), settings = m_settings.size(), rows = m_settingTable.size();
   const std::string problem = guarded([&] { entry(this); });
   if (problem.empty()) return {};
-  m_methods.resize(before); // A plug-in that failed half-way offers nothing.
+  // A plug-in that failed half-way offers nothing.
+  m_methods.resize(methods);
+  m_settings.resize(settings);
+  m_settingTable.resize(rows);
   return "its entry " + symbol + " failed: " + problem;
 }
 
@@ -77,6 +83,43 @@ void ZxAutoAlignMethodFabrique::registerAutoAlignMethodPlugIn(const char* name, 
 {
   if (!name || !create) return;
   m_methods.append({McString(name), create, getNextIdNumber()});
+}
+
+void ZxAutoAlignMethodFabrique::registerSettings(const ZxAlignMethodSettings& settings)
+{
+  if (!settings.array || !settings.check) return;
+  m_settings.push_back(settings);
+  m_settingTable.insert(m_settingTable.end(), settings.table.begin(), settings.table.end());
+}
+
+const ZxAlignMethodSettings* ZxAutoAlignMethodFabrique::settingsWith(const std::string& name) const
+{
+  for (const ZxAlignMethodSettings& settings : m_settings)
+    for (const ZxAlignSetting& setting : settings.table)
+      if (name == setting.name) return &settings;
+  return nullptr;
+}
+
+std::string ZxAutoAlignMethodFabrique::setSetting(const std::string& name, const std::string& value) const
+{
+  const ZxAlignMethodSettings* settings = settingsWith(name);
+  if (!settings) return "There is no setting named " + name + ".";
+  std::string problem = settings->check(name, value);
+  const std::string variable = settings->array + ("(" + name + ")");
+  if (problem.empty() && !ZxInterpreter::getTheInterpreter().setVar(variable.c_str(), value.c_str()))
+    problem = "The variable " + variable + " of the setting " + name + " cannot be set.";
+  return problem;
+}
+
+std::string ZxAutoAlignMethodFabrique::getSetting(const std::string& name) const
+{
+  const ZxAlignMethodSettings* settings = settingsWith(name);
+  if (!settings) return {};
+  const std::string variable = settings->array + ("(" + name + ")");
+  if (const char* value = ZxInterpreter::getTheInterpreter().getVar(variable.c_str())) return value;
+  for (const ZxAlignSetting& setting : settings->table)
+    if (name == setting.name) return setting.defaultValue;
+  return {};
 }
 
 ZxAutoAlignMethod* ZxAutoAlignMethodFabrique::createAutoAlignMethod(ZxAlignSlices* module,

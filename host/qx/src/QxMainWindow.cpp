@@ -32,6 +32,7 @@
 #include <QStatusBar>
 
 #include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -43,6 +44,14 @@ constexpr const char* geometryKey = "window/geometry";
 constexpr const char* stateKey = "window/state";
 constexpr QSize usualSize(1280, 800);
 constexpr QSize smallestPage(320, 240);
+
+/// The first control of a pane that takes the focus, or null.
+QWidget* firstInFocusOrder(QWidget* pane)
+{
+  for (QWidget* widget : pane->findChildren<QWidget*>())
+    if (widget->isVisible() && widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus)) return widget;
+  return nullptr;
+}
 
 } // namespace
 
@@ -231,6 +240,8 @@ void QxMainWindow::showPreferences() { QxPreferencesDialog(this).exec(); }
 
 void QxMainWindow::open(const QStringList& files) { m_files->open(files); }
 
+bool QxMainWindow::isReadingOrWriting() const { return !m_files->queue()->isIdle(); }
+
 void QxMainWindow::select(const ZxObject* object) { m_pool->select(object); }
 
 void QxMainWindow::followSelection()
@@ -248,20 +259,13 @@ void QxMainWindow::followPage(int page)
 
 void QxMainWindow::goToNextPane()
 {
-  QWidget* const panes[] = {m_pool, m_ports, m_centre->currentWidget(), m_console};
-  const auto isIn = [](QWidget* pane) { return pane->isAncestorOf(QApplication::focusWidget()); };
-  auto* const end = std::end(panes);
-  auto* const now = std::find_if(std::begin(panes), end, isIn);
-  for (auto* pane = now == end ? std::begin(panes) : now + 1; pane != now; ++pane) {
-    if (pane == end) pane = std::begin(panes);
-    if (pane == now) return;
-    if (!(*pane)->isVisible()) continue;
-    QWidget* first = (*pane)->nextInFocusChain();
-    while (first && first != *pane &&
-           !(first->isVisible() && (first->focusPolicy() & Qt::TabFocus) && first->isEnabled()))
-      first = first->nextInFocusChain();
-    if (first && (*pane)->isAncestorOf(first)) return first->setFocus(Qt::TabFocusReason);
-  }
+  std::vector<QWidget*> panes{m_pool, m_ports, m_centre->currentWidget(), m_console};
+  const auto now = std::find_if(panes.begin(), panes.end(), [](QWidget* pane) {
+    return pane->isAncestorOf(QApplication::focusWidget());
+  });
+  if (now != panes.end()) std::rotate(panes.begin(), now + 1, panes.end());
+  for (QWidget* pane : panes)
+    if (QWidget* first = firstInFocusOrder(pane)) return first->setFocus(Qt::TabFocusReason);
 }
 
 void QxMainWindow::closeEvent(QCloseEvent* event)

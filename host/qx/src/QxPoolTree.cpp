@@ -97,8 +97,10 @@ QxPoolTree::QxPoolTree(QWidget* parent) : QTreeWidget(parent)
   setObjectName("poolList");
   setAccessibleName(tr("Objects"));
   setHeaderLabels({tr("Name"), tr("Size")});
-  header()->setStretchLastSection(true);
-  header()->setSectionResizeMode(NameColumn, QHeaderView::ResizeToContents);
+  header()->setStretchLastSection(false);
+  header()->setSectionResizeMode(NameColumn, QHeaderView::Stretch);
+  header()->setSectionResizeMode(SizeColumn, QHeaderView::ResizeToContents);
+  setTextElideMode(Qt::ElideMiddle);
   setRootIsDecorated(false);
   setItemsExpandable(false);
   setIndentation(22);

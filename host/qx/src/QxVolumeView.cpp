@@ -31,6 +31,7 @@ QxVolumeView::QxVolumeView(QxPoolWatcher* watcher, QWidget* parent)
   : QWidget(parent), m_viewer(new QxImageViewer(this)), m_slider(new QxFullSlider(this, "slice"))
 {
   m_viewer->setObjectName("viewer");
+  m_viewer->setFocusPolicy(Qt::StrongFocus); // Its keys zoom and move the picture.
   m_slider->setToolTip(tr("Slice, counted from 0; the wheel over the picture goes through them, too"));
   m_slider->setIncrement(1.0F);
   m_slider->setFormat("%.0f");

@@ -33,10 +33,10 @@ std::optional<phasecorrelation::RigidMotion> motionOfPair(ZxAlignSlices& module)
   const ZxDims& dims = module.getDataLattice()->getDims();
   const SliceXForm& reference = module.getSlice(module.getReferenceSlice());
   const SliceXForm& editable = module.getSlice(module.getEditableSlice());
-  const auto referencePicture = phasecorrelation::pictureOf(module.getComputedReferenceSlicePtr(), dims.width,
-                                                            dims.height, reference.flip);
-  const auto editablePicture = phasecorrelation::pictureOf(module.getComputedEditableSlicePtr(), dims.width,
-                                                           dims.height, editable.flip);
+  const auto referencePicture =
+      spectral::pictureOf(module.getComputedReferenceSlicePtr(), dims.width, dims.height, reference.flip);
+  const auto editablePicture =
+      spectral::pictureOf(module.getComputedEditableSlicePtr(), dims.width, dims.height, editable.flip);
   if (module.alignSettings().rotationAllowed)
     return phasecorrelation::findMotion(referencePicture, editablePicture, &interrupted);
   return phasecorrelation::findDisplacement(referencePicture, editablePicture,

@@ -1,6 +1,7 @@
 #include "RigidSearch.h"
 
 #include "Correlation.h"
+#include "PolarSpectrum.h"
 #include "mc/McMath.h"
 #include "mc/McRound.h"
 
@@ -9,6 +10,9 @@
 #include <cmath>
 
 namespace phasecorrelation {
+
+using namespace spectral;
+
 namespace {
 
 // Longest side in pixels of the pictures that candidates are compared on, angles are found on, and the
@@ -19,10 +23,7 @@ constexpr int kFinalSide = 1024;
 
 // The polar spectrum: half a turn and, on a logarithmic scale, the radii between two shares of the highest
 // frequency. Lower ones hold the window and the illumination, higher ones noise and interpolation.
-constexpr int kAngles = 720;
-constexpr int kRadii = 192;
-constexpr double kLowestRadius = 0.04;
-constexpr double kHighestRadius = 0.8;
+constexpr PolarGrid kPolarGrid{720, 192, 0.04, 0.8};
 
 constexpr int kCandidates = 6;
 // Width in samples of the peaks: wide enough to be fitted, and to be met by a neighbouring angle.
@@ -91,42 +92,6 @@ Field turned(const Picture& picture, double degrees, int side)
   return field;
 }
 
-/// Magnitudes of a spectrum over angle (columns, half a turn) and radius (rows), as logarithms without the
-/// mean of their radius: what is left is how the picture differs between directions.
-Field polarSpectrum(const Spectrum& spectrum, int side)
-{
-  Field polar{kRadii, kAngles, {}};
-  polar.values.reserve(static_cast<std::size_t>(kRadii) * kAngles);
-  Picture magnitudes{side, side, 0, 0, 1.0, std::vector<float>(spectrum.size())};
-  const int half = side / 2;
-  for (int y = 0; y < side; ++y)
-    for (int x = 0; x < side; ++x) {
-      const auto from = static_cast<std::size_t>((y + half) % side) * static_cast<std::size_t>(side) +
-                        static_cast<std::size_t>((x + half) % side);
-      const auto to =
-          static_cast<std::size_t>(y) * static_cast<std::size_t>(side) + static_cast<std::size_t>(x);
-      magnitudes.values[to] =
-          static_cast<float>(mc::log(1.0 + static_cast<double>(std::abs(spectrum[from]))));
-    }
-  for (int r = 0; r < kRadii; ++r) {
-    const double share = (r + 0.5) / kRadii;
-    const double radius = half * kLowestRadius * mc::exp(share * mc::log(kHighestRadius / kLowestRadius));
-    const auto begin = static_cast<std::ptrdiff_t>(polar.values.size());
-    double sum = 0.0;
-    for (int a = 0; a < kAngles; ++a) {
-      double sine = 0.0, cosine = 1.0;
-      mc::sinCosDegrees(180.0 * a / kAngles, sine, cosine);
-      polar.values.push_back(sample(magnitudes, half + radius * cosine, half + radius * sine));
-      sum += static_cast<double>(polar.values.back());
-    }
-    const auto mean = static_cast<float>(sum / kAngles);
-    // Faded out at the ends of the radii, which are no neighbours of each other; angles are periodic.
-    const auto weight = static_cast<float>(0.5 - 0.5 * mc::cos(2.0 * mc::kPi * share));
-    for (auto v = polar.values.begin() + begin; v != polar.values.end(); ++v) *v = (*v - mean) * weight;
-  }
-  return polar;
-}
-
 /// A pair of pictures of one reduction, ready to be compared at any angle.
 class Comparison {
 public:
@@ -159,30 +124,16 @@ private:
   Spectrum m_referenceSpectrum;
 };
 
-/// The highest local maxima of one row of a periodic field, best first, in samples.
-std::vector<double> highestOfRow(const float* row, int n, int count)
-{
-  const auto at = [&](int i) { return static_cast<double>(row[(i + n) % n]); };
-  std::vector<int> maxima;
-  for (int i = 0; i < n; ++i)
-    if (at(i) > at(i - 1) && at(i) >= at(i + 1)) maxima.push_back(i);
-  std::stable_sort(maxima.begin(), maxima.end(), [&](int a, int b) { return at(a) > at(b); });
-  maxima.resize(std::min(maxima.size(), static_cast<std::size_t>(count)));
-  std::vector<double> places;
-  for (const int i : maxima) places.push_back(i + topBetween(at(i - 1), at(i), at(i + 1)).offset);
-  return places;
-}
-
 std::vector<double> Comparison::candidateAngles() const
 {
-  const Field reference = polarSpectrum(m_referenceSpectrum, m_side);
-  const Field moved = polarSpectrum(spectrumOf(turned(m_moved, 0.0, m_side)), m_side);
-  const Field surface =
-      phaseCorrelation(spectrumOf(reference), spectrumOf(moved), kRadii, kAngles, kPeakWidth);
+  const Field reference = polarSpectrum(m_referenceSpectrum, m_side, kPolarGrid);
+  const Field moved = polarSpectrum(spectrumOf(turned(m_moved, 0.0, m_side)), m_side, kPolarGrid);
+  const Field surface = phaseCorrelation(spectrumOf(reference), spectrumOf(moved), kPolarGrid.radii,
+                                         kPolarGrid.angles, kPeakWidth);
   // Nothing is scaled: the matches are in the row of displacement 0 along the radii.
   std::vector<double> angles;
-  for (const double place : highestOfRow(surface.values.data(), kAngles, kCandidates))
-    angles.push_back(-place * 180.0 / kAngles);
+  for (const double place : highestOfRow(surface.values.data(), kPolarGrid.angles, kCandidates))
+    angles.push_back(-place * 180.0 / kPolarGrid.angles);
   return angles;
 }
 

@@ -7,6 +7,8 @@
 
 namespace phasecorrelation {
 
+using spectral::Picture;
+
 /// How one picture lies on another: a point v of the moved one lies at u = R v + (dx, dy) of the reference,
 /// both counted from the slice centre in pixels of the slice, with R v = (v.x cos a + v.y sin a, -v.x sin a +
 /// v.y cos a), the sense of the slice transforms.

@@ -9,6 +9,7 @@
 namespace {
 
 using namespace phasecorrelation;
+using namespace spectral;
 
 Picture picture(const TestSlice& slice)
 {

@@ -6,6 +6,7 @@
 #include "zxalign/QxDrawAlignSlices.h"
 #include "zxalign/ZxAlignSlices.h"
 
+#include <QAbstractItemView>
 #include <QAbstractSlider>
 #include <QAbstractSpinBox>
 #include <QApplication>
@@ -47,9 +48,11 @@ bool takesText(const QWidget* widget)
          qobject_cast<const QPlainTextEdit*>(widget);
 }
 
-bool isSlider(const QWidget* widget)
+/// Sliders and lists: with the mouse one goes to them for a click only.
+bool stepsByKeys(const QWidget* widget)
 {
-  return qobject_cast<const QxSlider*>(widget) || qobject_cast<const QAbstractSlider*>(widget);
+  return qobject_cast<const QxSlider*>(widget) || qobject_cast<const QAbstractSlider*>(widget) ||
+         qobject_cast<const QAbstractItemView*>(widget);
 }
 
 bool isModifier(int key) { return key == Qt::Key_Shift || key == Qt::Key_Control; }
@@ -146,7 +149,7 @@ bool AlignKeyboard::childHasKeys() const
 {
   const QWidget* focus = QApplication::focusWidget();
   if (!focus || focus != m_focus || m_went == Went::Otherwise) return false;
-  return takesText(focus) || (isSlider(focus) && m_went == Went::ByKeyboard);
+  return takesText(focus) || (stepsByKeys(focus) && m_went == Went::ByKeyboard);
 }
 
 void AlignKeyboard::focusMoved(QWidget* now)

@@ -14,7 +14,7 @@ class QxAlignSlices;
 /// more, and when it comes back the keyboard itself is asked.
 ///
 /// The keys work wherever the focus is in the editor: its other widgets do not see them. Exceptions: a field
-/// for text that a person went to, and a slider that a person went to with the keyboard.
+/// for text that a person went to, and a slider or a list that a person went to with the keyboard.
 class AlignKeyboard : public QObject {
 public:
   /// The window outlives this object.

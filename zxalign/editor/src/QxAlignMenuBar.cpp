@@ -11,9 +11,8 @@
 #include "zxalign/QxViewAlignSlicesSagittal.h"
 #include "zxalign/ZxAutoAlignMethodFabrique.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
+#include <filesystem>
 #include <initializer_list>
 
 namespace {
@@ -286,6 +285,10 @@ void QxAlignMenuBar::disableFixReference() { setEnabled(m_fixReference, false); 
 void QxAlignMenuBar::enableTransformAll() { setEnabled(m_transformAll, true); }
 void QxAlignMenuBar::disableTransformAll() { setEnabled(m_transformAll, false); }
 
+void QxAlignMenuBar::showTransformAll(bool on) { setChecked(m_transformAll, on); }
+void QxAlignMenuBar::showFixReference(bool on) { setChecked(m_fixReference, on); }
+void QxAlignMenuBar::showTransformParameters(bool on) { setChecked(m_transformParameters, on); }
+
 void QxAlignMenuBar::zoomIn() { Q_EMIT zoomInSignal(); }
 void QxAlignMenuBar::zoomOut() { Q_EMIT zoomOutSignal(); }
 void QxAlignMenuBar::cancel() { Q_EMIT cancelSignal(); }
@@ -412,11 +415,11 @@ void QxAlignMenuBar::showExtraViewer()
 
 void QxAlignMenuBar::menuUsersguide()
 {
-  const QString page =
-      QString::fromStdString(ZxSkin::getGlobalInstance()->getPathToHelpFile("zxalign", "ZxAlignSlices.html"));
+  const std::string page = ZxSkin::getGlobalInstance()->getPathToHelpFile("zxalign", "ZxAlignSlices.html");
+  std::error_code error;
   ZxHTML* browser = ZxHTML::getTheBrowser();
-  if (QFileInfo::exists(page))
-    browser->load(page);
+  if (std::filesystem::exists(page, error))
+    browser->load(QString::fromStdString(page));
   else
     browser->home();
   browser->show();

@@ -1,4 +1,5 @@
-// The editor window: its parts and what is shown of the module. Edits and navigation have files of their own.
+// The editor window: its parts and what is shown of the module. Wiring, edits and navigation have files of
+// their own.
 #include "zxalign/QxAlignSlices.h"
 
 #include "AlignBorderPreviews.h"
@@ -23,6 +24,7 @@
 #include <QStackedLayout>
 
 #include <algorithm>
+#include <utility>
 
 QxAlignSlices::QxAlignSlices(ZxAlignSlices* module)
   : QMainWindow(nullptr, Qt::SubWindow), m_module(module),
@@ -45,6 +47,7 @@ QxAlignSlices::QxAlignSlices(ZxAlignSlices* module)
   placeInMainWindow();
   createPanels();
   showSide();
+  showHistory();
   updateViews();
 }
 
@@ -72,110 +75,6 @@ void QxAlignSlices::createToolBars()
   m_transformToolBar->hide();
 }
 
-// The order of these connections is the order in which the slots of one signal run.
-
-void QxAlignSlices::connectMenus()
-{
-  using Menus = QxAlignMenuBar;
-  using Window = QxAlignSlices;
-  using View = QxDrawAlignSlices;
-  const Menus* menus = m_menus;
-  connect(menus, &Menus::resetAllSignal, this, &Window::resetAll);
-  connect(menus, &Menus::resetSignal, this, &Window::reset);
-  connect(menus, &Menus::transformAllSignal, this, &Window::transformAll);
-  connect(menus, &Menus::fixReferenceSignal, this, &Window::fixReference);
-  connect(menus, &Menus::readSignal, this, &Window::read);
-  connect(menus, &Menus::saveSignal, this, &Window::save);
-  connect(menus, &Menus::cancelSignal, this, &Window::cancel);
-  connect(menus, &Menus::showParametersSignal, this, &Window::showParameters);
-  connect(menus, &Menus::alignModeChanged, this, &Window::changeAlignMode);
-  connect(menus, &Menus::doItSignal, this, &Window::doAutoAlign);
-  connect(menus, &Menus::doAllSignal, this, &Window::doAllAutoAlign);
-  connect(menus, &Menus::transformToolBarSignal, this, &Window::showTransformToolBar);
-  connect(menus, &Menus::zoomInSignal, m_alignToolBar, &QxAlignToolBar::zoomIn);
-  connect(menus, &Menus::zoomOutSignal, m_alignToolBar, &QxAlignToolBar::zoomOut);
-  connect(menus, &Menus::alignModeChanged, m_autoAlignToolBar, &QxAutoAlignToolBar::changeAlignMode);
-  connect(menus, &Menus::redGreenSignal, m_drawArea, &View::redGreen);
-  connect(menus, &Menus::chessSignal, this, &Window::chess);
-  connect(menus, &Menus::avgSignal, m_drawArea, &View::avg);
-  connect(menus, &Menus::invertSignal, m_drawArea, &View::invert);
-  connect(menus, &Menus::alignModeChanged, m_drawArea, &View::changeAlignMode);
-  connect(menus, &Menus::removeLandmarkSignal, m_drawArea, &View::removeLandmark);
-  connect(menus, &Menus::addLandmarkSignal, m_drawArea, &View::addLandmark);
-  connect(menus, &Menus::coronalSignal, this, &Window::showCoronalView);
-  connect(menus, &Menus::sagittalSignal, this, &Window::showSagittalView);
-}
-
-void QxAlignSlices::connectToolBars()
-{
-  using Window = QxAlignSlices;
-  using View = QxDrawAlignSlices;
-  using Numbers = QxAlignTransformToolBar;
-  connect(m_transformToolBar, &Numbers::transXChanged, this, &Window::toolBarTranslateX);
-  connect(m_transformToolBar, &Numbers::transYChanged, this, &Window::toolBarTranslateY);
-  connect(m_transformToolBar, &Numbers::rotChanged, this, &Window::toolBarRotate);
-  connect(m_transformToolBar, &Numbers::flipChanged, this, &Window::toolBarFlip);
-  connect(m_alignToolBar, &QxAlignToolBar::sliceChanged, this, &Window::sliceChange);
-  connect(m_alignToolBar, &QxAlignToolBar::zoomChanged, m_drawArea, &View::setZoom);
-
-  using Modes = QxAutoAlignToolBar;
-  const Modes* modes = m_autoAlignToolBar;
-  connect(modes, &Modes::alignModeChanged, this, &Window::changeAlignMode);
-  connect(modes, &Modes::doSignal, this, &Window::doAutoAlign);
-  connect(modes, &Modes::doAllSignal, this, &Window::doAllAutoAlign);
-  connect(modes, &Modes::alignModeChanged, m_menus.data(), &QxAlignMenuBar::changeMode);
-  connect(modes, &Modes::alignModeChanged, m_drawArea, &View::changeAlignMode);
-  connect(modes, &Modes::editModeChanged, m_drawArea, &View::setEditMode);
-  connect(modes, &Modes::sliceToDisplayChanged, m_drawArea, &View::setEditableSlice);
-  connect(modes, &Modes::editModeChanged, this, &Window::setEditMode);
-  connect(modes, &Modes::sliceToDisplayChanged, this, &Window::setEditableSlice);
-  connect(modes, &Modes::mirrorSignal, this, &Window::mirror);
-}
-
-void QxAlignSlices::connectDrawArea()
-{
-  using Window = QxAlignSlices;
-  using View = QxDrawAlignSlices;
-  // Twice, deliberately; the second time changes nothing.
-  for (int i = 0; i < 2; ++i) connect(m_drawArea, &View::click, this, qOverload<>(&QWidget::setFocus));
-  connect(m_drawArea, &View::translated, this, &Window::translate);
-  connect(m_drawArea, &View::rotated, this, &Window::rotate);
-  connect(m_drawArea, &View::addPoint, this, &Window::addPoint);
-  connect(m_drawArea, qOverload<int>(&View::removePoint), this, &Window::removePoint);
-  connect(m_drawArea, &View::movePoints, this, &Window::movePoints);
-  connect(this, &Window::chessSignal, m_drawArea, &View::chess);
-  connect(m_drawArea, &View::enableRemove, m_menus.data(), &QxAlignMenuBar::enableLandmarkRemove);
-  connect(m_drawArea, &View::zoomStepRequested, this,
-          [this](int direction) { direction > 0 ? viewZoomIn() : viewZoomOut(); });
-}
-
-void QxAlignSlices::makeHistory()
-{
-  // What is replaced may be the sender of the signal that has led here.
-  if (m_undoRedo) m_undoRedo.release()->deleteLater();
-  m_undoRedo = std::make_unique<QxAlignUndoRedo>(this, 100);
-  m_drawArea->setUndoRedo(m_undoRedo.get());
-  connectHistory();
-}
-
-void QxAlignSlices::connectHistory()
-{
-  using History = QxAlignUndoRedo;
-  using Menus = QxAlignMenuBar;
-  const History* history = m_undoRedo.get();
-  const Menus* menus = m_menus;
-  connect(menus, &Menus::undoSignal, history, &History::undo);
-  connect(menus, &Menus::redoSignal, history, &History::redo);
-  connect(history, &History::undoEmpty, menus, &Menus::undoEmpty);
-  connect(history, &History::redoEmpty, menus, &Menus::redoEmpty);
-  connect(history, &History::undoNotEmpty, menus, &Menus::undoNotEmpty);
-  connect(history, &History::redoNotEmpty, menus, &Menus::redoNotEmpty);
-  // A state is saved before every change, also by the view, which moves landmarks by itself.
-  connect(history, &History::undoNotEmpty, this, [this] { m_module->setModified(true); });
-  connect(history, &History::undoNotEmpty, this, &QxAlignSlices::edited);
-  connect(history, &History::redoNotEmpty, this, &QxAlignSlices::edited);
-}
-
 void QxAlignSlices::placeInMainWindow()
 {
   if (QxMainWindow* host = QxMainWindow::getTheMainWindow()) host->getCentralLayout()->addWidget(this);
@@ -196,6 +95,7 @@ void QxAlignSlices::createPanels()
   QToolBar* panels = addToolBar("Panels");
   panels->setObjectName("panelToolBar");
   panels->addAction(pairQuality->toggleViewAction());
+  addToolBarBreak(); // The toolbar of the orthogonal views gets a row of its own.
 }
 
 void QxAlignSlices::leaveMainWindow()
@@ -243,6 +143,7 @@ void QxAlignSlices::updateViews()
   else
     m_drawArea->forgetPair();
   updateToolbar();
+  showFlags();
 }
 
 void QxAlignSlices::showSlicePair()
@@ -289,7 +190,7 @@ void QxAlignSlices::updateOrthoViews(int dx, int dy, bool translated, bool rotat
   if (wholeStack) {
     from = 0;
     to = last;
-  } else if (m_module->transformsAll() && !mirrored) {
+  } else if (m_module->transformsAll() && !m_module->isReferenceFixed() && !mirrored) {
     if (m_module->getEditableSide() == 1)
       to = last;
     else
@@ -303,6 +204,7 @@ void QxAlignSlices::reInit()
   m_previews->takeBack();
   m_previews->clear();
   m_alignToolBar->setSlicesRange(0, std::max(0, numSlices() - 1));
+  m_module->undoRedo().clear(); // of another input, or of before a reference was read
   makeHistory();
   m_menus->undoEmpty();
   m_menus->redoEmpty();
@@ -344,6 +246,18 @@ void QxAlignSlices::showSide()
     m_autoAlignToolBar->upper();
 }
 
+void QxAlignSlices::showFlags()
+{
+  const bool fixed = m_module->isReferenceFixed();
+  m_menus->showTransformAll(m_module->transformsAll());
+  m_menus->showFixReference(fixed);
+  if (fixed != std::exchange(m_showsFixedReference, fixed)) m_drawArea->setFixReference(fixed);
+  if (fixed)
+    disableButtons();
+  else
+    enableButtons();
+}
+
 void QxAlignSlices::undoEmpty() { m_menus->undoEmpty(); }
 
 void QxAlignSlices::undoNotEmpty()
@@ -362,11 +276,18 @@ void QxAlignSlices::redoNotEmpty()
 
 void QxAlignSlices::changeViewMode(int mode)
 {
-  if (mode == QxDrawAlignSlices::Checkerboard)
-    m_drawArea->chess(m_chessFieldSize);
-  else if (mode == QxDrawAlignSlices::RedGreen || mode == QxDrawAlignSlices::Average ||
-           mode == QxDrawAlignSlices::InvertedOverlay)
-    m_drawArea->setViewMode(mode);
+  switch (mode) { // By the menu, whose check marks follow.
+  case QxDrawAlignSlices::RedGreen:
+    return m_menus->redGreen();
+  case QxDrawAlignSlices::Checkerboard:
+    return m_menus->chess();
+  case QxDrawAlignSlices::Average:
+    return m_menus->avg();
+  case QxDrawAlignSlices::InvertedOverlay:
+    return m_menus->invert();
+  default:
+    return;
+  }
 }
 
 void QxAlignSlices::changeEditMode(int mode)
@@ -425,6 +346,7 @@ int QxAlignSlices::getEditMode() { return m_editMode; }
 
 void QxAlignSlices::showTransformToolBar(bool visible)
 {
+  m_menus->showTransformParameters(visible);
   if (!visible) {
     removeToolBar(m_transformToolBar);
     m_transformToolBar->hide();
@@ -475,6 +397,7 @@ void QxAlignSlices::setUseMaxIntProjection(bool on)
 {
   m_orthoViews->setUseMaxIntProj(on);
   updateViews();
+  if (hasPair()) m_module->updateQuality();
 }
 
 void QxAlignSlices::setActive(bool visible)
@@ -482,9 +405,9 @@ void QxAlignSlices::setActive(bool visible)
   m_keyboard->setActive(visible);
   if (!visible) {
     m_menus->removeMenu();
-    if (QxMainWindow* host = QxMainWindow::getTheMainWindow()) host->getCentralLayout()->setCurrentIndex(0);
-    return;
+    return leaveMainWindow();
   }
+  showFlags(); // Scripts switch them while the window is closed.
   m_menus->addMenu();
   if (QxMainWindow* host = QxMainWindow::getTheMainWindow()) host->getCentralLayout()->setCurrentWidget(this);
   setFocus(Qt::OtherFocusReason);

@@ -99,18 +99,21 @@ void QxAlignSlices::changeSide(int side)
   showSide();
 }
 
-void QxAlignSlices::transformAll() { m_module->setTransformAll(!m_module->transformsAll()); }
+void QxAlignSlices::transformAll()
+{
+  if (!m_module->isRunning()) m_module->setTransformAll(!m_module->transformsAll());
+  showFlags(); // The menu has changed its check mark by itself.
+}
 
 void QxAlignSlices::fixReference()
 {
-  if (!acceptsEdit()) return;
+  if (!acceptsEdit()) return showFlags();
   const bool fixed = !m_module->isReferenceFixed();
   m_module->setReferenceFixed(fixed);
-  m_drawArea->setFixReference(fixed);
+  showFlags();
   if (!fixed) updateTransformLowerUpperSliceInfo(m_module->getEditableSlice());
   keepReferenceInStack();
-  if (fixed) return disableButtons();
-  enableButtons();
+  if (fixed) return;
   m_module->mapSlices();
   updateViews();
   m_module->updateQuality();
@@ -172,6 +175,8 @@ void QxAlignSlices::selectPair(const ZxAlignPair& pair)
     goTo(pair.editable);
 }
 
+const ZxObject* QxAlignSlices::editedObject() const { return m_module; }
+
 bool QxAlignSlices::canClose() { return !m_module->isEditorOpen() || cancel(); }
 
 bool QxAlignSlices::cancel()
@@ -194,11 +199,14 @@ bool QxAlignSlices::askAndClose()
   if (m_module->isModified() && hasPair()) {
     m_asksToClose = true;
     const QPointer<QxAlignSlices> alive(this);
+    const McHandle<ZxSpatialData> asked(m_module->sliceData().getSpatialData());
     const QString name = QString::fromStdString(m_module->sliceData().getInputDataName().str());
     const AlignSaveAnswer answer = askToSaveAlignment(this, name);
     if (!alive) return true;
     m_asksToClose = false;
     if (answer == AlignSaveAnswer::Cancel) return false;
+    // Not an answer for another input that has come meanwhile.
+    if (m_module->sliceData().getSpatialData() != asked.get()) return false;
     if (answer == AlignSaveAnswer::None) return true; // Nothing was decided: the window stays where it is.
     if (answer == AlignSaveAnswer::Save) save();
     if (answer == AlignSaveAnswer::Save && m_module->isModified()) return false; // A message says why.

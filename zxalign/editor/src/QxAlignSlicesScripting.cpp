@@ -1,5 +1,4 @@
 // The editor window: what scripts ask of it beyond the slots that people use.
-#include "zxalign/QxAlignMenuBar.h"
 #include "zxalign/QxAlignSlices.h"
 #include "zxalign/QxAutoAlignToolBar.h"
 #include "zxalign/QxDrawAlignSlices.h"
@@ -19,20 +18,12 @@ void QxAlignSlices::chooseEditMode(int mode)
   m_drawArea->setEditMode(mode);
 }
 
-void QxAlignSlices::chooseViewMode(int mode)
+void QxAlignSlices::chooseViewMode(int mode) { changeViewMode(mode); }
+
+void QxAlignSlices::showEdit()
 {
-  switch (mode) { // By the menu, whose check marks follow.
-  case QxDrawAlignSlices::RedGreen:
-    return m_menus->redGreen();
-  case QxDrawAlignSlices::Checkerboard:
-    return m_menus->chess();
-  case QxDrawAlignSlices::Average:
-    return m_menus->avg();
-  case QxDrawAlignSlices::InvertedOverlay:
-    return m_menus->invert();
-  default:
-    return;
-  }
+  updateToolbar();
+  updateOrthoViews(0, 0, false, false, false, false);
 }
 
 void QxAlignSlices::inhibitRedraw(int delta) { m_drawArea->addSuppression(delta); }
@@ -48,11 +39,15 @@ void QxAlignSlices::setOrthoViewAutoUpdate(bool on)
   if (auto* bar = m_orthoViews->getToolBar()) bar->setAutoUpdate(on);
 }
 
-void QxAlignSlices::updateOrthogonalViews() { m_orthoViews->updateView(); }
+void QxAlignSlices::updateOrthogonalViews()
+{
+  if (auto* bar = m_orthoViews->getToolBar()) bar->updateView(); // which computes also without "Auto update"
+}
 
 std::string QxAlignSlices::snapshot(const std::string& fileName)
 {
-  const QList<QToolBar*> bars = getVisibleToolbar();
+  QList<QToolBar*> bars = findChildren<QToolBar*>(Qt::FindDirectChildrenOnly); // those of the panels as well
+  bars.removeIf([](const QToolBar* bar) { return !bar->isVisible(); });
   for (QToolBar* bar : bars) bar->hide();
   if (layout()) layout()->activate();
   // The fourth byte of what is on the screen says nothing; a picture is opaque.

@@ -80,6 +80,7 @@ void QxAlignToolBar::zoomOut()
 
 void QxAlignToolBar::setZoom(float zoom)
 {
+  if (!(zoom > 0.0f)) return; // Half of the smallest number there is: there would be no way back.
   m_zoom = zoom;
   m_zoomLabel->setText(zoomText(zoom));
   Q_EMIT zoomChanged(zoom);

@@ -24,15 +24,17 @@ QxAlignTransformToolBar::QxAlignTransformToolBar(QMainWindow* parent, const char
 {
   setObjectName(QStringLiteral("transformToolBar"));
   setWindowTitle(QStringLiteral("Transform parameters"));
-  addWidget(new QLabel(QStringLiteral("R:"), this));
+  addLabel("R:");
   m_rot->setObjectName(QStringLiteral("rotation"));
   m_rot->setRange(-360.0, 360.0);
+  m_rot->setToolTip(QStringLiteral("Rotation in degrees"));
   m_rot->setSingleStep(0.1);
   m_rot->setDecimals(2);
   m_rot->setKeyboardTracking(false);
   addWidget(m_rot);
-  addWidget(new QLabel(QStringLiteral("Flip:"), this));
+  addLabel("Flip:");
   m_flip->setObjectName(QStringLiteral("flip"));
+  m_flip->setToolTip(QStringLiteral("Mirrored in x"));
   addWidget(m_flip);
   connect(m_x, &QSpinBox::valueChanged, this, &QxAlignTransformToolBar::transXChange);
   connect(m_y, &QSpinBox::valueChanged, this, &QxAlignTransformToolBar::transYChange);
@@ -40,12 +42,20 @@ QxAlignTransformToolBar::QxAlignTransformToolBar(QMainWindow* parent, const char
   connect(m_flip, &QCheckBox::toggled, this, &QxAlignTransformToolBar::flipChange);
 }
 
+void QxAlignTransformToolBar::addLabel(const char* text)
+{
+  auto* label = new QLabel(QString::fromLatin1(text), this);
+  label->setContentsMargins(8, 0, 4, 0);
+  addWidget(label);
+}
+
 QSpinBox* QxAlignTransformToolBar::addPixels(const char* label, const char* name)
 {
-  addWidget(new QLabel(QString::fromLatin1(label), this));
+  addLabel(label);
   auto* box = new QSpinBox(this);
   box->setObjectName(QString::fromLatin1(name));
   box->setRange(-9999, 9999);
+  box->setToolTip(QStringLiteral("Translation in pixels"));
   box->setKeyboardTracking(false); // A typed number is one edit, not one for each digit.
   addWidget(box);
   return box;

@@ -97,10 +97,18 @@ void QxAutoAlignToolBar::alignEdgeDetection()
 
 void QxAutoAlignToolBar::changeAlignMode(int mode)
 {
-  static constexpr Slot slots_[] = {&QxAutoAlignToolBar::alignCenters, &QxAutoAlignToolBar::alignGray,
-                                    &QxAutoAlignToolBar::alignLandmarks,
-                                    &QxAutoAlignToolBar::alignEdgeDetection};
-  if (mode >= 0 && mode < static_cast<int>(std::size(slots_))) (this->*slots_[mode])();
+  switch (mode) {
+  case 0:
+    return alignCenters();
+  case 1:
+    return alignGray();
+  case 2:
+    return alignLandmarks();
+  case 3:
+    return alignEdgeDetection();
+  default:
+    return;
+  }
 }
 
 void QxAutoAlignToolBar::editTransform()

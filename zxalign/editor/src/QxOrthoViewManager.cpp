@@ -153,6 +153,7 @@ void QxOrthoViewManager::createView(OrthoOrientation orientation)
 
 void QxOrthoViewManager::placeView(View& created)
 {
+  created.leaveRoomForSliceView();
   m_editor->addDockWidget(Qt::RightDockWidgetArea, &created);
   created.setZoom(m_zoom);
   created.setOrthoViewLineWidth(m_lineWidth);

@@ -157,8 +157,9 @@ void QxOrthoViewManager::translateSlices(int from, int to, int dx, int dy, Ortho
     translateProjections(from, to, dx, OrthoOrientation::Coronal, orientation);
     updateImageData();
   } else {
-    mark(from, to, orientation, State::ToCompute);
+    // In this order: a column that a running pass computes between the two is computed once more.
     clearLineImmediate(from, to, orientation);
+    mark(from, to, orientation, State::ToCompute);
   }
   updateLinesIfAutomatic();
 }

@@ -137,6 +137,12 @@ int QxViewAlignSlicesOrthogonal::getMinimumZSize() const
   return mc::truncToInt(std::min<double>(size, kLargestZSize));
 }
 
+void QxViewAlignSlicesOrthogonal::leaveRoomForSliceView()
+{
+  const QSize half(m_editor->getDrawAreaWidth() / 2, m_editor->getDrawAreaHeight() / 2);
+  m_viewer->setMinimumSize(m_viewer->minimumSize().boundedTo(half).expandedTo(QSize(1, 1)));
+}
+
 int QxViewAlignSlicesOrthogonal::drawSize(int available) const
 {
   return std::max(1, std::min(m_image.width() + 2 * kMargin, available - kSizeReserve));

@@ -11,7 +11,6 @@
 #include <QFontMetrics>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMargins>
 #include <QPointer>
 #include <QSignalBlocker>
 #include <QToolButton>
@@ -24,7 +23,7 @@ namespace {
 
 constexpr int kSliderWidth = 175;
 constexpr int kZRangeDigits = 3;
-constexpr QMargins kLabelMargins(6, 0, 3, 0); // a label belongs to what follows it
+constexpr int kLabelSpace = 4; // on both sides of a label
 
 QToolButton* makeButton(QToolBar& bar, const char* name, const char* icon, const char* tip)
 {
@@ -35,6 +34,15 @@ QToolButton* makeButton(QToolBar& bar, const char* name, const char* icon, const
   button->setAccessibleName(tip);
   bar.addWidget(button);
   return button;
+}
+
+QLabel* makeLabel(QToolBar& bar, const QString& name, const char* text)
+{
+  auto* const label = new QLabel(text, &bar);
+  label->setObjectName(name);
+  label->setContentsMargins(kLabelSpace, 0, kLabelSpace, 0);
+  bar.addWidget(label);
+  return label;
 }
 
 QCheckBox* makeCheckBox(QToolBar& bar, const char* name, const char* text, bool checked)
@@ -85,16 +93,14 @@ ToolBar::~QxViewAlignSlicesOrthogonalCommonToolBar()
 ToolBar::Cut ToolBar::addCut(const char* name, int max, int value)
 {
   Cut cut;
-  cut.label = new QLabel(this);
-  cut.label->setObjectName(QString("%1Label").arg(name));
-  cut.label->setContentsMargins(kLabelMargins);
+  cut.label = makeLabel(*this, QString("%1Label").arg(name), "");
   cut.slider = new QxFullSlider(this, "Slice");
   cut.slider->setFixedWidth(kSliderWidth);
   cut.slider->setIncrement(1.0f);
   cut.slider->setFormat("%.0f");
   setSliderRange(*cut.slider, 0, max);
   setSliderValue(*cut.slider, value);
-  cut.labelAction = addWidget(cut.label);
+  cut.labelAction = actions().last();
   cut.sliderAction = addWidget(cut.slider);
   cut.labelAction->setVisible(false);
   cut.sliderAction->setVisible(false);
@@ -104,10 +110,7 @@ ToolBar::Cut ToolBar::addCut(const char* name, int max, int value)
 void ToolBar::addZWindow()
 {
   m_showZRangeBox = makeCheckBox(*this, "showZWindow", "Show Z window", m_showZRange);
-  m_zRangeLabel = new QLabel("Width:", this);
-  m_zRangeLabel->setObjectName("zWindowLabel");
-  m_zRangeLabel->setContentsMargins(kLabelMargins);
-  addWidget(m_zRangeLabel);
+  m_zRangeLabel = makeLabel(*this, "zWindowLabel", "Width:");
   m_zRangeField = new QLineEdit(QString::number(m_zRange), this);
   m_zRangeField->setObjectName("zWindowWidth");
   m_zRangeField->setMaxLength(kZRangeDigits);
@@ -133,10 +136,8 @@ void ToolBar::addZoomControls()
 {
   auto* const in = makeButton(*this, "zoomIn", "AlignZoomIn162.png", "Zoom in");
   auto* const out = makeButton(*this, "zoomOut", "AlignZoomOut162.png", "Zoom out");
-  m_zoomLabel = new QLabel("1:1", this);
-  m_zoomLabel->setObjectName("zoomLabel");
+  m_zoomLabel = makeLabel(*this, "zoomLabel", "1:1");
   m_zoomLabel->setMinimumWidth(m_zoomLabel->fontMetrics().horizontalAdvance("14:1 "));
-  addWidget(m_zoomLabel);
   connect(in, &QToolButton::clicked, this, &ToolBar::zoomIn);
   connect(out, &QToolButton::clicked, this, &ToolBar::zoomOut);
 }

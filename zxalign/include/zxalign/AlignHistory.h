@@ -35,8 +35,10 @@ public:
   std::optional<AlignState> undo(AlignState present);
   /// The mirror image of undo().
   std::optional<AlignState> redo(AlignState present);
+  /// Forgets all snapshots.
   void clear() noexcept;
 
+  /// Whether undo() or redo() would give a state.
   bool canUndo() const noexcept { return !m_undo.empty(); }
   bool canRedo() const noexcept { return !m_redo.empty(); }
 

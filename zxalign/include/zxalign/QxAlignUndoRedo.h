@@ -21,12 +21,14 @@ public:
 
   /// Keeps the present state; to be called before a change.
   void saveState();
+  /// Goes one state back or forward again. Nothing where there is none, and while a method runs.
   void undo();
   void redo();
   /// Copies a snapshot into the module.
   void restoreState(const State& state);
 
 Q_SIGNALS:
+  // What can be taken back or done again by now; said after every step.
   void undoEmpty();
   void undoNotEmpty();
   void redoEmpty();

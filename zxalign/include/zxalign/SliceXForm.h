@@ -50,6 +50,9 @@ struct SliceXForm {
   /// translation a slice turns in place.
   void rotate(float degrees, float pivotX, float pivotY);
 
+  /// The transform that does `first` and then this one, each about the same centre.
+  SliceXForm after(const SliceXForm& first) const;
+
   /// Negates translation and rotation; the flip stays. Deliberately not the inverse of the mapping when the
   /// slice is turned and shifted, or flipped.
   void inv();

@@ -74,6 +74,11 @@ public:
   std::optional<SliceXForm> getEditableProjection() const { return m_editableProjection; }
   std::optional<SliceXForm> getReferenceProjection() const { return m_referenceProjection; }
 
+  /// Takes the projections as they are for images of slices that lie in place already, and keeps them: none
+  /// is made anew until releaseProjections(), which says how their slices lie in them.
+  void holdProjections();
+  void releaseProjections(const SliceXForm& editable, const SliceXForm& reference);
+
   /// Bit y * width + x (lowest bit of a byte first) is set where the mask's label is not 0; empty without a
   /// mask. Takes the data mutex.
   std::vector<std::uint8_t> getMaskBitfield(int slice);
@@ -104,6 +109,7 @@ private:
   McDArray<unsigned char> m_rawSlice;
   int m_editableSlice = -1;
   int m_referenceSlice = -1;
+  bool m_holdsProjections = false;
   std::optional<SliceXForm> m_editableProjection;
   std::optional<SliceXForm> m_referenceProjection;
   ZxMutex m_mutex;

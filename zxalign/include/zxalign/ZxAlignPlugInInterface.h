@@ -4,7 +4,7 @@ class ZxAutoAlignMethodFabrique;
 
 /// Number of the interface between the package and its plug-ins. It rises with every change of a class, of
 /// the package or of the host, that plug-ins are compiled against.
-inline constexpr int kZxAlignPlugInInterface = 1;
+inline constexpr int kZxAlignPlugInInterface = 2;
 
 /// The entry symbol of a plug-in: an extern "C" function that registers its methods.
 using ZxAlignPlugInEntry = void (*)(ZxAutoAlignMethodFabrique* registry);

@@ -29,11 +29,14 @@ class ZxLabelLattice;
 /// While the transform-all flag is on, the slices beyond follow every move of the editable one.
 class ZxAlignSlices : public ZxCompModule, public ZxAlignControl {
 public:
+  /// A module without an input.
   ZxAlignSlices();
   ~ZxAlignSlices() override;
 
+  /// The type's record; initClass() only makes sure that it is there.
   static const McTypeInfo& getClassTypeId();
   static void initClass();
+  /// Another module; the caller's first handle takes it over.
   static McHandable* createInstance();
   const McTypeInfo& getTypeId() const override { return getClassTypeId(); }
   void update() override;
@@ -54,6 +57,7 @@ public:
   /// Opens the editor window, which with activate is shown, or closes it; an editor that refuses to close is
   /// activated again. A call that comes while the window is being opened or closed does nothing.
   void doIt(int activate);
+  /// True from opening to closing, whether the window is the one that is seen or not.
   bool isEditorOpen() const noexcept { return m_editorOpen; }
   /// The editor window has been closed, by whatever way.
   void editorClosed();
@@ -61,6 +65,7 @@ public:
   void forgetEditor(const ZxAlignEditor* editor);
 
   // The pair and its images.
+  /// Slices are counted from 0; the side is +1 or -1, see above.
   int getEditableSlice() const noexcept { return m_editableSlice; }
   int getReferenceSlice() const noexcept { return m_referenceSlice; }
   int getEditableSide() const noexcept { return m_editableSide; }
@@ -68,10 +73,13 @@ public:
   /// Choose a slice; it is mapped to 8 bits when it is another one than before.
   void setSlice(int slice);
   void setReferenceSlice(int slice);
+  /// Maps both slices to 8 bits anew.
   void mapSlices();
+  /// Has the editor, if there is one, redraw.
   void updateViews();
   /// Writes the data window, maps both slices and redraws.
   void setRangeCurrent(float min, float max);
+  /// Whether slices are shown as maximum-intensity projections of several.
   void setUseMaxIntProjection(bool on);
   /// Numbers of slices that are projected, at least 1 each.
   void setProjectionThickness(int reference, int editable);
@@ -80,9 +88,11 @@ public:
   int getEditableProjectionThickness() const noexcept { return m_editableThickness; }
   /// The input lattice, or null.
   ZxLattice* getDataLattice() const noexcept;
+  /// Access to the input's slices.
   ZxAlignData& sliceData() noexcept { return *m_data; }
   /// The data whose labels are the mask that is in use, or null.
   const McHandle<ZxData>& maskSource() const noexcept { return m_maskSource; }
+  /// The 8-bit images of the pair, borrowed: valid until slices are mapped or the input changes.
   unsigned char* getComputedEditableSlicePtr();
   unsigned char* getComputedReferenceSlicePtr();
   /// The mutex that guards the input lattice and the images; not recursive.
@@ -95,6 +105,8 @@ public:
   int doLayout(int mode);
   /// True while an automatic method runs. It may let the program handle events; whatever these ask of the
   /// module's slices is to be refused.
+  bool isMethodRunning() const noexcept { return m_methodRuns; }
+  /// The same, or a run over the stack is between two of its pairs.
   bool isRunning() const noexcept { return m_methodRuns || m_stackRuns; }
   /// The editor window, or null. A module takes it over once, before it is opened for the first time.
   ZxAlignEditor* editor() const noexcept { return m_editor.get(); }
@@ -105,6 +117,7 @@ public:
   /// The snapshots themselves, one history for the module's and the editor's undo and redo. Forgotten when
   /// the input changes.
   AlignHistory& history() noexcept { return m_history; }
+  /// A snapshot of now.
   AlignState currentState() const { return {m_slices, m_editableSlice, m_editableSide}; }
   /// Gives back slices, editable side, editable slice and the reference slice beside it. References into the
   /// slices become invalid.
@@ -113,22 +126,28 @@ public:
   /// What keeps unsaved edits for the case of a crash.
   AlignRecovery& recovery() noexcept { return *m_recovery; }
 
-  /// Frames per second of ten repaints of the editor's slice view; 0 without an editor.
+  /// Frames per second of ten repaints of the slice view; 0 while the editor is not open.
   float performanceTest();
 
   // Settings and state.
+  /// Settings of methods and output.
   ZxAlignSettings& alignSettings() noexcept { return m_settings; }
   const ZxAlignSettings& alignSettings() const noexcept { return m_settings; }
+  /// The record of a slice of the stack.
   const SliceInfo& getSlice(int slice) const noexcept { return m_slices[static_cast<std::size_t>(slice)]; }
   SliceInfo& getSlice(int slice) noexcept { return m_slices[static_cast<std::size_t>(slice)]; }
+  /// All records, one per slice.
   const McDArray<SliceInfo>& getSlices() const noexcept { return m_slices; }
   McDArray<SliceInfo>& slices() noexcept { return m_slices; }
   /// The transforms with which the label field was last realigned.
   const McDArray<SliceInfo>& getAppliedLabelSlices() const noexcept { return m_appliedLabelSlices; }
+  /// With a fixed reference, changes are of the editable slice only.
   bool isReferenceFixed() const noexcept { return m_fixReference; }
   void setReferenceFixed(bool fixed) noexcept { m_fixReference = fixed; }
+  /// The transform-all flag, see above.
   bool transformsAll() const noexcept { return m_transformAll; }
   void setTransformAll(bool all) noexcept { m_transformAll = all; }
+  /// Whether there are changes that are not stored.
   bool isModified() const noexcept { return m_modified; }
   void setModified(bool modified) noexcept { m_modified = modified; }
 
@@ -160,8 +179,11 @@ public:
 
   // Landmarks: every slice has the same number, each operation changes all slices. A file may have given some
   // slices fewer: those without a landmark of that index are left alone.
+  /// Adds one at a pixel.
   void addPoint(QPoint p);
+  /// Removes one by its number.
   void removePoint(int index);
+  /// Moves one by an offset in pixels.
   void movePoints(QPoint offset, int index);
   /// Adds two, at a quarter and three quarters of width and height.
   void createDefaultPoints();
@@ -169,15 +191,22 @@ public:
   QTransform getTransform(const McDArray<QPoint>& a, const McDArray<QPoint>& b) const;
 
   // Storage in the parameters of data.
+  /// Writes transforms and landmarks, and the output size to the input. False without an input, or after a
+  /// message.
   bool saveTransform(ZxParamBundle& target, McDArray<SliceInfo>& slices);
+  /// Writes landmarks.
   bool savePoints(ZxParamBundle& target, McDArray<SliceInfo>& slices);
+  /// Reads transforms and landmarks from the input's parameters; what is missing stays as it is.
   void readTransform();
+  /// Reads landmarks; where there are fewer than two, adds the default ones.
   void readPoints();
+  /// Reads both from other data of the input's size.
   void readReference(ZxField3* reference);
 
   /// Resamples the input and a connected label field with the current transforms. reuse writes into the
   /// existing results where their size fits.
   void apply(bool reuse);
+  /// The value that most pixels of an image have, one number per channel.
   void computeMostFrequentColor(const unsigned char* data, int width, int height, int channels,
                                 McPrimType type, McDArray<float>& color) const;
 
@@ -217,6 +246,8 @@ public:
 
 private:
   friend class ZxAlignResampler;
+
+  void describePorts();
 
   // Steps of compute(), one per port.
   /// False when the pass ends here.

@@ -5,11 +5,21 @@
 #include "zxalign/ZxAlignControl.h"
 #include "zxalign/ZxAlignPlugInInterface.h"
 
+#include <span>
 #include <string>
 #include <vector>
 
 class ZxAlignSlices;
 class ZxAutoAlignMethod;
+
+/// The settings of a method that lives in a plug-in. Their values are the elements of a global array of the
+/// interpreter, so that scripts set them, too; an element that is not set has its default.
+struct ZxAlignMethodSettings {
+  const char* array = nullptr;           ///< "::zxalign_mine"
+  std::span<const ZxAlignSetting> table; ///< lives as long as the program
+  /// Empty, or one sentence that names the setting and what is wrong with the value.
+  std::string (*check)(const std::string& name, const std::string& value) = nullptr;
+};
 
 /// The registry of automatic methods. One per process.
 ///
@@ -32,6 +42,16 @@ public:
 
   /// Adds a method under the next number. The first of several methods of one name is the one found by it.
   void registerAutoAlignMethodPlugIn(const char* name, CreateFunction create);
+
+  /// Adds settings to those of the module. Of several settings of one name the first is the one found by it.
+  void registerSettings(const ZxAlignMethodSettings& settings);
+  /// The settings of the module and of all plug-ins, in the order of registration.
+  const std::vector<ZxAlignSetting>& getSettings() const noexcept { return m_settingTable; }
+  /// Sets one of a plug-in's from text. Empty, or what is wrong.
+  std::string setSetting(const std::string& name, const std::string& value) const;
+  /// Its value as text; empty for an unknown name.
+  std::string getSetting(const std::string& name) const;
+  bool hasSetting(const std::string& name) const { return settingsWith(name) != nullptr; } ///< of a plug-in
 
   /// A new method for a module by exact name or by number; null when there is none, or, after a message, when
   /// it could not be made. The caller owns it.
@@ -57,8 +77,12 @@ private:
   std::string loadPlugIn(const std::string& symbol, const std::string& library);
   int getNextIdNumber() const noexcept;
 
+  const ZxAlignMethodSettings* settingsWith(const std::string& name) const;
+
   static ZxAutoAlignMethod* make(const ZxAutoAlignMethodID& method, ZxAlignSlices* module);
 
   McDArray<ZxAutoAlignMethodID> m_methods;
+  std::vector<ZxAlignMethodSettings> m_settings;
+  std::vector<ZxAlignSetting> m_settingTable;
   std::vector<ZxAlignPlugIn> m_plugIns;
 };

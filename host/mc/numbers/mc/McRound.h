@@ -7,8 +7,9 @@
 
 /// The only place where a floating-point number becomes an integer.
 ///
-/// Every rule has a name, so that a reader sees which one a formula uses. All of them give 0 for NaN and
-/// clamp to the range of the result, so no value of a script or a damaged file can cause undefined behaviour.
+/// Every rule has a name, so that a reader sees which one a formula uses. All of them but
+/// truncInRange() give 0 for NaN and clamp to the range of the result, so no value of a script or a damaged
+/// file can cause undefined behaviour.
 namespace mc {
 
 /// Clamps a value to the range of Int and converts it; a fraction is cut off.
@@ -41,6 +42,9 @@ inline int truncToIndex(double v) noexcept
   const double notNegative = v > 0.0 ? v : 0.0; // also for NaN
   return static_cast<int>(notNegative < 2147483647.0 ? notNegative : 2147483647.0);
 }
+
+/// Towards zero, for a value that is known to fit into an int: nothing is clamped.
+inline int truncInRange(double v) noexcept { return static_cast<int>(v); }
 
 /// Downwards: -0.1 gives -1.
 inline int floorToInt(double v) noexcept { return clampToInt<int>(std::floor(v)); }

@@ -17,6 +17,7 @@ public:
   /// The name is the object's name, and what a screen reader calls it.
   explicit QxFullSlider(QWidget* parent = nullptr, const char* name = nullptr);
 
+  /// The value of the slider.
   float getValue() const noexcept;
   /// As QxSlider::setMinMax(). The field becomes as wide as the longest value of the range.
   void setMinMax(float minimum, float maximum);
@@ -28,6 +29,7 @@ public:
   void setFormat(const char* format);
   /// The frame style of the slider inside.
   void setSliderFrameStyle(int style);
+  /// The parts.
   QxSlider* slider() const noexcept { return m_slider; }
   QLineEdit* field() const noexcept { return m_field; }
 
@@ -36,6 +38,7 @@ public Q_SLOTS:
   void setValue(float value);
 
 Q_SIGNALS:
+  /// The value is another one, whoever has changed it.
   void valueChanged(float value);
 
 protected:

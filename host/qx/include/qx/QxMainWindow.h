@@ -29,6 +29,7 @@ class ZxObject;
 class QxMainWindow : public QMainWindow {
   Q_OBJECT
 public:
+  /// Takes up the layout of the last session. There is one at a time.
   explicit QxMainWindow(QWidget* parent = nullptr);
   ~QxMainWindow() override;
 
@@ -40,12 +41,15 @@ public:
 
   /// Opens volumes in the background, as if they had been dropped on the window.
   void open(const QStringList& files);
+  /// True while files are read or written, or wait for it.
+  bool isReadingOrWriting() const;
   /// Selects an object of the pool: its ports are shown, and the volume that it stands for.
   void select(const ZxObject* object);
 
 public Q_SLOTS:
   /// Gives the docks the places that they had at first.
   void resetLayout();
+  /// The preferences dialog, modal.
   void showPreferences();
 
 protected:

@@ -16,8 +16,10 @@ class QxSlider : public QWidget {
   Q_OBJECT
   Q_PROPERTY(float value READ getValue WRITE setValue NOTIFY valueChanged USER true)
 public:
+  /// A range of 0 to 1, and the value 0.
   explicit QxSlider(QWidget* parent = nullptr);
 
+  /// The value, between the limits.
   float getValue() const noexcept { return m_value; }
   float getMinimum() const noexcept { return m_minimum; }
   float getMaximum() const noexcept { return m_maximum; }
@@ -44,6 +46,7 @@ public Q_SLOTS:
   void setValue(float value);
 
 Q_SIGNALS:
+  /// The value is another one, whoever has changed it.
   void valueChanged(float value);
 
 protected:

@@ -35,11 +35,13 @@ public:
   void reset(int slices);
   int slices() const noexcept { return static_cast<int>(m_transforms.size()); }
 
+  /// The column of a slice in a view.
   Column& column(OrthoOrientation view, int z) noexcept;
   const Column& column(OrthoOrientation view, int z) const noexcept;
   /// Sets the state of a column after a change of it.
   void mark(OrthoOrientation view, int z, State state) noexcept;
 
+  /// The transform under which a slice is to be shown.
   SliceXForm& transform(int z) noexcept { return m_transforms[static_cast<std::size_t>(z)]; }
   const SliceXForm& transform(int z) const noexcept { return m_transforms[static_cast<std::size_t>(z)]; }
 

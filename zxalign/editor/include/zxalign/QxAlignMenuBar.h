@@ -39,12 +39,22 @@ public:
   /// Takes them out and shows all menus of the main window again. Nothing when they are not in.
   void removeMenu();
 
+  /// Whether "Fix reference" can be chosen.
   void enableFixReference();
   void disableFixReference();
+  /// Whether "Transform all" can be chosen.
   void enableTransformAll();
   void disableTransformAll();
+  // Check marks of what can be switched from elsewhere, too. They emit nothing.
+  /// The slices beyond the editable one move with it.
+  void showTransformAll(bool on);
+  /// The reference slice stays when another slice is gone to.
+  void showFixReference(bool on);
+  /// The toolbar with the transform's numbers is there.
+  void showTransformParameters(bool on);
 
 Q_SIGNALS:
+  // One for each item, emitted when it is chosen; those with a bool carry its check mark.
   void zoomInSignal();
   void zoomOutSignal();
   void cancelSignal();
@@ -75,6 +85,7 @@ Q_SIGNALS:
   void showViews();
 
 public Q_SLOTS:
+  // One for each item: shows the choice and emits its signal.
   void zoomIn();
   void zoomOut();
   /// No item calls it.
@@ -92,6 +103,7 @@ public Q_SLOTS:
   void save();
   void undo();
   void redo();
+  /// Whether "Undo" and "Redo" can be chosen.
   void undoEmpty();
   void undoNotEmpty();
   void redoEmpty();
@@ -109,8 +121,10 @@ public Q_SLOTS:
   void showParameters();
   /// Shows the manual in the help browser, or its first page when the manual is missing.
   void menuUsersguide();
+  /// Whether "Add" and "Remove" can be chosen.
   void enableLandmarkAdd(bool on);
   void enableLandmarkRemove(bool on);
+  /// Ask for the view, or for its end, as their check marks say.
   void sagittal();
   void coronal();
   /// Brings the check marks of the view menu in line with what is shown.

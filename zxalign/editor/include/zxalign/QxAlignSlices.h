@@ -57,7 +57,9 @@ public:
   QxAlignUndoRedo* undoRedo() const noexcept;
   /// The orthogonal views; they live as long as the window.
   QxOrthoViewManager* getOrthoViewManager() const noexcept;
+  /// The slice view.
   QxDrawAlignSlices* drawArea() const noexcept { return m_drawArea; }
+  /// The menus; they are in the main window's bar while the editor is active.
   QxAlignMenuBar* menuSet() const noexcept;
   /// The options dialog while it is open, else null.
   QxAlignSlicesOptionsDialog* optionsDialog() const noexcept;
@@ -68,13 +70,13 @@ public:
   QList<QToolBar*> getVisibleToolbar() const;
   /// The automatic method of "Align current pair": an AlignMode, or the id of a plug-in's method.
   int getAlignMode() const noexcept override { return m_alignMode; }
+  /// Edge length of the checkerboard's tiles in screen pixels.
   int getChessFieldSize() const noexcept { return m_chessFieldSize; }
-  /// Edge length of the checkerboard's tiles in screen pixels; positive.
   void setChessFieldSize(int size) override;
 
   // ZxAlignEditor
   ZxAlignEditorScripting* scripting() noexcept override { return this; }
-  /// Redraws the pair and brings the toolbars up to date.
+  /// Redraws the pair and brings toolbars and menus up to date.
   void updateViews() override;
   void setSliceInfo(const SliceInfo& info) override;
   void reinitialise() override { reInit(); }
@@ -90,6 +92,7 @@ public:
   // ZxAlignEditorScripting, as far as there is no slot for it
   void chooseEditMode(int mode) override;
   void chooseViewMode(int mode) override;
+  void showEdit() override;
   void inhibitRedraw(int delta) override;
   void setOrthoViewZWindow(int halfWidth) override;
   void setOrthoViewAutoUpdate(bool on) override;
@@ -99,6 +102,7 @@ public:
   // QxCentralPage
   /// As cancel(), while the editor is open.
   bool canClose() override;
+  const ZxObject* editedObject() const override;
 
   /// Shows transform and slice numbers in the toolbars, translations cut off to whole pixels.
   void updateToolbar();
@@ -120,6 +124,7 @@ public:
   void draw() override;
 
 Q_SIGNALS:
+  /// The checkerboard was chosen; its tiles have this edge length in screen pixels.
   void chessSignal(int fieldSize);
   /// The alignment is about to change, or has changed; what follows it looks when the event loop is back.
   void edited();
@@ -129,8 +134,11 @@ public Q_SLOTS:
   void reset() override;
   /// Takes away the transforms of all slices.
   void resetAll() override;
-  void transformAll() override;
-  void fixReference() override;
+  /// Switches whether the slices beyond the editable one move with it. Refused while slices are aligned.
+  void transformAll();
+  /// Switches whether the reference slice stays when another slice is gone to. Without a fixed reference the
+  /// one beside the current slice is taken up again.
+  void fixReference();
   /// Reads the stored alignment from the input's parameters.
   void read() override;
   /// Stores the alignment in the input's parameters.
@@ -148,16 +156,24 @@ public Q_SLOTS:
   void doAllAutoAlign() override;
   /// Goes to another slice; slices outside the stack are refused.
   void sliceChange(float slice) override;
+  /// Shows the window as the current page, with its menus; or page 0 and the menus of the main window.
   void setActive(bool visible) override;
+  // Landmarks of all slices, each change one undo state.
+  /// Adds one at a pixel.
   void addPoint(QPoint point);
+  /// Removes one by its number.
   void removePoint(int index);
+  /// Moves one by an offset in pixels.
   void movePoints(QPoint offset, int index);
   /// -1: the lower slice of the pair is edited, +1: the upper one.
   void setEditableSlice(int side) override;
+  /// Takes up an EditMode: what of landmarks the menus offer.
   void setEditMode(int mode);
   /// Flips the current slice.
   void mirror() override;
+  /// Chooses the checkerboard.
   void chess();
+  /// Puts the toolbar with the transform's numbers below the slices, or takes it away.
   void showTransformToolBar(bool visible) override;
   void showCoronalView(bool visible) override;
   void showSagittalView(bool visible) override;
@@ -174,6 +190,7 @@ public Q_SLOTS:
   int getEditMode() override;
   // Edits of the transform toolbar. They leave the orthogonal views as they are, deliberately: whoever types
   // through values waits for none of them.
+  /// Give the current slice this translation, rotation or flip.
   void toolBarTranslateX(int t);
   void toolBarTranslateY(int t);
   void toolBarRotate(float r);
@@ -182,9 +199,14 @@ public Q_SLOTS:
   void translate(float x, float y, bool wholeStack);
   /// The current slice's new rotation from the slice view; wholeStack turns all slices with it.
   void rotate(float angle, bool wholeStack);
-  // Previews of the result's size in the slice view.
+  // Previews of the result's size in the slice view; at most one is seen. autoSize places the slices in it
+  // as automatic output does, else they are centred.
+  /// Computes the smallest size that holds every slice, shows it in the options dialog and, when asked to,
+  /// its frame.
   void calcNewImageSize(bool autoSize, bool showBorder);
+  /// Shows the frame of a size in pixels or takes it back. Sizes below the input's are ignored.
   void showBorder(bool autoSize, bool showBorder, int newx, int newy);
+  /// Shows the frame of another size in pixels, centred; none when it is below the input's.
   void changeBorderSize(int newx, int newy);
 
 protected:
@@ -200,6 +222,7 @@ private:
   void connectDrawArea();
   void connectHistory();
   void makeHistory();
+  void showHistory();
   void placeInMainWindow();
   void createPanels();
   void leaveMainWindow();
@@ -213,6 +236,7 @@ private:
   /// As canEdit(); where it is not so, shows what is true instead of what was asked for.
   bool acceptsEdit();
   void showSide();
+  void showFlags();
   void showSlicePair();
 
   void saveState();
@@ -244,6 +268,7 @@ private:
   int m_editMode = EditTransform;
   int m_alignMode = AlignGray;
   int m_chessFieldSize = 50;
+  bool m_showsFixedReference = false;
   bool m_showsMode = false;   // the toolbar is being told the align mode: its echo is no choice
   bool m_asksToClose = false; // the save prompt is open
 };

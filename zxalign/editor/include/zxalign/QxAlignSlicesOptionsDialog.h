@@ -55,6 +55,7 @@ public Q_SLOTS:
   void updateGray(int value);
   /// Paints the swatch of the coloured background from its three sliders.
   void updateRGB();
+  /// Shows the edge length of the checkerboard's tiles.
   void updateChessFieldSizeLabel(int value);
   /// Shows half of the value: the angular step goes in half degrees.
   void updateAngleLabel(int value);
@@ -62,6 +63,7 @@ public Q_SLOTS:
   void updateResampleSizeLabel(int value);
   /// Places the sliders of both steps and shows their values, without changing them.
   void initSliders();
+  /// Takes the step at a position of its slider, 0 to 1000, and shows it.
   void updateTransValue(int position);
   void updateRotValue(int position);
   /// Asks for the automatic size, when it is switched on.
@@ -72,8 +74,11 @@ public Q_SLOTS:
   void changeBorderSize();
 
 Q_SIGNALS:
+  /// The automatic size was switched on.
   void calcNewSizeSignal(bool automatic, bool showBorders);
+  /// Previews were switched on or off; the typed size in pixels comes along.
   void showBorderSignal(bool automatic, bool showBorders, int width, int height);
+  /// Another size in pixels was typed while previews are on.
   void changeBorderSizeSignal(int width, int height);
 
 private:

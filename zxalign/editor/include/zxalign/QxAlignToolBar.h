@@ -12,19 +12,23 @@ class QxFullSlider;
 class QxAlignToolBar : public QToolBar {
   Q_OBJECT
 public:
+  /// The name is the title until the toolbar has its own.
   explicit QxAlignToolBar(QMainWindow* parent, const char* name);
 
+  /// First and last slice of the slider.
   void setSlicesRange(int min, int max);
   /// Shows the slice number and marks the reference slice on the slider.
   void setSlice(int slice, int reference);
 
 public Q_SLOTS:
+  /// Says that another slice was chosen.
   void sliceChange(float slice);
   /// Steps of the zoom: ..., 1:4, 1:2, 1:1, 2:1, 3:1, 4:1, 6:1, 9:1, 14:1, 21:1, ... without a limit.
   void zoomIn();
   void zoomOut();
 
 Q_SIGNALS:
+  /// Another slice was chosen; to be rounded.
   void sliceChanged(float slice);
   /// Screen pixels per slice pixel.
   void zoomChanged(float zoom);

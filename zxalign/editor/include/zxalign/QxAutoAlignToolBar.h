@@ -16,6 +16,8 @@ class QxDrawAlignSlices;
 class QxAutoAlignToolBar : public QToolBar {
   Q_OBJECT
 public:
+  /// The name is the title until the toolbar has its own. It starts with least-squares, manual alignment
+  /// and the upper slice.
   explicit QxAutoAlignToolBar(QMainWindow* parent, const char* name);
 
   /// Lower and upper.
@@ -25,19 +27,23 @@ public:
   void showNoAlignMode();
 
 public Q_SLOTS:
+  // The automatic methods. The first two come back to manual alignment; the others leave the edit mode alone.
   void alignGray();
   void alignCenters();
   void alignLandmarks();
   void alignEdgeDetection();
   /// 0 gravity centres, 1 least-squares, 2 landmarks, 3 edge detection. Others are ignored.
   void changeAlignMode(int mode);
+  /// Manual alignment.
   void editTransform();
   /// Landmarks are edited for the landmark method, which is chosen with it.
   void editLandmarks();
   /// 1: manual alignment, others: landmarks.
   void changeEditMode(int mode);
+  /// Which slice of the pair is edited.
   void lower();
   void upper();
+  // Ask for the actions of their names.
   void mirror();
   void doAlign();
   void doAll();
@@ -45,11 +51,17 @@ public Q_SLOTS:
   void setDrawArea(QxDrawAlignSlices* dArea);
 
 Q_SIGNALS:
+  /// -1: the lower slice of the pair is edited, +1: the upper one.
   void sliceToDisplayChanged(int side);
+  /// As changeAlignMode().
   void alignModeChanged(int mode);
+  /// 1: manual alignment, 3: landmarks.
   void editModeChanged(int mode);
+  /// The editable slice is to be mirrored.
   void mirrorSignal();
+  /// The current pair is to be aligned.
   void doSignal();
+  /// All slices are to be aligned.
   void doAllSignal();
 
 private:

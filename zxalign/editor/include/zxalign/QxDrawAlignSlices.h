@@ -80,10 +80,12 @@ public:
 
   /// SecondSlice, or any other value for the first.
   int getEditableSlice() const;
+  /// An EditMode, and a ViewMode.
   int getEditMode() const;
   int viewMode() const;
   /// Composes in a mode from now on; the size of the checkerboard's fields stays.
   void setViewMode(int mode);
+  /// Screen pixels per slice pixel.
   float zoom() const;
   /// Number of the selected landmark, -1 for none.
   int selectedLandmark() const;
@@ -137,15 +139,19 @@ Q_SIGNALS:
 public Q_SLOTS:
   /// Shows the slices larger or smaller, scrolled to their centre. A zoom that is not above zero is ignored.
   void setZoom(float zoom);
+  /// The slice that the mouse edits (Shown). While landmarks are edited it alone is shown.
   void setEditableSlice(int slice);
+  /// What the mouse edits (EditMode): landmarks show the editable slice alone, transforms show both.
   void setEditMode(int mode);
   /// Landmarks are drawn in the mode kLandmarkAlignMode only.
   void changeAlignMode(int mode);
+  /// Composes in the mode of its name from now on, as the three below.
   void redGreen();
   /// fieldSize: edge of the checkerboard's fields in device-independent pixels; below 1 counts as 1.
   void chess(int fieldSize);
   /// As chess(), but only where the checkerboard is shown already.
   void updateChessFieldSize(int fieldSize);
+  /// Average, and inverted overlay.
   void avg();
   void invert();
   /// Asks for the removal of the selected landmark; only while at least three exist.

@@ -83,6 +83,7 @@ public:
   /// Views want the size of the stack. What the window does not have they do without: it must not grow beyond
   /// the screen, and the slice view keeps half of its width. To be called when anything else wants room, too.
   void keepInWindow();
+  /// The next larger or smaller zoom of both views: 1, 2, 3, 4, 6, 9, 14 ... and halves below 1.
   void zoomIn();
   void zoomOut();
   float getZoom() const noexcept { return m_zoom; }
@@ -108,6 +109,8 @@ public:
   void updateLines();
   /// Brings the columns of one slice up to date; false when there was nothing to do. Any thread.
   bool updateLine(int z);
+  /// Computes the columns of a slice that are marked for it, as cuts or as projections; nothing in the other
+  /// mode. Any thread, without the data mutex.
   void updateLineCrossSection(int z);
   void updateLineMaximumIntensityProjection(int z);
   /// Blanks the columns of a slice that are marked for it.
@@ -122,9 +125,13 @@ public:
 
   // Up-to-date boxes: in projection mode the part of each slice's columns that is valid, rows of the sagittal
   // one as y range and columns of the coronal one as x range.
+  /// Gives every slice a box in which nothing is valid.
   void createUpToDateBoxes();
+  /// Takes the boxes away; nothing counts as valid then.
   void deleteUpToDateBoxes();
+  /// Makes nothing of these slices' columns valid in a view: their y ranges, x ranges, or both.
   void resetUpToDateBoxes(int from, int to, OrthoOrientation orientation);
+  /// The box of a slice; all -1 without boxes.
   McBox2i getUpToDateBox(int z) const;
   /// The voxels of slice z that a line of the aligned frame can touch; false when it misses the slice.
   bool getIntersectionBoxOfLineWithImage(int z, OrthoCoordinate coordinate, int position, McBox2i& box) const;

@@ -20,6 +20,7 @@ public:
   QPointF pointOf(int lower) const;
 
 Q_SIGNALS:
+  /// A pair was clicked; its lower slice.
   void pairChosen(int lower);
 
 protected:

@@ -6,6 +6,7 @@
 class QxViewAlignSlicesCoronal : public QxViewAlignSlicesOrthogonal {
   Q_OBJECT
 public:
+  /// Editor and lattice as for the base class.
   QxViewAlignSlicesCoronal(QxAlignSlices* editor, ZxLattice* lattice);
   void setDrawViewSize() override;
 };

@@ -43,6 +43,9 @@ public:
   /// Gives the viewer its size policy and the minimum size that shows the stack at zoom 1, no larger than the
   /// editor's slice view.
   virtual void setDrawViewSize() = 0;
+  /// Reduces the minimum size to half of the slice view as it is now, so that a large stack neither covers it
+  /// nor makes the window grow.
+  void leaveRoomForSliceView();
 
 protected:
   QxViewAlignSlicesOrthogonal(QxAlignSlices* editor, ZxLattice* lattice, OrthoOrientation orientation);

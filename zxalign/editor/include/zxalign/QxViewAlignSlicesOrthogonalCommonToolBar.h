@@ -23,28 +23,38 @@ public:
   /// Forgets the manager, for the time until it is deleted.
   void detach() { m_manager = nullptr; }
 
+  /// Whether the views follow every change.
   bool getAutoUpdate() const noexcept { return m_autoUpdate; }
   /// Switches "Auto update"; on also updates the views, once.
   void setAutoUpdate(bool on);
+  // Show what is so by now; they change no view.
+  /// The z window: whether there is one, and its slices on either side of the current one.
   void setShowZRange(bool show);
   void setZRange(int halfWidth);
+  /// The zoom of the views.
   void setZoomLabel(const char* text);
+  /// Whether a view's slider is there.
   void showSagittal(bool show);
   void showCoronal(bool show);
+  /// First and last column or row in pixels, and the one that is cut.
   void setSagittalSliderRange(int min, int max);
   void setCoronalSliderRange(int min, int max);
   void setSagittalSlice(int x);
   void setCoronalSlice(int y);
 
 public Q_SLOTS:
+  /// Cut another column or row, rounded to a whole pixel.
   void sagittalSliceNumberChange(float value);
   void coronalSliceNumberChange(float value);
+  /// Limits the views to the z window, or shows all slices.
   void showZRangeCheckBoxChange(bool show);
   /// Takes up the width that was typed; what is no number from 0 on brings the old one back.
   void zRangeChange();
   /// Recomputes both views, also while "Auto update" is off.
   void updateView();
+  /// As setAutoUpdate(), from the check box.
   void autoCheckBoxChange(bool on);
+  /// One step of the zoom of both views.
   void zoomIn();
   void zoomOut();
 

@@ -8,6 +8,7 @@
 /// reach from both sides of the image towards its middle. At 100 percent they meet.
 class QxViewAlignSlicesOrthogonalLineShape : public QxImageViewerShape {
 public:
+  /// Marks a slice, counted from 0.
   explicit QxViewAlignSlicesOrthogonalLineShape(int sliceNumber) : m_sliceNumber(sliceNumber) {}
 
   int sliceNumber() const noexcept { return m_sliceNumber; }

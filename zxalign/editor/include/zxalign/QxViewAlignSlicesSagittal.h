@@ -7,6 +7,7 @@
 class QxViewAlignSlicesSagittal : public QxViewAlignSlicesOrthogonal {
   Q_OBJECT
 public:
+  /// Editor and lattice as for the base class.
   QxViewAlignSlicesSagittal(QxAlignSlices* editor, ZxLattice* lattice);
   void setDrawViewSize() override;
 };

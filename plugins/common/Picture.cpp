@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-namespace phasecorrelation {
+namespace spectral {
 
 Picture pictureOf(const unsigned char* slice, int width, int height, bool mirrored)
 {
@@ -39,4 +39,4 @@ Picture reduced(const Picture& picture, int maxSide)
   return r;
 }
 
-} // namespace phasecorrelation
+} // namespace spectral

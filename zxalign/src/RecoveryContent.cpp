@@ -1,16 +1,8 @@
-#include "RecoveryFile.h"
+#include "RecoveryContent.h"
 
-#include "zx/ZxMessage.h"
-
-#include <QCryptographicHash>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
-#include <QUuid>
 
 #include <cmath>
 
@@ -18,13 +10,6 @@ namespace {
 
 constexpr const char* formatName = "zxalign recovery";
 constexpr int formatVersion = 1;
-constexpr qint64 largestFile = 1 << 28;
-
-QString folder()
-{
-  const QString state = qEnvironmentVariable("XDG_STATE_HOME");
-  return (QDir::isAbsolutePath(state) ? state : QDir::homePath() + "/.local/state") + "/zxalign/recovery";
-}
 
 /// JSON knows no NaN and no infinity.
 double finite(float v) { return std::isfinite(v) ? static_cast<double>(v) : 0.0; }
@@ -67,32 +52,15 @@ bool decodeState(const QJsonObject& object, const ZxDims& dims, AlignState& stat
          state.currentSlice < dims.slices && reference >= 0 && reference < dims.slices;
 }
 
-std::optional<RecoveryContent> readContent(const QString& path)
-{
-  QFile file(path);
-  if (!file.open(QIODevice::ReadOnly) || file.size() > largestFile) return std::nullopt;
-  return decodeRecovery(file.readAll());
-}
-
-void putAside(const QString& path)
-{
-  const QString aside = path + ".damaged";
-  QFile::remove(aside);
-  QFile::rename(path, aside);
-  ZxMessage::getTheMsg()->printf("The recovery file %s is damaged; it is kept as %s.", qPrintable(path),
-                                 qPrintable(aside));
-}
-
 } // namespace
 
-QString RecoveryKey::fileStem() const
+std::string RecoveryKey::text() const
 {
-  const QByteArray text = QByteArray::fromStdString(path) + '\n' + QByteArray::number(dims.width) + ' ' +
-                          QByteArray::number(dims.height) + ' ' + QByteArray::number(dims.slices);
-  return QString::fromLatin1(QCryptographicHash::hash(text, QCryptographicHash::Sha1).toHex().left(16));
+  return path + '\n' + std::to_string(dims.width) + ' ' + std::to_string(dims.height) + ' ' +
+         std::to_string(dims.slices);
 }
 
-QByteArray encodeRecovery(const RecoveryContent& content)
+std::string encodeRecovery(const RecoveryContent& content)
 {
   QJsonArray slices;
   for (const SliceInfo& slice : content.state.slices) slices.append(encodeSlice(slice));
@@ -108,12 +76,13 @@ QByteArray encodeRecovery(const RecoveryContent& content)
                                    {"currentSlice", content.state.currentSlice},
                                    {"side", content.state.side},
                                    {"alignment", slices}})
-      .toJson(QJsonDocument::Compact);
+      .toJson(QJsonDocument::Compact)
+      .toStdString();
 }
 
-std::optional<RecoveryContent> decodeRecovery(const QByteArray& bytes)
+std::optional<RecoveryContent> decodeRecovery(const std::string& bytes)
 {
-  const QJsonObject object = QJsonDocument::fromJson(bytes).object();
+  const QJsonObject object = QJsonDocument::fromJson(QByteArray::fromStdString(bytes)).object();
   if (object["format"].toString() != formatName || object["version"].toInt() != formatVersion)
     return std::nullopt;
   const QJsonArray size = object["size"].toArray();
@@ -125,45 +94,3 @@ std::optional<RecoveryContent> decodeRecovery(const QByteArray& bytes)
   if (!decodeState(object, content.key.dims, content.state)) return std::nullopt;
   return content;
 }
-
-RecoveryFile::RecoveryFile(const QString& path) : m_path(path), m_lock(path + ".lock")
-{
-  m_lock.setStaleLockTime(
-      0); // An alignment may be edited for days: only the end of its program voids a lock.
-}
-
-std::unique_ptr<RecoveryFile> RecoveryFile::create(const RecoveryKey& key)
-{
-  const QString name = key.fileStem() + '-' + QUuid::createUuid().toString(QUuid::WithoutBraces) + ".json";
-  return std::unique_ptr<RecoveryFile>(new RecoveryFile(folder() + '/' + name));
-}
-
-std::unique_ptr<RecoveryFile> RecoveryFile::findOrphan(const RecoveryKey& key, RecoveryContent& content)
-{
-  const QFileInfoList files =
-      QDir(folder()).entryInfoList({key.fileStem() + "-*.json"}, QDir::Files, QDir::Time); // newest first
-  for (const QFileInfo& info : files) {
-    std::unique_ptr<RecoveryFile> file(new RecoveryFile(info.filePath()));
-    // Looked at again under the lock: its owner may just have removed it.
-    if (!file->m_lock.tryLock(0) || !QFile::exists(file->m_path)) continue;
-    const std::optional<RecoveryContent> read = readContent(file->m_path);
-    if (!read)
-      putAside(file->m_path);
-    else if (read->key == key) {
-      content = *read;
-      return file;
-    }
-  }
-  return nullptr;
-}
-
-QString RecoveryFile::write(const QByteArray& bytes)
-{
-  if (!QDir().mkpath(folder())) return "the folder cannot be made";
-  if (!m_lock.isLocked() && !m_lock.tryLock(0)) return "its lock cannot be made";
-  QSaveFile file(m_path);
-  if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit()) return {};
-  return file.errorString();
-}
-
-void RecoveryFile::remove() { QFile::remove(m_path); }

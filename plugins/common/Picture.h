@@ -2,7 +2,7 @@
 
 #include <vector>
 
-namespace phasecorrelation {
+namespace spectral {
 
 /// A grey picture, row-major, and where the centre of the slice lies in it.
 ///
@@ -25,4 +25,4 @@ Picture pictureOf(const unsigned char* slice, int width, int height, bool mirror
 /// The picture with its longer side at most maxSide pixels, reduced by the mean of whole blocks.
 Picture reduced(const Picture& picture, int maxSide);
 
-} // namespace phasecorrelation
+} // namespace spectral

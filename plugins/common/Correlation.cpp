@@ -10,33 +10,10 @@
 
 #include <kiss_fftnd.h>
 
-namespace phasecorrelation {
+namespace spectral {
 namespace {
 
 static_assert(sizeof(kiss_fft_cpx) == sizeof(std::complex<float>));
-
-enum class Direction { Forward, Backward };
-
-void transform(const Spectrum& in, Spectrum& out, int rows, int columns, Direction direction)
-{
-  const int dims[] = {rows, columns};
-  const std::unique_ptr<void, void (*)(void*)> plan(
-      kiss_fftnd_alloc(dims, 2, direction == Direction::Backward ? 1 : 0, nullptr, nullptr), std::free);
-  kiss_fftnd(static_cast<kiss_fftnd_cfg>(plan.get()), reinterpret_cast<const kiss_fft_cpx*>(in.data()),
-             reinterpret_cast<kiss_fft_cpx*>(out.data()));
-}
-
-/// The transform of a Gaussian of that width along one axis.
-std::vector<float> gaussianTransfer(int n, double width)
-{
-  std::vector<float> transfer(static_cast<std::size_t>(n));
-  for (int i = 0; i < n; ++i) {
-    const double frequency = 2.0 * mc::kPi * std::min(i, n - i) / n;
-    transfer[static_cast<std::size_t>(i)] =
-        static_cast<float>(mc::exp(-0.5 * frequency * frequency * width * width));
-  }
-  return transfer;
-}
 
 double standardDeviation(const std::vector<float>& values)
 {
@@ -51,14 +28,46 @@ double standardDeviation(const std::vector<float>& values)
 
 } // namespace
 
+Fourier::Fourier(int rows, int columns)
+  : m_forward(planOf(rows, columns, false)), m_backward(planOf(rows, columns, true))
+{
+}
+
+Fourier::Plan Fourier::planOf(int rows, int columns, bool backward)
+{
+  const int dims[] = {rows, columns};
+  return {kiss_fftnd_alloc(dims, 2, backward ? 1 : 0, nullptr, nullptr), std::free};
+}
+
+void Fourier::transform(const Plan& plan, const Spectrum& in, Spectrum& out)
+{
+  out.resize(in.size());
+  kiss_fftnd(static_cast<kiss_fftnd_cfg>(plan.get()), reinterpret_cast<const kiss_fft_cpx*>(in.data()),
+             reinterpret_cast<kiss_fft_cpx*>(out.data()));
+}
+
+void Fourier::forward(const Spectrum& in, Spectrum& out) const { transform(m_forward, in, out); }
+void Fourier::backward(const Spectrum& in, Spectrum& out) const { transform(m_backward, in, out); }
+
 int fastSide(int n) { return 2 * kiss_fft_next_fast_size((n + 1) / 2); }
 
 Spectrum spectrumOf(const Field& field)
 {
   const Spectrum in(field.values.begin(), field.values.end());
-  Spectrum out(in.size());
-  transform(in, out, field.rows, field.columns, Direction::Forward);
+  Spectrum out;
+  Fourier(field.rows, field.columns).forward(in, out);
   return out;
+}
+
+std::vector<float> gaussianTransfer(int n, double width)
+{
+  std::vector<float> transfer(static_cast<std::size_t>(n));
+  for (int i = 0; i < n; ++i) {
+    const double frequency = 2.0 * mc::kPi * std::min(i, n - i) / n;
+    transfer[static_cast<std::size_t>(i)] =
+        static_cast<float>(mc::exp(-0.5 * frequency * frequency * width * width));
+  }
+  return transfer;
 }
 
 Field phaseCorrelation(std::span<const std::complex<float>> a, std::span<const std::complex<float>> b,
@@ -79,8 +88,8 @@ Field phaseCorrelation(std::span<const std::complex<float>> a, std::span<const s
                                      static_cast<std::size_t>(x)];
       c *= gaussY[static_cast<std::size_t>(y)] * gaussX[static_cast<std::size_t>(x)] / (std::abs(c) + floor);
     }
-  Spectrum surface(cross.size());
-  transform(cross, surface, rows, columns, Direction::Backward);
+  Spectrum surface;
+  Fourier(rows, columns).backward(cross, surface);
   // A perfect match has the height 1 whatever the width.
   const float scale = 1.0f / (std::accumulate(gaussY.begin(), gaussY.end(), 0.0f) *
                               std::accumulate(gaussX.begin(), gaussX.end(), 0.0f));
@@ -128,4 +137,4 @@ Peak highestPeak(const Field& field, int rangeX, int rangeY)
   return peak;
 }
 
-} // namespace phasecorrelation
+} // namespace spectral

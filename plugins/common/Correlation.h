@@ -1,10 +1,11 @@
 #pragma once
 
 #include <complex>
+#include <memory>
 #include <span>
 #include <vector>
 
-namespace phasecorrelation {
+namespace spectral {
 
 /// A periodic real field of rows x columns, row-major.
 struct Field {
@@ -15,11 +16,30 @@ struct Field {
 
 using Spectrum = std::vector<std::complex<float>>;
 
+/// The Fourier transform of complex fields of one size, not normalised, in the order of the field: frequency
+/// 0 first. For one thread at a time.
+class Fourier {
+public:
+  Fourier(int rows, int columns);
+  void forward(const Spectrum& in, Spectrum& out) const;
+  void backward(const Spectrum& in, Spectrum& out) const;
+
+private:
+  using Plan = std::unique_ptr<void, void (*)(void*)>;
+  static Plan planOf(int rows, int columns, bool backward);
+  static void transform(const Plan& plan, const Spectrum& in, Spectrum& out);
+
+  Plan m_forward, m_backward;
+};
+
 /// The smallest side of at least n that transforms fast: even, without large prime factors.
 int fastSide(int n);
 
 /// The Fourier transform of a field, not normalised, in the order of the field: frequency 0 first.
 Spectrum spectrumOf(const Field& field);
+
+/// The transform of a Gaussian of a width in samples along one axis of n samples.
+std::vector<float> gaussianTransfer(int n, double width);
 
 /// The phase correlation of two fields from their spectra: 1 at the displacement of a against b where one is
 /// the other displaced, spread to a Gaussian of the given width in samples, near 0 elsewhere. Of frequencies
@@ -47,4 +67,4 @@ struct Top {
 /// The middle sample itself where they are not positive or do not have a top.
 Top topBetween(double before, double middle, double after);
 
-} // namespace phasecorrelation
+} // namespace spectral

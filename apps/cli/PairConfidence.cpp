@@ -1,0 +1,44 @@
+#include "PairConfidence.h"
+
+#include "Text.h"
+#include "zx/ZxParamBundle.h"
+
+#include <array>
+#include <cstdio>
+
+namespace cli {
+namespace {
+
+constexpr const char* kBundle = "AlignConfidence";
+
+} // namespace
+
+std::optional<PairConfidence> confidenceOf(const ZxParamBundle& parameters, int slice)
+{
+  std::array<char, 24> name{};
+  std::snprintf(name.data(), name.size(), "slice%04d", slice);
+  const ZxParamBundle* all = parameters.findBundle(kBundle);
+  const ZxParamBundle* own = all ? all->findBundle(name.data()) : nullptr;
+  PairConfidence confidence;
+  if (!own || !own->findReals("confidence", 1, &confidence.confidence) ||
+      !own->findNums("reference", 1, &confidence.reference))
+    return std::nullopt;
+  own->findString("reason", confidence.reason);
+  return confidence;
+}
+
+void passConfidence(const ZxParamBundle& from, ZxParamBundle& to)
+{
+  const ZxParamBundle* all = from.findBundle(kBundle);
+  if (ZxParamBundle* target = all ? to.getBundle(kBundle) : nullptr) target->merge(*all);
+}
+
+void forgetConfidence(ZxParamBundle& parameters) { parameters.remove(kBundle); }
+
+std::string describe(const PairConfidence& confidence)
+{
+  const std::string text = "confidence " + fixed(confidence.confidence, 2);
+  return confidence.reason.empty() ? text : text + ": " + confidence.reason;
+}
+
+} // namespace cli

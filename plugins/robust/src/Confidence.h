@@ -1,0 +1,29 @@
+#pragma once
+
+#include "CandidateSearch.h"
+
+#include <string>
+
+namespace robust {
+
+/// What speaks for a motion, measured on a level of some 200 pixels.
+struct Evidence {
+  double correlation = 0.0;  ///< of brightness and contrast made equal, on the overlap
+  double overlap = 0.0;      ///< share of what there is to compare
+  double distinctness = 0.0; ///< by how much the runner-up scores lower: 0 as high, 1 nothing at all
+  double sidedness = 0.0; ///< the same for the best position of the slice turned over; 1 when none was tried
+  double agreement = 0.0; ///< share of the image's quarters that want to stay where the motion puts them
+};
+
+/// The evidence for a motion; others are the candidates that lost.
+Evidence evidenceFor(const Pyramid& reference, const Pyramid& moved, const RigidMotion& motion,
+                     const std::vector<Candidate>& others);
+
+/// How likely a motion with this evidence is right, in [0, 1]: a logistic function that was fitted to pairs
+/// with known truth.
+double confidenceOf(const Evidence& evidence);
+
+/// The evidence that is weakest, as a clause for people: "hardly anything overlaps".
+std::string weaknessOf(const Evidence& evidence);
+
+} // namespace robust
