@@ -49,7 +49,14 @@ int runWindow(const std::string& script, const std::vector<std::string>& files)
   QTimer scriptEvents;
   QObject::connect(&scriptEvents, &QTimer::timeout, [&interpreter] { interpreter.handleEvents(); });
   scriptEvents.start(scriptEventMilliseconds);
-  if (!script.empty()) QTimer::singleShot(0, &window, [&script] { runScript(script); });
+  // The script finds what was opened with the window.
+  QTimer whenOpened;
+  QObject::connect(&whenOpened, &QTimer::timeout, [&] {
+    if (window.isReadingOrWriting()) return;
+    whenOpened.stop();
+    runScript(script);
+  });
+  if (!script.empty()) whenOpened.start(scriptEventMilliseconds);
   const int status = QApplication::exec();
   interpreter.setQuitHandler({});
   return status;

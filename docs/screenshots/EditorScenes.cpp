@@ -4,6 +4,8 @@
 
 #include <QAbstractScrollArea>
 #include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
 #include <QTabWidget>
 
 namespace {
@@ -13,7 +15,7 @@ constexpr int shownSlice = 40;
 /// A part of the slice view around its middle.
 void takeSlices(Stage& stage, const Camera& manual, const QString& name)
 {
-  constexpr QSize size(360, 240);
+  constexpr QSize size(320, 240);
   QWidget& view = *stage.find<QAbstractScrollArea>("drawArea").viewport();
   manual.takeWidget(name, view, QRect(view.rect().center() - QPoint(size.width(), size.height()) / 2, size));
 }
@@ -34,14 +36,27 @@ void takeCompositions(Stage& stage, const Camera& manual)
   }
 }
 
+/// An open menu with its title and the one before it.
+QRect placeOf(QMainWindow& window, const QMenu& menu)
+{
+  constexpr int margin = 12;
+  const QMenuBar& bar = *window.menuBar();
+  QAction* before = nullptr;
+  for (QAction* title : bar.actions()) {
+    if (title == menu.menuAction()) break;
+    if (title->isVisible()) before = title;
+  }
+  const int left = before ? bar.actionGeometry(before).left() : 0;
+  const QPoint corner = window.mapFromGlobal(menu.mapToGlobal(menu.rect().bottomRight()));
+  return QRect(QPoint(left, 0), corner + QPoint(margin, margin));
+}
+
 void takeMenus(Stage& stage, const Camera& manual)
 {
   for (const char* name : {"view", "options", "align", "landmarks"}) {
     const QByteArray menu = QByteArray(name) + "Menu";
-    stage.whileMenuIsOpen(menu.constData(), [&](QWidget& opened) {
-      const QPoint corner = stage.window().mapFromGlobal(opened.mapToGlobal(opened.rect().bottomRight()));
-      manual.takeWindow(QString("menu-%1").arg(name), stage.window(),
-                        QRect(0, 0, corner.x() + 60, corner.y() + 20));
+    stage.whileMenuIsOpen(menu.constData(), [&](QMenu& opened) {
+      manual.takeWindow(QString("menu-%1").arg(name), stage.window(), placeOf(stage.window(), opened));
     });
   }
 }

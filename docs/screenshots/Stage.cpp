@@ -52,7 +52,7 @@ void Stage::showDock(const char* name, bool shown)
   settle();
 }
 
-void Stage::whileMenuIsOpen(const char* name, const std::function<void(QWidget&)>& act)
+void Stage::whileMenuIsOpen(const char* name, const std::function<void(QMenu&)>& act)
 {
   auto& menu = find<QMenu>(name);
   window().menuBar()->setActiveAction(menu.menuAction());

@@ -4,6 +4,7 @@
 #include "qx/QxMainWindow.h"
 
 #include <QAction>
+#include <QMenu>
 #include <QString>
 #include <QWidget>
 
@@ -34,7 +35,7 @@ public:
   /// Shows or hides a dock of the main window.
   void showDock(const char* name, bool shown);
   /// Opens a menu of the menu bar, does something, and closes the menu.
-  void whileMenuIsOpen(const char* menu, const std::function<void(QWidget& menu)>& act);
+  void whileMenuIsOpen(const char* menu, const std::function<void(QMenu& menu)>& act);
   /// Does something inside the dialog or menu that another call opens and waits for, then closes it.
   static void whileOpen(const std::function<void()>& open, const std::function<void(QWidget& opened)>& act);
 

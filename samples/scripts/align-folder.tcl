@@ -2,7 +2,7 @@
 #
 #   orvel -b align-folder.tcl FOLDER PATTERN OUTPUT-FOLDER
 #
-# For example: orvel -b align-folder.tcl stacks *.tif aligned
+# For example: orvel -b align-folder.tcl stacks '*.tif' aligned
 if {[llength $argv] != 3} {
   puts stderr "usage: orvel -b align-folder.tcl FOLDER PATTERN OUTPUT-FOLDER"
   quit 2

@@ -76,7 +76,7 @@ TEST_F(EditorDisplayTest, TypedNumbersGoIntoTheFieldsThatWereClicked)
   EXPECT_EQ(undoDepth(), 1);
 }
 
-TEST_F(EditorDisplayTest, ModifiersLetGoInAMenuOrADialogAreNotStuck)
+TEST_F(EditorDisplayTest, ModifiersLetGoInAMenuAreNotStuck)
 {
   const int e = current();
   auto* menu = host->findChild<QMenu*>("landmarksMenu");
@@ -87,23 +87,6 @@ TEST_F(EditorDisplayTest, ModifiersLetGoInAMenuOrADialogAreNotStuck)
   menu->close();
   real(Qt::Key_Up);
   EXPECT_TRUE(isAt(e, SliceXForm(0, -1, 0, false)));
-
-  QTest::keyPress(host->windowHandle(), Qt::Key_Shift);
-  QTimer::singleShot(0, host.get(), [this] {
-    auto* dialog = editor->optionsDialog();
-    ASSERT_TRUE(dialog);
-    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog));
-    QTest::keyRelease(dialog->windowHandle(), Qt::Key_Shift);
-    editor->showParameters(); // one is enough
-    QTest::keyClick(dialog->windowHandle(), Qt::Key_Escape);
-  });
-  editor->showParameters();
-  EXPECT_FALSE(editor->optionsDialog());
-  host->activateWindow(); // There is no window manager to do it.
-  ASSERT_TRUE(QTest::qWaitForWindowActive(host.get()));
-  ASSERT_TRUE(QTest::qWaitFor([this] { return QApplication::focusWidget() == editor; }));
-  real(Qt::Key_Up);
-  EXPECT_TRUE(isAt(e, SliceXForm(0, -2, 0, false)));
 }
 
 TEST_F(EditorDisplayTest, AKeyHeldWhileAnotherWindowComesShowsBothSlicesAgain)

@@ -55,7 +55,7 @@ forbid "Folders of one machine" '(^|[^[:alnum:]._~-])/(work|home|root|Users)/' $
 forbid "References to documents that a reader does not have" \
   '(^|[^[:alnum:]])(Parts? [0-9]+(\.[0-9]+)*|[Tt]he spec(ification)?)([^[:alnum:]]|$)' $text
 
-for program in run test .ci/run bench/phantom_accuracy bench/robust_accuracy bench/robust_report bench/robust_speed tests/layout/checks.sh; do
+for program in run test .ci/run docs/make-screenshots bench/phantom_accuracy bench/robust_accuracy bench/robust_report bench/robust_speed tests/layout/checks.sh; do
   if [ -e "$program" ] && [ ! -x "$program" ]; then
     printf '%s is not executable\n' "$program"
     failures=$((failures + 1))

@@ -28,7 +28,7 @@
 
 namespace {
 
-constexpr int patience = 60000; // milliseconds
+constexpr int patience = 30000; // milliseconds
 
 class DesktopSessionTest : public testing::Test {
 protected:
@@ -255,4 +255,28 @@ TEST_F(DesktopSessionTest, EditsAlignsClosesWithTheQuestionSavesAndFindsTheAlign
   open("edited.nrrd");
   attachByContextMenu("edited.nrrd");
   EXPECT_EQ(transformOf(3), found);
+}
+
+TEST_F(DesktopSessionTest, AllPanelsOfALargeStackFitIntoASmallWindow)
+{
+  const auto large =
+      makeField<std::uint8_t>({1500, 1100, 40}, 1, [](int x, int y, int, int) { return (x ^ y) & 255; });
+  ZxObjectPool::getThePool().add(large.get());
+  clickInPool("stack.tif");
+  chooseFromBar("Create", "ZxAlignSlices");
+  ASSERT_TRUE(waitFor([&] { return listed("ZxAlignSlices"); }));
+  click(see("action.0")); // Edit
+  chooseFromBar("View", "Coronal view");
+  chooseFromBar("View", "Sagittal view");
+  ask("ZxAlignSlices showTransformToolBar 1");
+  auto* quality = window().findChild<QWidget*>("pairQualityDock");
+  ASSERT_TRUE(quality);
+  quality->show();
+  ASSERT_TRUE(waitFor([&] { return quality->isVisible() && see("sagittalView")->height() > 0; }));
+  EXPECT_EQ(window().width(), 1280);
+  EXPECT_EQ(window().height(), 720);
+  const QRect page = see("QxAlignSlices")->rect();
+  for (const char* panel : {"coronalView", "sagittalView", "pairQualityDock", "transformToolBar"})
+    EXPECT_TRUE(waitFor([&] { return page.contains(see(panel)->geometry()); })) << panel;
+  EXPECT_GE(see("drawArea")->width(), page.width() / 3);
 }

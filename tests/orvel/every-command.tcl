@@ -94,7 +94,6 @@ align fire
 > setOption iterations 20
 > getOption iterations
 > setOption iterations few
-> getOption colour
 > setRotationAllowed 0
 > getRotationAllowed
 > align

@@ -22,6 +22,8 @@ AlignRecovery::Question& theQuestion()
   return question;
 }
 
+bool (*isWanted)() = nullptr;
+
 std::string absolutePath(const std::string& name)
 {
   if (name.empty()) return {};
@@ -40,6 +42,8 @@ QString now()
 } // namespace
 
 void AlignRecovery::setQuestion(Question question) { theQuestion() = std::move(question); }
+
+void AlignRecovery::setWanted(bool (*wanted)()) noexcept { isWanted = wanted; }
 
 AlignRecovery::AlignRecovery(ZxAlignSlices& module) : m_module(module)
 {
@@ -61,6 +65,7 @@ void AlignRecovery::attach()
 {
   detach();
   m_saved = m_module.getSlices();
+  m_stored.clear();
   m_hasFailed = false;
   const RecoveryKey key = currentKey();
   if (key.path.empty()) return;
@@ -84,7 +89,7 @@ void AlignRecovery::detach()
 
 void AlignRecovery::queue()
 {
-  if (!m_key || m_timer.isActive() || !QCoreApplication::instance()) return;
+  if (!m_key || m_timer.isActive() || !QCoreApplication::instance() || (isWanted && !isWanted())) return;
   const qint64 waited = m_sinceWrite.isValid() ? m_sinceWrite.elapsed() : m_interval.count();
   m_timer.start(static_cast<int>(std::max<qint64>(m_interval.count() - waited, 0)));
 }
@@ -126,6 +131,19 @@ void AlignRecovery::tellFailure(const std::string& problem)
     ZxMessage::getTheMsg()->printf("The unsaved alignment of %s cannot be kept for the case of a crash: %s.",
                                    m_module.sliceData().getInputDataName().getString(), problem.c_str());
   m_hasFailed = true;
+}
+
+void AlignRecovery::stored()
+{
+  m_stored = m_module.getSlices();
+  queue();
+}
+
+void AlignRecovery::objectChanged(ZxObject* object)
+{
+  const ZxSpatialData* data = m_module.sliceData().getSpatialData();
+  if (object != data || data->isUnsaved() || m_stored.isEmpty()) return;
+  if (m_stored == m_module.getSlices()) forget();
 }
 
 void AlignRecovery::forget()

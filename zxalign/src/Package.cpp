@@ -23,6 +23,7 @@ void orvelpackage_zxalign_init()
   ZxAlignSlices::initClass();
   ZxAlignEditor::setFactory(&makeAlignEditor);
   AlignRecovery::setQuestion(&askToRestore);
+  AlignRecovery::setWanted(&isAnybodyAtTheWindow);
 }
 
 void orvelpackage_zxalign_finish()

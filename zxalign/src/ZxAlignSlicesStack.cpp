@@ -197,7 +197,7 @@ bool ZxAlignSlices::saveTransform(ZxParamBundle& target, McDArray<SliceInfo>& sl
   m_data->touchInputData();
   if (!storage::writeTransforms(target, slices, m_data->getDims())) return false;
   savePoints(target, slices);
-  if (&target == input) m_recovery->forget();
+  if (&target == input) m_recovery->stored();
   return true;
 }
 

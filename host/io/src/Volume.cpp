@@ -228,6 +228,8 @@ std::string pathProblem(const Output& output, const std::string& target, int sli
   const fs::file_status status = fs::status(output.path, error);
   if (fs::is_directory(status)) return "it is a folder; end the name in / for one file a slice";
   if (fs::exists(status) && !fs::is_regular_file(status)) return "it is not a regular file";
+  // Files are replaced by renaming, which their own protection would not keep from.
+  if (fs::exists(status) && ::access(output.path.c_str(), W_OK) != 0) return "it is write-protected";
   return {};
 }
 

@@ -43,6 +43,7 @@ constexpr int messageMilliseconds = 10000;
 constexpr const char* geometryKey = "window/geometry";
 constexpr const char* stateKey = "window/state";
 constexpr QSize usualSize(1280, 800);
+constexpr QSize smallestPage(320, 240);
 
 /// The first control of a pane that takes the focus, or null.
 QWidget* firstInFocusOrder(QWidget* pane)
@@ -96,6 +97,8 @@ void QxMainWindow::makeCentre()
   m_messageBar = new QxMessageBar(centre);
   layout->addWidget(m_messageBar);
   auto* pages = new QWidget(centre);
+  // A page that wants more than there is must not push the window beyond the screen.
+  pages->setMinimumSize(smallestPage);
   m_centre = new QStackedLayout(pages);
   m_page = new QxVolumePage(m_watcher, pages);
   m_centre->addWidget(m_page);
@@ -236,6 +239,8 @@ void QxMainWindow::resetLayout() { placeDocks(); }
 void QxMainWindow::showPreferences() { QxPreferencesDialog(this).exec(); }
 
 void QxMainWindow::open(const QStringList& files) { m_files->open(files); }
+
+bool QxMainWindow::isReadingOrWriting() const { return !m_files->queue()->isIdle(); }
 
 void QxMainWindow::select(const ZxObject* object) { m_pool->select(object); }
 

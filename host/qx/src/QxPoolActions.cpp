@@ -31,14 +31,6 @@ bool isAnyInPass()
   });
 }
 
-bool hasUnsaved(const std::vector<ZxObject*>& objects)
-{
-  return std::any_of(objects.begin(), objects.end(), [](const ZxObject* o) {
-    const auto* data = dynamic_cast<const ZxData*>(o);
-    return data && data->isUnsaved();
-  });
-}
-
 } // namespace
 
 QxPoolActions::QxPoolActions(QxPoolPanel* panel, QxVolumePage* page, QxFileCommands* files,
@@ -155,13 +147,18 @@ void QxPoolActions::removeSelected()
 {
   std::vector<McHandle<ZxObject>> objects;
   for (ZxObject* object : m_panel->selectedObjects()) objects.emplace_back(object);
-  const QString question = tr("What is removed has changes that are not saved. Remove it all the same?");
-  if (hasUnsaved(m_panel->selectedObjects()) &&
-      QMessageBox::question(m_window, tr("Remove"), question, QMessageBox::Yes | QMessageBox::Cancel) !=
-          QMessageBox::Yes)
-    return;
   for (const McHandle<ZxObject>& object : objects)
-    if (!closePagesOf(*object)) return;
+    if (!closePagesOf(*object)) return; // Their answers may change the data that are asked about next.
+  QStringList unsaved;
+  for (const McHandle<ZxObject>& object : objects)
+    if (const auto* data = dynamic_cast<const ZxData*>(object.get()); data && data->isUnsaved())
+      unsaved << QxObjectText::label(*data);
+  const QString question =
+      tr("%1 has changes that are not saved. Remove it all the same?").arg(unsaved.join(", "));
+  if (!unsaved.isEmpty() &&
+      QMessageBox::question(m_window, tr("Remove"), question, QMessageBox::Yes | QMessageBox::Cancel,
+                            QMessageBox::Cancel) != QMessageBox::Yes)
+    return;
   for (const McHandle<ZxObject>& object : objects) ZxObjectPool::getThePool().remove(object.get());
 }
 

@@ -35,6 +35,14 @@ QString homePage()
   return page.isAbsolute() && page.exists() ? page.filePath() : ownHelpFolder() + "/index.html";
 }
 
+/// The usual blue of links cannot be read on a dark page, and not every theme brings another one.
+QString linkStyle(const QPalette& palette)
+{
+  constexpr int darkest = 128;
+  const bool isDark = qGray(palette.color(QPalette::Base).rgb()) < darkest;
+  return isDark && qGray(palette.color(QPalette::Link).rgb()) < darkest ? "a { color: #7ab4ff }" : "";
+}
+
 } // namespace
 
 ZxHTML* ZxHTML::getTheBrowser()
@@ -51,6 +59,7 @@ ZxHTML::ZxHTML() : m_browser(new QTextBrowser(this))
   m_browser->setObjectName("browser");
   m_browser->setOpenLinks(false);
   m_browser->document()->setDocumentMargin(16);
+  m_browser->document()->setDefaultStyleSheet(linkStyle(m_browser->palette()));
   auto* centre = new QWidget(this);
   m_findBar = new QxFindBar(m_browser, centre);
   auto* column = new QVBoxLayout(centre);

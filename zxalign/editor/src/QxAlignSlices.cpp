@@ -91,6 +91,7 @@ void QxAlignSlices::createPanels()
   // The orthogonal views need the height, and have the width.
   setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
   pairQuality->hide();
+  connect(pairQuality, &QDockWidget::visibilityChanged, this, [this] { m_orthoViews->keepInWindow(); });
   QToolBar* panels = addToolBar("Panels");
   panels->setObjectName("panelToolBar");
   panels->addAction(pairQuality->toggleViewAction());
@@ -355,6 +356,9 @@ void QxAlignSlices::showTransformToolBar(bool visible)
   addToolBar(Qt::BottomToolBarArea, m_transformToolBar);
   updateToolbar();
   m_transformToolBar->show();
+  // The toolbar has its place when the event loop is back.
+  QMetaObject::invokeMethod(
+      this, [this] { m_orthoViews->keepInWindow(); }, Qt::QueuedConnection);
 }
 
 void QxAlignSlices::showCoronalView(bool visible)

@@ -147,7 +147,6 @@ void QxOrthoViewManager::createView(OrthoOrientation orientation)
   placeView(created);
   if (!m_toolBar) createToolBar();
   showCutSlider(orientation, !m_projects);
-  keepInWindow();
   clearLineImmediate(0, m_shape.dims.slices - 1, orientation);
   updateSlices(m_zMin, m_zMax, orientation);
 }
@@ -159,6 +158,10 @@ void QxOrthoViewManager::placeView(View& created)
   created.setZoom(m_zoom);
   created.setOrthoViewLineWidth(m_lineWidth);
   created.updateLineShape(m_axial);
+  // A dock is shown, and counts, in the next turn of the event loop.
+  QObject::connect(&created, &QDockWidget::visibilityChanged, &created, [this](bool visible) {
+    if (visible) keepInWindow();
+  });
   // Zooming with the mouse in one view zooms both.
   QObject::connect(created.viewer(), &QxImageViewer::zoomFactorChanged, &created,
                    [this](float zoom) { setZoom(zoom); });
@@ -172,7 +175,9 @@ void QxOrthoViewManager::keepInWindow()
     QxImageViewer& viewer = *shown->viewer();
     viewer.setMinimumWidth(std::min(viewer.minimumWidth(), m_editor->width() / 2));
     const int excess = m_editor->minimumSizeHint().height() - m_editor->height();
-    if (excess > 0) viewer.setMinimumHeight(std::max(kSmallestHeight, viewer.minimumHeight() - excess));
+    if (excess > 0)
+      viewer.setMinimumHeight(
+          std::max(std::min(viewer.minimumHeight(), kSmallestHeight), viewer.minimumHeight() - excess));
   }
 }
 

@@ -7,10 +7,16 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+bool isAnybodyAtTheWindow()
+{
+  const QxMainWindow* window = QxMainWindow::getTheMainWindow();
+  return window && window->isVisible();
+}
+
 bool askToRestore(AlignRecovery& recovery, const QString& text)
 {
+  if (!isAnybodyAtTheWindow()) return false;
   QxMainWindow* window = QxMainWindow::getTheMainWindow();
-  if (!window || !window->isVisible()) return false;
   const QString caption = QString::fromStdString(ZxSkin::getGlobalInstance()->getCaption("Main"));
   auto* box = new QMessageBox(QMessageBox::Question, caption + " - AlignSlices",
                               text + "\n\nDo you want to restore it?", QMessageBox::NoButton, window);

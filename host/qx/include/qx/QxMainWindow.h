@@ -41,6 +41,8 @@ public:
 
   /// Opens volumes in the background, as if they had been dropped on the window.
   void open(const QStringList& files);
+  /// True while files are read or written, or wait for it.
+  bool isReadingOrWriting() const;
   /// Selects an object of the pool: its ports are shown, and the volume that it stands for.
   void select(const ZxObject* object);
 

@@ -80,6 +80,9 @@ public:
   bool getUseMaxIntProj() const noexcept { return m_projects; }
   /// Length of the marker lines in both views in percent of the width, 0 to 100.
   void setOrthoViewLineWidth(int percent);
+  /// Views want the size of the stack. What the window does not have they do without: it must not grow beyond
+  /// the screen, and the slice view keeps half of its width. To be called when anything else wants room, too.
+  void keepInWindow();
   /// The next larger or smaller zoom of both views: 1, 2, 3, 4, 6, 9, 14 ... and halves below 1.
   void zoomIn();
   void zoomOut();
@@ -141,9 +144,6 @@ private:
   void adoptLattice(ZxLattice* lattice);
   void createView(OrthoOrientation orientation);
   void placeView(View& created);
-  /// Views want the size of the stack. What the window does not have they do without: it must not grow beyond
-  /// the screen, and the slice view keeps half of its width.
-  void keepInWindow();
   void deleteView(OrthoOrientation orientation);
   void createToolBar();
   void showCutSlider(OrthoOrientation orientation, bool show);
