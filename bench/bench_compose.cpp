@@ -1,5 +1,6 @@
 // Composing the picture of a pair: time as a multiple of copying a picture of the same size.
 
+#include "Timing.h"
 #include "kernels/Compose.h"
 
 #include "mc/McMath.h"
@@ -11,7 +12,6 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstring>
 
 namespace {
@@ -62,15 +62,6 @@ struct Setup {
   Picture composed, other;
   Composition composition;
 };
-
-template <class Work>
-double secondsOf(const Work& work)
-{
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  benchmark::ClobberMemory();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 // Both are taken at their best of one run, in turns: what else the machine does disturbs them alike.
 void time(benchmark::State& state, ComposeMode mode, int channels, double first, double second, int threads)

@@ -4,6 +4,7 @@
 // Before the toolkit, whose macros it does not bear.
 #include "support/Threads.h"
 
+#include "Timing.h"
 #include "qx/QxMainWindow.h"
 #include "support/Random.h"
 #include "support/Volumes.h"
@@ -23,7 +24,6 @@
 #include <QWindow>
 
 #include <algorithm>
-#include <chrono>
 #include <cstring>
 
 namespace {
@@ -89,15 +89,6 @@ struct Drag {
   McHandle<ZxAlignSlices> module = mcMake<ZxAlignSlices>();
   QxAlignSlices* editor = nullptr;
 };
-
-template <class Work>
-double secondsOf(const Work& work)
-{
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  benchmark::ClobberMemory();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 // Arguments: edge length of the slices, threads.
 void drag(benchmark::State& state)

@@ -1,6 +1,7 @@
 // The slice view while a slice is dragged: one step of the mouse and the paint that follows, as a multiple of
 // copying a picture of the same size.
 
+#include "Timing.h"
 #include "support/Random.h"
 #include "support/Threads.h"
 #include "zxalign/QxDrawAlignSlices.h"
@@ -14,7 +15,6 @@
 #include <QWindow>
 
 #include <algorithm>
-#include <chrono>
 #include <cstring>
 
 namespace {
@@ -70,15 +70,6 @@ struct Drag {
   SliceInfo first{SliceXForm(0, 0, 5, false)}, second{SliceXForm(0, 0, 3, false)};
   View view;
 };
-
-template <class Work>
-double secondsOf(const Work& work)
-{
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  benchmark::ClobberMemory();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 void time(benchmark::State& state, int bytesPerPixel, int threads)
 {
