@@ -1,5 +1,6 @@
 #include "AlignCommands.h"
 #include "editor/EditorTest.h"
+#include "support/TestFolders.h"
 #include "zx/ZxInterpreter.h"
 #include "zxalign/QxViewAlignSlicesCoronal.h"
 
@@ -53,7 +54,7 @@ protected:
     return all;
   }
   std::optional<Console> lines;
-  static std::string file(const std::string& name) { return std::string(ZX_TEST_HOME) + "/" + name; }
+  static std::string file(const std::string& name) { return fileInTestHome(name); }
 };
 
 TEST_F(AlignCommandsTest, EveryCommandCountsItsArguments)

@@ -1,5 +1,6 @@
 #include "Desktop.h"
 #include "qx/QxCentralPage.h"
+#include "support/TestFolders.h"
 #include "zx/ZxWorkArea.h"
 
 #include <QMessageBox>
@@ -62,7 +63,7 @@ TEST_F(QxCloseGuardTest, AsksAboutUnsavedData)
 
 TEST_F(QxCloseGuardTest, ClosesWhenSavedAndStaysOpenWhenThatFails)
 {
-  const QString file = QString(ZX_TEST_HOME) + "/kept.vol";
+  const QString file = QString::fromStdString(fileInTestHome("kept.vol"));
   QFile(file).open(QIODevice::WriteOnly);
   const auto field = addUnsaved("kept", file.toUtf8().constData());
   FakeFiles::isDiskFull = true;

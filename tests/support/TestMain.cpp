@@ -5,7 +5,7 @@
 
 int main(int argc, char** argv)
 {
-  useTestFolders();
+  const TestFolders folders;
   testing::InitGoogleTest(&argc, argv);
   return RUN_ALL_TESTS();
 }

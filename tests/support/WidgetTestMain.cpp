@@ -10,7 +10,7 @@
 
 int main(int argc, char** argv)
 {
-  useTestFolders();
+  const TestFolders folders;
   testing::InitGoogleTest(&argc, argv);
   setenv("QT_QPA_PLATFORM", "offscreen", 0);
   QApplication application(argc, argv);

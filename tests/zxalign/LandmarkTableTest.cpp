@@ -1,5 +1,7 @@
 #include "LandmarkTable.h"
 
+#include "support/TestFolders.h"
+
 #include <fstream>
 
 #include <gtest/gtest.h>
@@ -11,7 +13,7 @@ const std::string kHead = "slice,index,x,y\n";
 /// A table of that text, under a name of its own.
 std::string tableFile(const std::string& name, const std::string& text)
 {
-  const std::string path = std::string(ZX_TEST_HOME) + "/" + name;
+  const std::string path = fileInTestHome(name);
   std::ofstream(path, std::ios::binary) << text;
   return path;
 }
