@@ -1,5 +1,5 @@
 # The whole dependency policy: what a layer may use. What is not listed here does not configure.
-set(ZX_MAY_USE_kernels host::numbers TBB::tbb)
+set(ZX_MAY_USE_kernels host::numbers TBB::tbb hwy)
 set(ZX_MAY_USE_mc      host::numbers Threads::Threads)
 set(ZX_MAY_USE_zx      host::mc Qt6::Core Qt6::Gui tcl)
 set(ZX_MAY_USE_io      host::mc host::zx TIFF::TIFF JPEG::JPEG PNG::PNG ZLIB::ZLIB BZip2::BZip2 nlohmann_json::nlohmann_json)
