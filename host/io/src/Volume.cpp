@@ -289,6 +289,11 @@ McHandle<ZxField3> readVolume(const std::vector<std::string>& inputs, const Read
   });
 }
 
+McHandle<ZxField3> openVolume(const std::vector<std::string>& inputs, const ReadOptions& options)
+{
+  return readVolume(inputs, options);
+}
+
 McHandle<ZxUniformLabelField3> readLabels(const std::vector<std::string>& inputs, const ReadOptions& options)
 {
   return guarded("read", nameOf(inputs), [&] {
@@ -298,6 +303,11 @@ McHandle<ZxUniformLabelField3> readLabels(const std::vector<std::string>& inputs
     }
     return labelsOf(input);
   });
+}
+
+McHandle<ZxUniformLabelField3> openLabels(const std::vector<std::string>& inputs, const ReadOptions& options)
+{
+  return readLabels(inputs, options);
 }
 
 McHandle<ZxSpatialData> readAnything(const std::vector<std::string>& inputs, const ReadOptions& options)
@@ -324,6 +334,12 @@ void writeVolume(const ZxSpatialData& data, const std::string& path)
     else
       writeFile(data, path, *output.format);
   });
+}
+
+int continueVolume(const ZxSpatialData& data, const std::string& path)
+{
+  writeVolume(data, path);
+  return 0;
 }
 
 std::string checkWritable(const ZxLatticeShape& shape, const std::string& path)
