@@ -25,8 +25,15 @@ struct VolumeInfo {
 /// What to do with slices of unequal size in a sequence.
 enum class UnequalSlices { Refuse, PadToLargest };
 
+/// What to do with a volume that is to be read into memory and does not fit into what is free.
+enum class TooLarge {
+  Refuse,
+  LeaveInFile ///< as openVolume() does, with a remark, where the files allow it
+};
+
 struct ReadOptions {
   UnequalSlices unequalSlices = UnequalSlices::Refuse;
+  TooLarge tooLarge = TooLarge::Refuse;
 };
 
 /// Inputs are one volume file, one folder of slices, or a list of slice files. A folder is taken in natural
