@@ -3,6 +3,7 @@
 #include "Geometry.h"
 #include "SliceWriter.h"
 #include "TiffFile.h"
+#include "TiffRemains.h"
 
 #include <algorithm>
 #include <cmath>
@@ -99,25 +100,41 @@ void writePixels(const TiffFile& file, const ZxLatticeShape& shape, std::span<co
   }
 }
 
+/// Writes the slices from the first one on as further pages.
+void writePages(TiffFile& file, const ZxSpatialData& data, const std::string& target, int first)
+{
+  const ZxLatticeShape& shape = data.getLattice()->shape();
+  const ZxFileGeometry geometry = ZxFileGeometry::of(data);
+  bool isFirst = first == 0;
+  const auto write = [&](std::span<const std::byte> slice) {
+    setPageFields(file.get(), shape, geometry);
+    if (isFirst) {
+      const std::string text = description(geometry, shape.dims.slices);
+      TIFFSetField(file.get(), TIFFTAG_IMAGEDESCRIPTION, text.c_str());
+    }
+    isFirst = false;
+    writePixels(file, shape, slice);
+    if (!TIFFWriteDirectory(file.get())) file.fail("a page cannot be stored");
+  };
+  forEachSlice(data, target, write, first);
+  file.close();
+}
+
 } // namespace
 
 void writeTiff(const ZxSpatialData& data, const std::string& target, const std::string& path)
 {
+  TiffFile file(path, modeFor(data.getLattice()->shape()), target);
+  writePages(file, data, target, 0);
+}
+
+int continueTiff(const ZxSpatialData& data, const std::string& path)
+{
   const ZxLatticeShape& shape = data.getLattice()->shape();
-  const ZxFileGeometry geometry = ZxFileGeometry::of(data);
-  TiffFile file(path, modeFor(shape), target);
-  bool first = true;
-  forEachSlice(data, target, [&](std::span<const std::byte> slice) {
-    setPageFields(file.get(), shape, geometry);
-    if (first) {
-      const std::string text = description(geometry, shape.dims.slices);
-      TIFFSetField(file.get(), TIFFTAG_IMAGEDESCRIPTION, text.c_str());
-    }
-    first = false;
-    writePixels(file, shape, slice);
-    if (!TIFFWriteDirectory(file.get())) file.fail("a page cannot be stored");
-  });
-  file.close();
+  const int pages = keepWholePages(path, {shape, description(ZxFileGeometry::of(data), shape.dims.slices)});
+  TiffFile file(path, pages > 0 ? TiffFile::Mode::Append : modeFor(shape), path);
+  writePages(file, data, path, pages);
+  return pages;
 }
 
 } // namespace io
