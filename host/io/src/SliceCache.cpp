@@ -149,7 +149,6 @@ bool SliceCache::readRowsNow(int k, int y, int rows, void* dst)
 bool SliceCache::copyHeld(int k, std::size_t offset, std::size_t bytes, void* dst)
 {
   std::unique_lock lock(m_mutex);
-  if (m_wanted == k) m_wanted = -1; // Too late to be read ahead.
   Slot* slot = find(k);
   while (slot && slot->state == State::Reading) {
     m_changed.wait(lock);
@@ -170,8 +169,22 @@ bool SliceCache::copyHeld(int k, std::size_t offset, std::size_t bytes, void* ds
   return true;
 }
 
+bool SliceCache::wasForeseen(int k)
+{
+  const std::lock_guard lock(m_mutex);
+  if (m_wanted != k) return false;
+  m_wanted = -1;
+  return true;
+}
+
 void SliceCache::readSlice(int k, void* dst)
 {
+  // Who is faster than the thread that reads ahead does its work, so that the slice is there for a second
+  // time.
+  try {
+    if (wasForeseen(k)) hold(k);
+  } catch (const std::bad_alloc&) { // It is read straight into the caller's memory.
+  }
   if (copyHeld(k, 0, info().shape.sliceBytes(), dst)) return;
   readNow(k, dst);
   foresee(k);

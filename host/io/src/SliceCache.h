@@ -59,6 +59,8 @@ private:
   /// Copies bytes of a slice that is in a slot, after waiting for one that is being read. False when it is in
   /// none.
   bool copyHeld(int k, std::size_t offset, std::size_t bytes, void* dst);
+  /// True when a slice is the next one to be read ahead, which it is then no more.
+  bool wasForeseen(int k);
   /// Reads a slice with nothing held locked but the reader.
   void readNow(int k, void* dst);
   bool readRowsNow(int k, int y, int rows, void* dst);

@@ -11,7 +11,6 @@
 #include <cstring>
 #include <filesystem>
 #include <span>
-#include <vector>
 
 namespace io {
 namespace {
@@ -153,7 +152,7 @@ public:
   void follow(Remains& remains) const
   {
     remains = {0, m_layout.firstLink, m_layout.headerBytes, m_layout.offsetBytes};
-    while (remains.pages < m_plan.shape.dims.slices) {
+    while (remains.pages < m_plan.slices) {
       const std::uint64_t at = m_reader.offset(remains.link);
       if (at == 0) return;
       const Directory page = m_reader.directory(at);
@@ -168,17 +167,10 @@ public:
 private:
   bool isOfPlan(const Directory& page, bool first) const
   {
-    const ZxLatticeShape& shape = m_plan.shape;
-    const auto is = [&](std::uint64_t tag, std::uint64_t value) {
-      const std::vector<std::uint64_t> values = m_reader.values(page, tag);
-      return !values.empty() && values.front() == value;
+    const auto isThere = [&](const TiffField& field) {
+      return m_reader.values(page, field.tag) == std::vector<std::uint64_t>(field.count, field.value);
     };
-    const auto number = [](int n) { return static_cast<std::uint64_t>(n); };
-    return is(TIFFTAG_IMAGEWIDTH, number(shape.dims.width)) &&
-           is(TIFFTAG_IMAGELENGTH, number(shape.dims.height)) &&
-           is(TIFFTAG_SAMPLESPERPIXEL, number(shape.numDataVars)) &&
-           is(TIFFTAG_BITSPERSAMPLE, 8 * mcSizeOf(shape.primType)) &&
-           is(TIFFTAG_COMPRESSION, COMPRESSION_NONE) &&
+    return std::all_of(m_plan.fields.begin(), m_plan.fields.end(), isThere) &&
            (!first || m_reader.text(page, TIFFTAG_IMAGEDESCRIPTION) == m_plan.description);
   }
   /// Whether all strips of a slice are there; moves end behind them.
@@ -193,7 +185,7 @@ private:
       all += counts[i];
       end = std::max(end, offsets[i] + counts[i]);
     }
-    return all == m_plan.shape.sliceBytes();
+    return all == m_plan.sliceBytes;
   }
 
   std::uint64_t m_size;
