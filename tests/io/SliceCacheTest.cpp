@@ -66,6 +66,7 @@ TEST(ReadingOrder, FollowsNeighboursAndNotLeaps)
   EXPECT_EQ(foreseen({5}), -1);
   EXPECT_EQ(foreseen({5, 6}), 7);
   EXPECT_EQ(foreseen({5, 4}), 3);
+  EXPECT_EQ(foreseen({5, 6, 6}), 7);
   EXPECT_EQ(foreseen({5, 4, 6}), 7); // the second of a pair first
   EXPECT_EQ(foreseen({5, 6, 2}), -1);
   EXPECT_EQ(foreseen({8, 9}), -1);

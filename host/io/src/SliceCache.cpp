@@ -38,15 +38,13 @@ int ReadingOrder::next(int k) noexcept
   constexpr int near = 2;
   const int step = m_last < 0 ? m_slices : k - m_last;
   m_last = k;
-  int direction = 0;
-  if (step != 0 && std::abs(step) <= near)
-    direction = step > 0 ? 1 : -1;
-  else if (k == 0)
-    direction = 1;
-  else if (k == m_slices - 1)
-    direction = -1;
-  const int next = k + direction;
-  return direction != 0 && next >= 0 && next < m_slices ? next : -1;
+  if (step != 0) {
+    const bool up = std::abs(step) <= near ? step > 0 : k == 0;
+    const bool down = std::abs(step) <= near ? step < 0 : k == m_slices - 1;
+    m_direction = up ? 1 : down ? -1 : 0;
+  }
+  const int next = k + m_direction;
+  return m_direction != 0 && next >= 0 && next < m_slices ? next : -1;
 }
 
 SliceCache::SliceCache(std::unique_ptr<VolumeReader> reader)

@@ -17,12 +17,14 @@ class ReadingOrder {
 public:
   explicit ReadingOrder(int slices) : m_slices(slices) {}
   /// Takes note of a slice that was not asked for of late. Returns the one to read ahead, or -1: the next one
-  /// in the direction from a near one before, or from an end into the volume; nothing after a leap.
+  /// in the direction from a near one before, or from an end into the volume; nothing after a leap. The
+  /// same slice again changes nothing.
   int next(int k) noexcept;
 
 private:
   int m_slices;
   int m_last = -1;
+  int m_direction = 0;
 };
 
 /// Slices of a volume in files: the ones asked for last and the one that is likely to be asked for next,
