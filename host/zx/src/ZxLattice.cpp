@@ -2,6 +2,7 @@
 
 #include "ZxMemoryVoxels.h"
 #include "zx/ZxMemory.h"
+#include "zx/ZxWorkArea.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,7 +26,7 @@ void widenRange(const T* values, std::size_t n, T& min, T& max)
   }
 }
 
-/// False when a slice could not be read.
+/// False when a slice could not be read or the user wants to stop.
 template <class T>
 bool rangeOf(ZxLattice& lattice, float& min, float& max)
 {
@@ -39,6 +40,8 @@ bool rangeOf(ZxLattice& lattice, float& min, float& max)
   for (int k = 0; k < shape.dims.slices; ++k) {
     const T* values = static_cast<const T*>(lattice.sliceInMemory(k));
     if (!values) {
+      // A volume in a file may be larger than anyone wants to wait for.
+      if (ZxWorkArea::getTheWorkArea()->wasInterrupted()) return false;
       copy.resize(n);
       if (!lattice.readSlice(k, copy.data())) return false;
       values = copy.data();
