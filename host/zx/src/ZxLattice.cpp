@@ -28,7 +28,7 @@ void widenRange(const T* values, std::size_t n, T& min, T& max)
 
 /// False when a slice could not be read or the user wants to stop.
 template <class T>
-bool rangeOf(ZxLattice& lattice, float& min, float& max)
+bool rangeOf(ZxLattice& lattice, const std::function<void(float)>& progress, float& min, float& max)
 {
   const ZxLatticeShape& shape = lattice.shape();
   const std::size_t n = shape.dims.slicePixels() * static_cast<std::size_t>(shape.numDataVars);
@@ -44,6 +44,7 @@ bool rangeOf(ZxLattice& lattice, float& min, float& max)
       if (ZxWorkArea::getTheWorkArea()->wasInterrupted()) return false;
       copy.resize(n);
       if (!lattice.readSlice(k, copy.data())) return false;
+      if (progress) progress(static_cast<float>(k + 1) / static_cast<float>(shape.dims.slices));
       values = copy.data();
     }
     widenRange(values, n, lo, hi);
@@ -113,14 +114,14 @@ bool ZxLattice::isValid() const noexcept
   return m_source && d.width > 0 && d.height > 0 && d.slices > 0 && m_shape.numDataVars > 0;
 }
 
-void ZxLattice::getRange(float& min, float& max)
+void ZxLattice::getRange(float& min, float& max, const std::function<void(float)>& progress)
 {
   min = max = 0.0f;
   bool known = m_range.has_value();
   if (known)
     std::tie(min, max) = *m_range;
   else
-    mcVisit(primType(), [&](auto zero) { known = rangeOf<decltype(zero)>(*this, min, max); });
+    mcVisit(primType(), [&](auto zero) { known = rangeOf<decltype(zero)>(*this, progress, min, max); });
   if (known) m_range.emplace(min, max);
 }
 
