@@ -38,7 +38,7 @@ float valueAt(const std::uint8_t* bytes)
   return static_cast<float>(value);
 }
 
-void plainCopy(const SliceBytes& slice, const RowPositions& row, ColumnRange columns, void* out)
+void plainCopy(SliceBytes slice, RowPositions row, ColumnRange columns, void* out)
 {
   auto* to = static_cast<std::uint8_t*>(out);
   for (int i = columns.begin; i < columns.end; ++i, to += slice.pixelBytes)
@@ -46,7 +46,7 @@ void plainCopy(const SliceBytes& slice, const RowPositions& row, ColumnRange col
 }
 
 template <class T>
-void plainThroughFloat(const SliceBytes& slice, const RowPositions& row, ColumnRange columns, void* out)
+void plainThroughFloat(SliceBytes slice, RowPositions row, ColumnRange columns, void* out)
 {
   auto* to = static_cast<T*>(out);
   for (int i = columns.begin; i < columns.end; ++i) {
@@ -56,7 +56,7 @@ void plainThroughFloat(const SliceBytes& slice, const RowPositions& row, ColumnR
 }
 
 template <class T>
-void plainLinear(const SliceBytes& slice, const RowPositions& row, ColumnRange columns, void* out)
+void plainLinear(SliceBytes slice, RowPositions row, ColumnRange columns, void* out)
 {
   const std::size_t right = slice.pixelBytes;
   const std::size_t below = slice.rowBytes();
@@ -83,10 +83,9 @@ struct Reach {
 inline Reach reachOf(const SliceBytes& slice, const RowPositions& row, ColumnRange columns,
                      std::size_t bytesFromPixel)
 {
-  const auto [top, bottom] =
-      std::minmax(mc::truncInRange(row.yAt(columns.begin)), mc::truncInRange(row.yAt(columns.end - 1)));
-  const int right =
-      std::max(mc::truncInRange(row.xAt(columns.begin)), mc::truncInRange(row.xAt(columns.end - 1)));
+  const int x0 = mc::truncInRange(row.xAt(columns.begin)), x1 = mc::truncInRange(row.xAt(columns.end - 1));
+  const int y0 = mc::truncInRange(row.yAt(columns.begin)), y1 = mc::truncInRange(row.yAt(columns.end - 1));
+  const int top = std::min(y0, y1), bottom = std::max(y0, y1), right = std::max(x0, x1);
   constexpr std::size_t limit = 0x7fffffff;
   const std::size_t end = static_cast<std::size_t>(slice.at(right, bottom) - slice.bytes) + bytesFromPixel;
   const std::size_t start = static_cast<std::size_t>(top) * slice.rowBytes();
@@ -394,7 +393,7 @@ HWY_INLINE void copyPixels(const std::uint8_t* base, VInts offsets, std::uint8_t
 }
 
 template <std::size_t bytes>
-void copySpan(const SliceBytes& slice, const RowPositions& row, ColumnRange columns, void* out)
+void copySpan(SliceBytes slice, RowPositions row, ColumnRange columns, void* out)
 {
   auto* const to = static_cast<std::uint8_t*>(out);
   const auto at = [&](int column) { return to + static_cast<std::size_t>(column - columns.begin) * bytes; };
@@ -407,7 +406,7 @@ void copySpan(const SliceBytes& slice, const RowPositions& row, ColumnRange colu
 }
 
 template <class T>
-void throughFloatSpan(const SliceBytes& slice, const RowPositions& row, ColumnRange columns, void* out)
+void throughFloatSpan(SliceBytes slice, RowPositions row, ColumnRange columns, void* out)
 {
   const std::size_t n = slice.channels;
   auto* const to = static_cast<T*>(out);
@@ -424,7 +423,7 @@ void throughFloatSpan(const SliceBytes& slice, const RowPositions& row, ColumnRa
 
 // One channel.
 template <class T>
-void linearSpan(const SliceBytes& slice, const RowPositions& row, ColumnRange columns, void* out)
+void linearSpan(SliceBytes slice, RowPositions row, ColumnRange columns, void* out)
 {
   auto* const to = static_cast<T*>(out);
   const auto at = [&](int column) { return to + (column - columns.begin); };
@@ -442,7 +441,7 @@ void linearSpan(const SliceBytes& slice, const RowPositions& row, ColumnRange co
 
 // Any number of channels, one after the other.
 template <class T>
-void linearChannelsSpan(const SliceBytes& slice, const RowPositions& row, ColumnRange columns, void* out)
+void linearChannelsSpan(SliceBytes slice, RowPositions row, ColumnRange columns, void* out)
 {
   const std::size_t n = slice.channels;
   auto* const to = static_cast<T*>(out);
@@ -488,7 +487,7 @@ HWY_INLINE Neighbours bytesOf(const WordPair& words)
 }
 
 // Four channels of a byte: a pixel is a word.
-void linearColourSpan(const SliceBytes& slice, const RowPositions& row, ColumnRange columns, void* out)
+void linearColourSpan(SliceBytes slice, RowPositions row, ColumnRange columns, void* out)
 {
   auto* const to = static_cast<std::uint8_t*>(out);
   const auto at = [&](int column) { return to + 4 * static_cast<std::size_t>(column - columns.begin); };

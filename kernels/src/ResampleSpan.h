@@ -46,9 +46,8 @@ enum class SpanRule : std::uint8_t { Copy, ThroughFloat, Linear };
 enum class Element : std::uint8_t { UInt8, Int16, Int32, Float, Double, UInt16 };
 
 /// Fills the pixels of some columns of one output row. All of them lie inside the slice by the rule; out is
-/// the pixel of the first column.
-using SpanFunction = void (*)(const SliceBytes& slice, const RowPositions& row, ColumnRange columns,
-                              void* out);
+/// the pixel of the first column. Taken by value, so that no store to out can be one to what a loop reads.
+using SpanFunction = void (*)(SliceBytes slice, RowPositions row, ColumnRange columns, void* out);
 
 /// The function for the instruction set of this machine. Copy only looks at the size of a pixel.
 SpanFunction spanFunction(Element element, SpanRule rule, const SliceBytes& slice);
