@@ -53,15 +53,22 @@ ColumnRange columnsReached(const ResampleFrame& frame, const RowPositions& row, 
   const Affine& m = frame.inverse;
   // A product that overflows makes a position infinite or not a number; neither is inside.
   if (!isFinite(m) || !std::isfinite(m.m21 * row.y) || !std::isfinite(m.m22 * row.y)) return {};
-  const auto above = [](double v) { return v >= 0.0; };
-  const auto below = [beyond](int size) {
-    return [limit = static_cast<double>(size - beyond)](double v) { return v < limit; };
-  };
   const auto inX = columnsInside(
-      {0, frame.outWidth}, m.m11 >= 0.0, [&row](int i) { return row.xAt(i); }, above, below(frame.width));
+      {0, frame.outWidth}, m.m11, [&row](int i) { return row.xAt(i); }, frame.width - beyond);
   const auto columns = columnsInside(
-      inX, m.m12 >= 0.0, [&row](int i) { return row.yAt(i); }, above, below(frame.height));
+      inX, m.m12, [&row](int i) { return row.yAt(i); }, frame.height - beyond);
   return columns.begin < columns.end ? columns : ColumnRange{};
+}
+
+// Whether one column further is one pixel further along a row of the slice, in spite of all rounding: the
+// positions are below 2^31, where it stays below 2^-20.
+bool shiftsColumns(const Affine& m, SpanRule rule)
+{
+  constexpr double margin = 1.0 / (1 << 20);
+  if (m.m11 != 1.0 || m.m12 != 0.0 || m.m21 != 0.0 || !(std::abs(m.dx) < 1 << 30)) return false;
+  const double fraction = m.dx - std::floor(m.dx);
+  if (fraction == 0.0) return true;
+  return rule == SpanRule::Copy && std::abs(fraction - 0.5) > margin;
 }
 
 // One slice on its way to its output.
@@ -70,6 +77,7 @@ struct Task {
   SliceBytes slice;
   SpanRule rule;
   SpanFunction span;
+  bool shifts;                    // rows are copied where they also lie on a row of the slice
   const std::uint8_t* background; // of one pixel
   std::uint8_t* output;
 
@@ -98,6 +106,19 @@ struct Task {
       std::memcpy(out + done, out, std::min(done, all - done));
   }
 
+  // With whole positions the mean of four neighbours is the first of them.
+  bool copied(int row, ColumnRange columns) const
+  {
+    if (!shifts) return false;
+    const RowPositions from = positions(row);
+    const double y = from.yAt(columns.begin);
+    if (rule == SpanRule::Linear && y != std::floor(y)) return false;
+    std::memcpy(at(row, columns.begin),
+                slice.at(mc::truncInRange(from.xAt(columns.begin)), mc::truncInRange(y)),
+                static_cast<std::size_t>(columns.end - columns.begin) * slice.pixelBytes);
+    return true;
+  }
+
   // The rows of a tile share the cache lines of the slice, however it is turned.
   static constexpr int tileRows = 32;
   static constexpr int tileColumns = 256;
@@ -116,8 +137,9 @@ struct Task {
       const ColumnRange columns = columnsReached(frame, positions(row), rule == SpanRule::Linear ? 1 : 0);
       fill(row, {0, columns.begin});
       fill(row, {columns.end, frame.outWidth});
-      all = {std::min(all.begin, columns.begin), std::max(all.end, columns.end)};
-      inside[static_cast<std::size_t>(row - rowBegin)] = columns;
+      const bool done = columns.begin >= columns.end || copied(row, columns);
+      inside[static_cast<std::size_t>(row - rowBegin)] = done ? ColumnRange{} : columns;
+      if (!done) all = {std::min(all.begin, columns.begin), std::max(all.end, columns.end)};
     }
     for (int column = all.begin; column < all.end; column += tileColumns)
       for (int row = rowBegin; row < rowEnd; ++row) {
@@ -136,10 +158,13 @@ void resampleAll(const ResampleFrame& frame, const T* source, SpanRule rule, con
   const SliceBytes slice{reinterpret_cast<const std::uint8_t*>(source), static_cast<std::size_t>(frame.width),
                          static_cast<std::size_t>(frame.height), background.size(),
                          background.size() * sizeof(T)};
+  // A float may be infinite, which makes the mean no number, and a large integer is rounded to a float.
+  const bool keepsValues = rule == SpanRule::Copy || (rule == SpanRule::Linear && sizeof(T) <= 2);
   const Task task{frame,
                   slice,
                   rule,
                   spanFunction(elementOf<T>(), rule, slice),
+                  keepsValues && shiftsColumns(frame.inverse, rule),
                   reinterpret_cast<const std::uint8_t*>(background.data()),
                   reinterpret_cast<std::uint8_t*>(output)};
   forRows(rowBegin, rowEnd, rowGrain(frame.outWidth), [&](int begin, int end) { task.resample(begin, end); });
