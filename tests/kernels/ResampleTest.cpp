@@ -1,6 +1,7 @@
 #include "kernels/Resample.h"
 
 #include "reference/PlainResample.h"
+#include "support/GuardedCopy.h"
 #include "support/Random.h"
 #include "support/Threads.h"
 #include "support/VectorTargets.h"
@@ -101,13 +102,13 @@ void expectPlainResult(const ResampleFrame& frame, const T* source, int channels
   }
 }
 
-// A copy that ends where its memory ends, so that a sanitizer sees every byte read behind it.
 template <class T>
 void expectPlainResult(const ResampleFrame& frame, const std::vector<T>& source, int channels)
 {
-  const auto exact = std::make_unique<T[]>(source.size());
-  std::copy(source.begin(), source.end(), exact.get());
-  expectPlainResult(frame, exact.get(), channels);
+  const std::size_t n = countOf(frame.width, frame.height, channels);
+  const GuardedCopy<T> guarded({source.begin(), source.begin() + static_cast<std::ptrdiff_t>(n)});
+  ASSERT_NE(guarded.data(), nullptr);
+  expectPlainResult(frame, guarded.data(), channels);
 }
 
 template <class T>
