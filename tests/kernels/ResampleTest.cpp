@@ -53,7 +53,7 @@ std::vector<Affine> mappings(int width, int height)
           {h, -h, h, h, -4.5, 9.0},
           // One rounding away from the next pixel, for both rules.
           {1, 0, 0, 1, std::nextafter(2.0, 0.0), std::nextafter(-1.0, 0.0)},
-          {1, 0, 0, 1, std::nextafter(0.5, 0.0), 0.5 - 1e-7},
+          {1, 0, 0, 1, 0.5 - std::ldexp(1.0, -50), 0.5 - 1e-7}, // below it at the left only
           {1, 0, 0, 1, -1.5 - 1e-12, std::nextafter(0.5, 1.0)},
           {1, 0, 0, 1, 3, -2},
           {1, 0, 0, 1, 4, 0.25},
