@@ -1,0 +1,169 @@
+#include "BlockSums.h"
+
+#include <algorithm>
+
+// This file is compiled once for every instruction set; the part that is independent of it only once.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "BlockSums.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#ifndef ZX_BLOCK_SUMS_PLAIN
+#define ZX_BLOCK_SUMS_PLAIN
+
+namespace kernels {
+
+namespace {
+
+// Sums the columns of all blocks from value `begin` on.
+void plainColumns(const BlockRow& row, std::size_t begin, std::uint16_t* sums)
+{
+  for (std::size_t i = begin; i < row.values() * row.factor; ++i) {
+    unsigned sum = 0;
+    for (std::size_t y = 0; y < row.factor; ++y) sum += row.source[y * row.stride + i];
+    sums[i] = static_cast<std::uint16_t>(sum);
+  }
+}
+
+// Means from the sums of the columns, for any factor.
+//
+// Division by the area is multiplication with 2^42 / area, rounded up: exact, because the sum is below 2^25
+// and the area below 2^17.
+void plainMeans(const BlockRow& row, const std::uint16_t* sums, std::uint8_t* out)
+{
+  constexpr int bits = 42;
+  const std::uint64_t area = row.factor * row.factor;
+  const std::uint64_t reciprocal = ((std::uint64_t{1} << bits) + area - 1) / area;
+  for (std::size_t block = 0; block < row.count; ++block, sums += row.factor * row.channels)
+    for (std::size_t c = 0; c < row.channels; ++c) {
+      std::uint64_t sum = 0;
+      for (std::size_t x = 0; x < row.factor; ++x) sum += sums[x * row.channels + c];
+      *out++ = static_cast<std::uint8_t>(sum * reciprocal >> bits);
+    }
+}
+
+// Factors 2, 4, 8, 16: the sum of a block fits 16 bits. 0 for all others.
+inline int halvingsOf(std::size_t factor)
+{
+  for (int k = 1; k <= 4; ++k)
+    if (factor == std::size_t{1} << k) return k;
+  return 0;
+}
+
+} // namespace
+
+} // namespace kernels
+
+#endif // ZX_BLOCK_SUMS_PLAIN
+
+HWY_BEFORE_NAMESPACE();
+namespace kernels {
+namespace HWY_NAMESPACE {
+namespace {
+
+#if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128
+
+void averageRow(const BlockRow& row, std::uint16_t* sums, std::uint8_t* out)
+{
+  plainColumns(row, 0, sums);
+  plainMeans(row, sums, out);
+}
+
+#else
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Sums = hn::ScalableTag<std::uint16_t>;
+using Bytes = hn::Rebind<std::uint8_t, Sums>;
+
+void sumColumns(const BlockRow& row, std::uint16_t* sums)
+{
+  const Sums d;
+  const Bytes bytes;
+  const std::size_t lanes = hn::Lanes(d);
+  std::size_t i = 0;
+  for (; i + lanes <= row.values() * row.factor; i += lanes) {
+    const std::uint8_t* p = row.source + i;
+    auto sum = hn::PromoteTo(d, hn::LoadU(bytes, p));
+    for (std::size_t y = 1; y < row.factor; ++y)
+      sum = hn::Add(sum, hn::PromoteTo(d, hn::LoadU(bytes, p += row.stride)));
+    hn::StoreU(sum, d, sums + i);
+  }
+  plainColumns(row, i, sums);
+}
+
+// Adds the right to the left of every two pixels, in place; a pixel is a lane of Pixel. Reads and writes
+// whole vectors, behind the last of `count` sums too.
+template <class Pixel>
+void addNeighbours(std::uint16_t* sums, std::size_t count)
+{
+  const Sums d;
+  const hn::Repartition<Pixel, Sums> pixels;
+  const std::size_t lanes = hn::Lanes(d);
+  for (std::size_t i = 0; i < count; i += lanes) {
+    const auto first = hn::BitCast(pixels, hn::LoadU(d, sums + 2 * i));
+    const auto second = hn::BitCast(pixels, hn::LoadU(d, sums + 2 * i + lanes));
+    const auto left = hn::BitCast(d, hn::ConcatEven(pixels, second, first));
+    const auto right = hn::BitCast(d, hn::ConcatOdd(pixels, second, first));
+    hn::StoreU(hn::Add(left, right), d, sums + i);
+  }
+}
+
+void storeMeans(const std::uint16_t* sums, std::size_t count, int bits, std::uint8_t* out)
+{
+  const Sums d;
+  const hn::RebindToSigned<Sums> narrow;
+  const Bytes bytes;
+  const std::size_t lanes = hn::Lanes(d);
+  std::size_t i = 0;
+  for (; i + lanes <= count; i += lanes) {
+    const auto means = hn::ShiftRightSame(hn::LoadU(d, sums + i), bits);
+    hn::StoreU(hn::DemoteTo(bytes, hn::BitCast(narrow, means)), bytes, out + i);
+  }
+  for (; i < count; ++i) out[i] = static_cast<std::uint8_t>(sums[i] >> bits);
+}
+
+template <class Pixel>
+void halve(const BlockRow& row, int halvings, std::uint16_t* sums, std::uint8_t* out)
+{
+  for (int k = halvings - 1; k >= 0; --k) addNeighbours<Pixel>(sums, row.values() << k);
+  storeMeans(sums, row.values(), 2 * halvings, out);
+}
+
+void averageRow(const BlockRow& row, std::uint16_t* sums, std::uint8_t* out)
+{
+  sumColumns(row, sums);
+  const int halvings = halvingsOf(row.factor);
+  if (halvings > 0 && row.channels == 1)
+    halve<std::uint16_t>(row, halvings, sums, out);
+  else if (halvings > 0 && row.channels == 2)
+    halve<std::uint32_t>(row, halvings, sums, out);
+  else if (halvings > 0 && row.channels == 4)
+    halve<std::uint64_t>(row, halvings, sums, out);
+  else
+    plainMeans(row, sums, out);
+}
+
+#endif
+
+} // namespace
+} // namespace HWY_NAMESPACE
+} // namespace kernels
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
+namespace kernels {
+
+namespace {
+HWY_EXPORT(averageRow);
+}
+
+void averageBlocks(const BlockRow& row, std::uint16_t* sums, std::uint8_t* out)
+{
+  HWY_DYNAMIC_DISPATCH(averageRow)(row, sums, out);
+}
+
+} // namespace kernels
+
+#endif
