@@ -25,6 +25,17 @@ void plainColumns(const BlockRow& row, std::size_t begin, std::uint16_t* sums)
   }
 }
 
+// Sums every two neighbouring columns of an even factor, for one channel, from pair `begin` on.
+void plainPairs(const BlockRow& row, std::size_t begin, std::uint16_t* sums)
+{
+  for (std::size_t i = begin; i < row.count * row.factor / 2; ++i) {
+    const std::uint8_t* p = row.source + 2 * i;
+    unsigned sum = 0;
+    for (std::size_t y = 0; y < row.factor; ++y, p += row.stride) sum += unsigned{p[0]} + p[1];
+    sums[i] = static_cast<std::uint16_t>(sum);
+  }
+}
+
 // Means from the sums of the columns, for any factor.
 //
 // Division by the area is multiplication with 2^42 / area, rounded up: exact, because the sum is below 2^25
@@ -92,6 +103,27 @@ void sumColumns(const BlockRow& row, std::uint16_t* sums)
   plainColumns(row, i, sums);
 }
 
+// The same for every two neighbouring columns: a lane of 16 bits holds two bytes.
+void sumPairs(const BlockRow& row, std::uint16_t* sums)
+{
+  const Sums d;
+  const hn::Repartition<std::uint8_t, Sums> bytes;
+  const std::size_t lanes = hn::Lanes(d);
+  const auto low = hn::Set(d, 0xff);
+  std::size_t i = 0;
+  for (; i + lanes <= row.count * row.factor / 2; i += lanes) {
+    const std::uint8_t* p = row.source + 2 * i;
+    auto even = hn::Zero(d), odd = hn::Zero(d);
+    for (std::size_t y = 0; y < row.factor; ++y, p += row.stride) {
+      const auto both = hn::BitCast(d, hn::LoadU(bytes, p));
+      even = hn::Add(even, hn::And(both, low));
+      odd = hn::Add(odd, hn::ShiftRight<8>(both));
+    }
+    hn::StoreU(hn::Add(even, odd), d, sums + i);
+  }
+  plainPairs(row, i, sums);
+}
+
 // Adds the right to the left of every two pixels, in place; a pixel is a lane of Pixel. Reads and writes
 // whole vectors, behind the last of `count` sums too.
 template <class Pixel>
@@ -123,25 +155,27 @@ void storeMeans(const std::uint16_t* sums, std::size_t count, int bits, std::uin
   for (; i < count; ++i) out[i] = static_cast<std::uint8_t>(sums[i] >> bits);
 }
 
+// Halves the row until a lane of Pixel holds the sum of a block.
 template <class Pixel>
-void halve(const BlockRow& row, int halvings, std::uint16_t* sums, std::uint8_t* out)
+void average(const BlockRow& row, int halvings, std::uint16_t* sums, std::uint8_t* out)
 {
-  for (int k = halvings - 1; k >= 0; --k) addNeighbours<Pixel>(sums, row.values() << k);
+  constexpr bool grey = sizeof(Pixel) == sizeof(*sums);
+  if (grey)
+    sumPairs(row, sums);
+  else
+    sumColumns(row, sums);
+  for (int k = halvings - (grey ? 2 : 1); k >= 0; --k) addNeighbours<Pixel>(sums, row.values() << k);
   storeMeans(sums, row.values(), 2 * halvings, out);
 }
 
 void averageRow(const BlockRow& row, std::uint16_t* sums, std::uint8_t* out)
 {
-  sumColumns(row, sums);
   const int halvings = halvingsOf(row.factor);
-  if (halvings > 0 && row.channels == 1)
-    halve<std::uint16_t>(row, halvings, sums, out);
-  else if (halvings > 0 && row.channels == 2)
-    halve<std::uint32_t>(row, halvings, sums, out);
-  else if (halvings > 0 && row.channels == 4)
-    halve<std::uint64_t>(row, halvings, sums, out);
-  else
-    plainMeans(row, sums, out);
+  if (halvings > 0 && row.channels == 1) return average<std::uint16_t>(row, halvings, sums, out);
+  if (halvings > 0 && row.channels == 2) return average<std::uint32_t>(row, halvings, sums, out);
+  if (halvings > 0 && row.channels == 4) return average<std::uint64_t>(row, halvings, sums, out);
+  sumColumns(row, sums);
+  plainMeans(row, sums, out);
 }
 
 #endif
