@@ -1,0 +1,340 @@
+// Reading rows of the grid out of the images of a pair, and their squared differences, as vector code that is
+// compiled for every instruction set and chosen at run time.
+
+#include "PairSide.h"
+
+#include "FixedWalk.h"
+
+#include <algorithm>
+#include <cstring>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "PairSide.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace kernels::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// Bytes of a row that are compared at a time: few enough for the fastest cache and for sums in 32 bits.
+constexpr int kChunk = 4096;
+constexpr int kSlack = 64;
+
+/// A place along a row of the grid in an image.
+struct Place {
+  std::uint32_t x, y;
+};
+
+HWY_INLINE Place placeOf(const PairSide& s, std::int64_t row, std::int64_t column)
+{
+  return {static_cast<std::uint32_t>(s.m.dx + row * s.m.m21 + column * s.m.m11),
+          static_cast<std::uint32_t>(s.m.dy + row * s.m.m22 + column * s.m.m12)};
+}
+
+HWY_INLINE const std::uint8_t* pixelAt(const PairSide& s, Place p)
+{
+  return s.pixels + std::int64_t{p.y >> 16} * s.stride + std::int64_t{p.x >> 16} * s.pixelBytes;
+}
+
+HWY_INLINE Place moved(const PairSide& s, Place p, int points)
+{
+  const auto n = static_cast<std::uint32_t>(points);
+  return {p.x + n * static_cast<std::uint32_t>(s.m.m11), p.y + n * static_cast<std::uint32_t>(s.m.m12)};
+}
+
+HWY_INLINE void fetchPlain(const PairSide& s, Place p, int n, std::uint8_t* out)
+{
+  for (int k = 0; k < n; ++k, p = moved(s, p, 1)) {
+    if (s.pixelBytes == 1)
+      out[k] = *pixelAt(s, p);
+    else
+      std::memcpy(out + 4 * std::ptrdiff_t{k}, pixelAt(s, p), 4);
+  }
+}
+
+#if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128
+
+HWY_INLINE void fetch(const PairSide& s, Place p, int n, std::uint8_t* out) { fetchPlain(s, p, n, out); }
+
+HWY_INLINE std::uint64_t sumOf(const std::uint8_t* a, const std::uint8_t* b, int n, bool colour)
+{
+  std::uint32_t sum = 0;
+  for (int k = 0; k < n; ++k) {
+    const int d = colour && k % 4 == 3 ? 0 : a[k] - b[k];
+    sum += static_cast<std::uint32_t>(d * d);
+  }
+  return sum;
+}
+
+/// The running sum of squared differences.
+class Sum {
+public:
+  void add(const std::uint8_t* a, const std::uint8_t* b, int n, bool colour)
+  {
+    m_sum += sumOf(a, b, n, colour);
+  }
+  std::uint64_t value() const { return m_sum; }
+
+private:
+  std::uint64_t m_sum = 0;
+};
+
+#else
+
+// The lowest column and row that a block of points touches; all of them lie in the image.
+struct Corner {
+  std::uint32_t x, y; // 16.16
+  std::uint32_t column() const { return x >> 16; }
+  std::uint32_t row() const { return y >> 16; }
+};
+
+HWY_INLINE Corner cornerOf(const PairSide& s, Place p)
+{
+  const Place last = moved(s, p, kPairBlock - 1);
+  return {s.m.m11 < 0 ? last.x : p.x, s.m.m12 < 0 ? last.y : p.y};
+}
+
+// Column + 16 * row of the points of a block, relative to its corner.
+template <class D>
+HWY_INLINE hn::Vec<hn::FixedTag<std::uint8_t, 16>> placesInBlock(D d, const PairSide& s, Corner corner)
+{
+  const hn::Rebind<std::uint8_t, D> d8;
+  const auto fractionX = hn::Set(d, static_cast<std::int16_t>(static_cast<int>(corner.x & 0xffff) - 32768));
+  const auto fractionY = hn::Set(d, static_cast<std::int16_t>(static_cast<int>(corner.y & 0xffff) - 32768));
+  const auto part = [&](std::size_t k) {
+    const auto columns =
+        hn::Add(hn::Load(d, s.place + k), hn::IfThenElseZero(hn::Gt(fractionX, hn::Load(d, s.carryX + k)),
+                                                             hn::Set(d, std::int16_t{1})));
+    return hn::DemoteTo(d8, hn::Add(columns, hn::IfThenElseZero(hn::Gt(fractionY, hn::Load(d, s.carryY + k)),
+                                                                hn::Set(d, std::int16_t{kPairBlock}))));
+  };
+  if constexpr (hn::MaxLanes(D()) == kPairBlock)
+    return part(0);
+  else
+    return hn::Combine(hn::FixedTag<std::uint8_t, 16>(), part(8), part(0));
+}
+
+// A block whose points lie within 16 columns of a few rows: 16 bytes of every row, and from each the points
+// that lie in it.
+HWY_INLINE bool fetchTurnedBlock(const PairSide& s, Place p, std::uint8_t* out)
+{
+  const Corner corner = cornerOf(s, p);
+  const int rows = std::min(s.blockRows, s.height - static_cast<int>(corner.row()));
+  const std::uint8_t* bytes = s.pixels + std::int64_t{corner.row()} * s.stride + corner.column();
+  if (s.end - bytes < (rows - 1) * s.stride + kPairBlock) return false;
+  constexpr hn::FixedTag<std::uint8_t, 16> d;
+  auto places = placesInBlock(hn::CappedTag<std::int16_t, kPairBlock>(), s, corner);
+  auto pixels = hn::Zero(d);
+  for (int r = 0; r < rows; ++r, bytes += s.stride) {
+    // In another row than this one the sum passes 127, which looks up a zero.
+    const auto index = hn::SaturatedAdd(places, hn::Set(d, std::uint8_t{0x70}));
+    pixels = hn::Or(pixels, hn::TableLookupBytesOr0(hn::LoadU(d, bytes), index));
+    places = hn::Sub(places, hn::Set(d, std::uint8_t{kPairBlock}));
+  }
+  hn::StoreU(pixels, d, out);
+  return true;
+}
+
+// Gathers look up one word of 32 bits a point.
+constexpr bool kGathers = HWY_TARGET != HWY_SSSE3 && HWY_TARGET != HWY_SSE4;
+
+HWY_INLINE bool gatherBlock(const PairSide& s, Place p, std::uint8_t* out)
+{
+  const hn::CappedTag<std::uint32_t, kPairBlock> d;
+  const hn::RebindToSigned<decltype(d)> di;
+  const Corner corner = cornerOf(s, p);
+  const std::uint8_t* const bytes = s.pixels + std::int64_t{corner.row()} * s.stride;
+  const Place last = moved(s, p, kPairBlock - 1);
+  // The word of the point that lies furthest on, wherever it stands in its row.
+  if (s.pixelBytes == 1 && s.end - s.pixels < std::int64_t{std::max(p.y, last.y) >> 16} * s.stride +
+                                                  (std::max(p.x, last.x) >> 16) + 4)
+    return false;
+  const auto stepX = hn::Set(d, static_cast<std::uint32_t>(s.m.m11));
+  const auto stepY = hn::Set(d, static_cast<std::uint32_t>(s.m.m12));
+  for (std::uint32_t k = 0; k < kPairBlock; k += static_cast<std::uint32_t>(hn::Lanes(d))) {
+    const auto point = hn::Iota(d, k);
+    const auto column = hn::ShiftRight<16>(hn::Add(hn::Set(d, p.x), hn::Mul(point, stepX)));
+    const auto row = hn::Sub(hn::ShiftRight<16>(hn::Add(hn::Set(d, p.y), hn::Mul(point, stepY))),
+                             hn::Set(d, corner.row()));
+    const auto width = hn::Set(d, static_cast<std::uint32_t>(s.stride));
+    if (s.pixelBytes == 1) {
+      const auto offset = hn::BitCast(di, hn::Add(hn::Mul(row, width), column));
+      const auto words = hn::GatherOffset(d, reinterpret_cast<const std::uint32_t*>(bytes), offset);
+      hn::StoreU(hn::U8FromU32(hn::And(words, hn::Set(d, 255u))), hn::Rebind<std::uint8_t, decltype(d)>(),
+                 out + k);
+    } else {
+      const auto offset = hn::BitCast(di, hn::Add(hn::Mul(row, width), hn::ShiftLeft<2>(column)));
+      const auto words = hn::GatherOffset(d, reinterpret_cast<const std::uint32_t*>(bytes), offset);
+      hn::StoreU(words, d, reinterpret_cast<std::uint32_t*>(out) + k);
+    }
+  }
+  return true;
+}
+
+HWY_INLINE void fetchBlock(const PairSide& s, Place p, std::uint8_t* out)
+{
+  if (s.path == PairSide::Path::Turned && fetchTurnedBlock(s, p, out)) return;
+  if (kGathers && s.path == PairSide::Path::Gathered && gatherBlock(s, p, out)) return;
+  fetchPlain(s, p, kPairBlock, out);
+}
+
+HWY_INLINE void fetch(const PairSide& s, Place p, int n, std::uint8_t* out)
+{
+  if (n < kPairBlock) return fetchPlain(s, p, n, out);
+  for (int k = 0; k + kPairBlock <= n; k += kPairBlock) fetchBlock(s, moved(s, p, k), out + k * s.pixelBytes);
+  // The last block reaches back into the one before.
+  if (n % kPairBlock)
+    fetchBlock(s, moved(s, p, n - kPairBlock), out + std::ptrdiff_t{n - kPairBlock} * s.pixelBytes);
+}
+
+/// The running sum of squared differences.
+class Sum {
+public:
+  HWY_INLINE Sum() : m_sum(hn::Zero(D64())) {}
+  /// Adds those of n bytes, at most kChunk; a vector may be read behind the last of them.
+  HWY_INLINE void add(const std::uint8_t* a, const std::uint8_t* b, int n, bool colour)
+  {
+    const hn::RebindToSigned<hn::Repartition<std::int32_t, D8>> d32;
+    const auto counted =
+        hn::BitCast(D8(), hn::Set(hn::RebindToUnsigned<decltype(d32)>(), colour ? 0x00ffffffu : 0xffffffffu));
+    auto even = hn::Zero(d32), odd = hn::Zero(d32);
+    const auto size = static_cast<int>(hn::Lanes(D8()));
+    int k = 0;
+    for (; k + size <= n; k += size) addVector(hn::And(difference(a + k, b + k), counted), even, odd);
+    if (k < n) {
+      const auto wanted = hn::FirstN(D8(), static_cast<std::size_t>(n - k));
+      addVector(hn::And(hn::IfThenElseZero(wanted, difference(a + k, b + k)), counted), even, odd);
+    }
+    const auto both = hn::BitCast(D64(), hn::Add(even, odd));
+    m_sum = hn::Add(m_sum, hn::Add(hn::And(both, hn::Set(D64(), 0xffffffffull)), hn::ShiftRight<32>(both)));
+  }
+  HWY_INLINE std::uint64_t value() const { return hn::GetLane(hn::SumOfLanes(D64(), m_sum)); }
+
+private:
+  using D8 = hn::ScalableTag<std::uint8_t>;
+  using D64 = hn::ScalableTag<std::uint64_t>;
+
+  static HWY_INLINE hn::Vec<D8> difference(const std::uint8_t* a, const std::uint8_t* b)
+  {
+    const auto va = hn::LoadU(D8(), a);
+    const auto vb = hn::LoadU(D8(), b);
+    return hn::Or(hn::SaturatedSub(va, vb), hn::SaturatedSub(vb, va));
+  }
+  template <class V>
+  static HWY_INLINE void addVector(hn::Vec<D8> bytes, V& even, V& odd)
+  {
+    const hn::Repartition<std::int16_t, D8> d16;
+    const hn::RebindToUnsigned<decltype(d16)> du16;
+    const hn::Repartition<std::int32_t, D8> d32;
+    const auto words = hn::BitCast(du16, bytes);
+    const auto low = hn::BitCast(d16, hn::And(words, hn::Set(du16, std::uint16_t{255})));
+    const auto high = hn::BitCast(d16, hn::ShiftRight<8>(words));
+    // What does not fit into the first sum goes to the second; both are added up in the end.
+    even = hn::ReorderWidenMulAccumulate(d32, low, low, even, odd);
+    odd = hn::ReorderWidenMulAccumulate(d32, high, high, odd, even);
+  }
+
+  hn::Vec<D64> m_sum;
+};
+
+#endif
+
+/// n pixels of a row of the grid, side by side and with room behind them; from the image itself where they
+/// lie so already.
+HWY_INLINE const std::uint8_t* pixelsOf(const PairSide& s, Place p, int n, std::uint8_t* buffer)
+{
+  const std::ptrdiff_t bytes = std::ptrdiff_t{n} * s.pixelBytes;
+  if (s.path != PairSide::Path::Row) {
+    fetch(s, p, n, buffer);
+    return buffer;
+  }
+  const std::uint8_t* const pixels = pixelAt(s, p);
+  if (s.end - pixels >= bytes + kSlack) return pixels;
+  std::memcpy(buffer, pixels, static_cast<std::size_t>(bytes));
+  return buffer;
+}
+
+std::uint64_t sumRows(const PairSide& a, const PairSide& b, const RowSpan* spans, int rowBegin, int rowEnd)
+{
+  alignas(64) std::uint8_t bufferA[kChunk + kSlack];
+  alignas(64) std::uint8_t bufferB[kChunk + kSlack];
+  const int chunk = kChunk / a.pixelBytes;
+  Sum sum;
+  for (int row = rowBegin; row < rowEnd; ++row) {
+    const RowSpan span = spans[row - rowBegin];
+    for (int column = span.begin; column < span.end; column += chunk) {
+      const int n = std::min(chunk, span.end - column);
+      const std::uint8_t* const pa = pixelsOf(a, placeOf(a, row, column), n, bufferA);
+      const std::uint8_t* const pb = pixelsOf(b, placeOf(b, row, column), n, bufferB);
+      sum.add(pa, pb, n * a.pixelBytes, a.pixelBytes == 4);
+    }
+  }
+  return sum.value();
+}
+
+void fetchRow(const PairSide& s, int row, RowSpan span, std::uint8_t* out)
+{
+  const Place p = placeOf(s, row, span.begin);
+  if (s.path == PairSide::Path::Row)
+    std::memcpy(out, pixelAt(s, p),
+                static_cast<std::size_t>(span.size()) * static_cast<std::size_t>(s.pixelBytes));
+  else
+    fetch(s, p, span.size(), out);
+}
+
+} // namespace kernels::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace kernels {
+
+namespace {
+
+HWY_EXPORT(sumRows);
+HWY_EXPORT(fetchRow);
+
+// Rows that a block of points may touch until looking up every point by itself becomes faster.
+constexpr std::int64_t kMostBlockRows = 8;
+
+} // namespace
+
+PairSide::PairSide(const PairImage& image, const Affine16& mapping, int channels)
+  : pixels(image.pixels), stride(std::int64_t{image.width} * (channels == 4 ? 4 : 1)), width(image.width),
+    height(image.height), pixelBytes(channels == 4 ? 4 : 1), m(mapping)
+{
+  end = pixels + stride * height;
+  if (m.m11 == 65536 && m.m12 == 0) return;
+  path = Path::Plain;
+  constexpr std::int64_t last = kPairBlock - 1;
+  const std::int64_t stepX = m.m11 < 0 ? -m.m11 : m.m11;
+  const std::int64_t stepY = m.m12 < 0 ? -m.m12 : m.m12;
+  if (stepX > 65536 || stepY > 65536) return;
+  path = Path::Gathered;
+  const std::int64_t rows = 1 + ((last * stepY + 65535) >> 16);
+  if (pixelBytes != 1 || rows > kMostBlockRows) return;
+  path = Path::Turned;
+  blockRows = static_cast<int>(rows);
+  for (std::int64_t k = 0; k <= last; ++k) {
+    const std::int64_t x = (m.m11 < 0 ? last - k : k) * stepX;
+    const std::int64_t y = (m.m12 < 0 ? last - k : k) * stepY;
+    place[k] = static_cast<std::int16_t>((x >> 16) + kPairBlock * (y >> 16));
+    carryX[k] = static_cast<std::int16_t>(32767 - (x & 0xffff));
+    carryY[k] = static_cast<std::int16_t>(32767 - (y & 0xffff));
+  }
+}
+
+std::uint64_t sumPairRows(const PairSide& a, const PairSide& b, const RowSpan* spans, int rowBegin,
+                          int rowEnd)
+{
+  return HWY_DYNAMIC_DISPATCH(sumRows)(a, b, spans, rowBegin, rowEnd);
+}
+
+void fetchPairRow(const PairSide& side, int row, RowSpan span, std::uint8_t* out)
+{
+  HWY_DYNAMIC_DISPATCH(fetchRow)(side, row, span, out);
+}
+
+} // namespace kernels
+#endif
