@@ -96,45 +96,103 @@ HWY_INLINE Corner cornerOf(const PairSide& s, Place p)
   return {s.m.m11 < 0 ? last.x : p.x, s.m.m12 < 0 ? last.y : p.y};
 }
 
-// Column + 16 * row of the points of a block, relative to its corner.
-template <class D>
-HWY_INLINE hn::Vec<hn::FixedTag<std::uint8_t, 16>> placesInBlock(D d, const PairSide& s, Corner corner)
-{
-  const hn::Rebind<std::uint8_t, D> d8;
-  const auto fractionX = hn::Set(d, static_cast<std::int16_t>(static_cast<int>(corner.x & 0xffff) - 32768));
-  const auto fractionY = hn::Set(d, static_cast<std::int16_t>(static_cast<int>(corner.y & 0xffff) - 32768));
-  const auto part = [&](std::size_t k) {
-    const auto columns =
-        hn::Add(hn::Load(d, s.place + k), hn::IfThenElseZero(hn::Gt(fractionX, hn::Load(d, s.carryX + k)),
-                                                             hn::Set(d, std::int16_t{1})));
-    return hn::DemoteTo(d8, hn::Add(columns, hn::IfThenElseZero(hn::Gt(fractionY, hn::Load(d, s.carryY + k)),
-                                                                hn::Set(d, std::int16_t{kPairBlock}))));
+/// Looks up blocks of points that lie within 16 columns of at most `Rows` rows each: 16 bytes of every row,
+/// and from each the points that lie in it.
+template <int Rows>
+class TurnedBlocks {
+public:
+  HWY_INLINE explicit TurnedBlocks(const PairSide& s)
+    : m_pixels(s.pixels), m_end(s.end), m_stride(s.stride), m_height(s.height), m_place(Places::of(s.place)),
+      m_carryX(Places::of(s.carryX)), m_carryY(Places::of(s.carryY))
+  {
+  }
+
+  /// False where 16 bytes of a row would not all be there.
+  HWY_INLINE bool fetch(Corner corner, std::uint8_t* out) const
+  {
+    const std::uint8_t* bytes = m_pixels + std::int64_t{corner.row()} * m_stride + corner.column();
+    if (m_end - bytes >= (Rows - 1) * m_stride + kPairBlock) return store(places(corner), Rows, bytes, out);
+    // Near the last row there may be fewer.
+    const int rows = std::min(Rows, m_height - static_cast<int>(corner.row()));
+    if (m_end - bytes < (rows - 1) * m_stride + kPairBlock) return false;
+    return store(places(corner), rows, bytes, out);
+  }
+
+private:
+  using D8 = hn::FixedTag<std::uint8_t, kPairBlock>;
+  using D16 = hn::CappedTag<std::int16_t, kPairBlock>;
+
+  /// 16 numbers in one vector or in two.
+  struct Places {
+    static HWY_INLINE Places of(const std::int16_t* v)
+    {
+      return {hn::Load(D16(), v), hn::Load(D16(), v + kPairBlock - hn::MaxLanes(D16()))};
+    }
+    hn::Vec<D16> first, last;
   };
-  if constexpr (hn::MaxLanes(D()) == kPairBlock)
-    return part(0);
-  else
-    return hn::Combine(hn::FixedTag<std::uint8_t, 16>(), part(8), part(0));
+
+  // Column + 16 * row of points, relative to the corner of their block.
+  static HWY_INLINE auto placesOf(hn::Vec<D16> place, hn::Vec<D16> carryX, hn::Vec<D16> carryY,
+                                  hn::Vec<D16> x, hn::Vec<D16> y)
+  {
+    const auto right = hn::IfThenElseZero(hn::Gt(x, carryX), hn::Set(D16(), std::int16_t{1}));
+    const auto down = hn::IfThenElseZero(hn::Gt(y, carryY), hn::Set(D16(), std::int16_t{kPairBlock}));
+    return hn::DemoteTo(hn::Rebind<std::uint8_t, D16>(), hn::Add(hn::Add(place, right), down));
+  }
+
+  template <class D = D16>
+  HWY_INLINE hn::Vec<D8> places(Corner corner) const
+  {
+    const auto x = hn::Set(D(), static_cast<std::int16_t>((corner.x & 0xffff) ^ 0x8000));
+    const auto y = hn::Set(D(), static_cast<std::int16_t>((corner.y & 0xffff) ^ 0x8000));
+    const auto first = placesOf(m_place.first, m_carryX.first, m_carryY.first, x, y);
+    if constexpr (hn::MaxLanes(D()) == kPairBlock)
+      return first;
+    else
+      return hn::Combine(D8(), placesOf(m_place.last, m_carryX.last, m_carryY.last, x, y), first);
+  }
+
+  HWY_INLINE bool store(hn::Vec<D8> places, int rows, const std::uint8_t* bytes, std::uint8_t* out) const
+  {
+    auto pixels = hn::Zero(D8());
+    for (int r = 0; r < rows; ++r, bytes += m_stride) {
+      // In another row than this one the sum passes 127, which looks up a zero.
+      const auto index = hn::SaturatedAdd(places, hn::Set(D8(), std::uint8_t{0x70}));
+      pixels = hn::Or(pixels, hn::TableLookupBytesOr0(hn::LoadU(D8(), bytes), index));
+      places = hn::Sub(places, hn::Set(D8(), std::uint8_t{kPairBlock}));
+    }
+    hn::StoreU(pixels, D8(), out);
+    return true;
+  }
+
+  const std::uint8_t* m_pixels;
+  const std::uint8_t* m_end;
+  std::int64_t m_stride;
+  int m_height;
+  Places m_place, m_carryX, m_carryY;
+};
+
+/// Calls block(offset) for blocks that together cover n points, at least one block; the last reaches back
+/// into the one before.
+template <class Block>
+HWY_INLINE void forBlocks(int n, const Block& block)
+{
+  for (int k = 0; k + kPairBlock <= n; k += kPairBlock) block(k);
+  if (n % kPairBlock) block(n - kPairBlock);
 }
 
-// A block whose points lie within 16 columns of a few rows: 16 bytes of every row, and from each the points
-// that lie in it.
-HWY_INLINE bool fetchTurnedBlock(const PairSide& s, Place p, std::uint8_t* out)
+template <int Rows>
+HWY_INLINE void fetchTurned(const PairSide& s, Place p, int n, std::uint8_t* out)
 {
-  const Corner corner = cornerOf(s, p);
-  const int rows = std::min(s.blockRows, s.height - static_cast<int>(corner.row()));
-  const std::uint8_t* bytes = s.pixels + std::int64_t{corner.row()} * s.stride + corner.column();
-  if (s.end - bytes < (rows - 1) * s.stride + kPairBlock) return false;
-  constexpr hn::FixedTag<std::uint8_t, 16> d;
-  auto places = placesInBlock(hn::CappedTag<std::int16_t, kPairBlock>(), s, corner);
-  auto pixels = hn::Zero(d);
-  for (int r = 0; r < rows; ++r, bytes += s.stride) {
-    // In another row than this one the sum passes 127, which looks up a zero.
-    const auto index = hn::SaturatedAdd(places, hn::Set(d, std::uint8_t{0x70}));
-    pixels = hn::Or(pixels, hn::TableLookupBytesOr0(hn::LoadU(d, bytes), index));
-    places = hn::Sub(places, hn::Set(d, std::uint8_t{kPairBlock}));
-  }
-  hn::StoreU(pixels, d, out);
-  return true;
+  const TurnedBlocks<Rows> blocks(s);
+  const Place corner{cornerOf(s, p).x, cornerOf(s, p).y};
+  const auto stepX = static_cast<std::uint32_t>(s.m.m11);
+  const auto stepY = static_cast<std::uint32_t>(s.m.m12);
+  forBlocks(n, [&](int k) HWY_ATTR {
+    const auto points = static_cast<std::uint32_t>(k);
+    if (!blocks.fetch({corner.x + points * stepX, corner.y + points * stepY}, out + k))
+      fetchPlain(s, {p.x + points * stepX, p.y + points * stepY}, kPairBlock, out + k);
+  });
 }
 
 // Gathers look up one word of 32 bits a point.
@@ -173,20 +231,25 @@ HWY_INLINE bool gatherBlock(const PairSide& s, Place p, std::uint8_t* out)
   return true;
 }
 
-HWY_INLINE void fetchBlock(const PairSide& s, Place p, std::uint8_t* out)
+HWY_INLINE void fetchGathered(const PairSide& s, Place p, int n, std::uint8_t* out)
 {
-  if (s.path == PairSide::Path::Turned && fetchTurnedBlock(s, p, out)) return;
-  if (kGathers && s.path == PairSide::Path::Gathered && gatherBlock(s, p, out)) return;
-  fetchPlain(s, p, kPairBlock, out);
+  forBlocks(n, [&](int k) HWY_ATTR {
+    std::uint8_t* const to = out + std::ptrdiff_t{k} * s.pixelBytes;
+    if (!gatherBlock(s, moved(s, p, k), to)) fetchPlain(s, moved(s, p, k), kPairBlock, to);
+  });
 }
 
 HWY_INLINE void fetch(const PairSide& s, Place p, int n, std::uint8_t* out)
 {
-  if (n < kPairBlock) return fetchPlain(s, p, n, out);
-  for (int k = 0; k + kPairBlock <= n; k += kPairBlock) fetchBlock(s, moved(s, p, k), out + k * s.pixelBytes);
-  // The last block reaches back into the one before.
-  if (n % kPairBlock)
-    fetchBlock(s, moved(s, p, n - kPairBlock), out + std::ptrdiff_t{n - kPairBlock} * s.pixelBytes);
+  if (n < kPairBlock || s.path == PairSide::Path::Plain) return fetchPlain(s, p, n, out);
+  if (s.path == PairSide::Path::Gathered)
+    return kGathers ? fetchGathered(s, p, n, out) : fetchPlain(s, p, n, out);
+  if (s.blockRows <= 2) return fetchTurned<2>(s, p, n, out);
+  if (s.blockRows <= 3) return fetchTurned<3>(s, p, n, out);
+  if (s.blockRows <= 4) return fetchTurned<4>(s, p, n, out);
+  if (s.blockRows <= 6) return fetchTurned<6>(s, p, n, out);
+  if (s.blockRows <= 8) return fetchTurned<8>(s, p, n, out);
+  fetchTurned<12>(s, p, n, out);
 }
 
 /// The running sum of squared differences.
@@ -296,7 +359,7 @@ HWY_EXPORT(sumRows);
 HWY_EXPORT(fetchRow);
 
 // Rows that a block of points may touch until looking up every point by itself becomes faster.
-constexpr std::int64_t kMostBlockRows = 8;
+constexpr std::int64_t kMostBlockRows = 12;
 
 } // namespace
 
