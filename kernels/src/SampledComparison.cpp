@@ -15,8 +15,6 @@ namespace kernels {
 
 namespace {
 
-constexpr int kBandRows = 8;
-
 // A step that visits n bands in an order spread over all of them, each once: without a common divisor with n,
 // and near the golden section.
 int spreadStep(int n)
@@ -46,7 +44,7 @@ void SampledComparison::start(const SampledReference& reference, const PairImage
   clipToImage(image, m, 0, rows, m_spans.get());
   m_count = countOf(m_spans.get(), rows);
   *m_side = PairSide(image, m, reference.channels());
-  const int bands = (rows + kBandRows - 1) / kBandRows;
+  const int bands = rows > 0 ? reference.bands() : 0;
   if (bands != m_bands) m_bandStep = spreadStep(bands);
   m_bands = bands;
   m_squares = 0;
@@ -55,14 +53,14 @@ void SampledComparison::start(const SampledReference& reference, const PairImage
 std::uint64_t SampledComparison::sumOfBand(int place) const
 {
   const auto band = static_cast<int>(std::int64_t{place} * m_bandStep % m_bands);
-  const int rowBegin = band * kBandRows;
-  const int rowEnd = std::min(rowBegin + kBandRows, m_reference->gridHeight());
+  const int rowBegin = band * SampledReference::bandRows;
+  const int rowEnd = std::min(rowBegin + SampledReference::bandRows, m_reference->gridHeight());
   return sumPairRows(m_reference->side(), *m_side, m_spans.get() + rowBegin, rowBegin, rowEnd);
 }
 
 std::uint64_t SampledComparison::add(int begin, int end, std::uint64_t limit)
 {
-  const int grain = rowGrain(m_reference->gridWidth() * kBandRows);
+  const int grain = rowGrain(m_reference->gridWidth() * SampledReference::bandRows);
   if (end - begin <= grain) {
     for (int place = begin; place < end && m_squares < limit; ++place) m_squares += sumOfBand(place);
     return m_squares;

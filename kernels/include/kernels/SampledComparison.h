@@ -9,7 +9,7 @@ namespace kernels {
 
 /// Compares placements of an image with a sampled reference, one after the other, and can be given up early.
 ///
-/// The number of points that count is known before any pixel is read. The rows are visited in bands of 8 that
+/// The number of points that count is known before any pixel is read. The rows are visited in bands that
 /// spread over the grid from the beginning, so that a bad placement shows soon. Squares are integers: neither
 /// the order nor the number of threads can change a sum.
 class SampledComparison {

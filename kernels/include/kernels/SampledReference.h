@@ -15,6 +15,9 @@ struct PairSide;
 /// image can be compared with it (see SampledComparison) and only that other image is walked over.
 class SampledReference {
 public:
+  /// Rows of a band, the unit in which comparisons are made.
+  static constexpr int bandRows = 8;
+
   SampledReference();
   ~SampledReference();
   SampledReference(const SampledReference&) = delete;
@@ -30,9 +33,9 @@ public:
 
   int gridWidth() const noexcept { return m_gridWidth; }
   int gridHeight() const noexcept { return m_gridHeight; }
+  int bands() const noexcept { return (m_gridHeight + bandRows - 1) / bandRows; }
   int channels() const noexcept { return m_channels; }
-  /// The columns of a row of the grid that lie in the image.
-  RowSpan span(int row) const noexcept { return m_spans[static_cast<std::size_t>(row)]; }
+  /// The columns of every row of the grid that lie in the image.
   const RowSpan* spans() const noexcept { return m_spans.get(); }
   /// The sampled image; valid until the next call of sample().
   const PairSide& side() const noexcept { return *m_side; }
