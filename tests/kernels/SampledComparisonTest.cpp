@@ -1,0 +1,3 @@
+#include "kernels/SampledComparison.h"
+
+#include <gtest/gtest.h>
