@@ -3,6 +3,7 @@
 #include "AlignmentQuality.h"
 #include "LeastSquaresSearch.h"
 
+#include "reference/PlainBlockAverage.h"
 #include "reference/PlainPairDifference.h"
 
 #include <array>
@@ -21,18 +22,9 @@ struct PlainImage {
   PlainImage reduced(int f) const
   {
     PlainImage out{width / f, height / f, channels};
-    for (int y = 0; y < out.height; ++y)
-      for (int x = 0; x < out.width; ++x)
-        for (int c = 0; c < channels; ++c) {
-          std::int64_t sum = 0;
-          for (int j = y * f; j < (y + 1) * f; ++j)
-            for (int i = x * f; i < (x + 1) * f; ++i)
-              sum += bytes[(static_cast<std::size_t>(j) * static_cast<std::size_t>(width) +
-                            static_cast<std::size_t>(i)) *
-                               static_cast<std::size_t>(channels) +
-                           static_cast<std::size_t>(c)];
-          out.bytes.push_back(static_cast<std::uint8_t>(sum / (std::int64_t{f} * f)));
-        }
+    out.bytes.resize(static_cast<std::size_t>(out.width) * static_cast<std::size_t>(out.height) *
+                     static_cast<std::size_t>(channels));
+    plainBlockAverage(bytes.data(), width, height, channels, f, out.bytes.data());
     return out;
   }
 };

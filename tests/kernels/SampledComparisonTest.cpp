@@ -1,3 +1,0 @@
-#include "kernels/SampledComparison.h"
-
-#include <gtest/gtest.h>
