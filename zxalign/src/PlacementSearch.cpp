@@ -26,6 +26,20 @@ int bandsOf(std::uint64_t points, int width)
   return static_cast<int>(std::max<std::uint64_t>(1, points / std::max<std::uint64_t>(1, perBand)));
 }
 
+/// Calls f(k) for k = 0 ... n - 1, by several threads where the points that each is about are worth it.
+template <class F>
+void forTasks(std::size_t n, std::uint64_t pointsOfEach, const F& f)
+{
+  const auto some = [&](int begin, int end) {
+    for (int k = begin; k < end; ++k) f(static_cast<std::size_t>(k));
+  };
+  const std::uint64_t perTask = 1 + pointsPerTask / pointsOfEach;
+  if (n <= perTask)
+    some(0, static_cast<int>(n));
+  else
+    kernels::forRows(0, static_cast<int>(n), static_cast<int>(perTask), some);
+}
+
 } // namespace
 
 // Qualities are not negative, so their bits rise with them; equal ones are told apart by the rank, which
@@ -66,7 +80,7 @@ std::optional<PlacementSearch::Found> PlacementSearch::Best::found() const
 bool PlacementSearch::reserve(int width, int height, int channels)
 {
   m_slots.resize(1);
-  return m_reference.reserve(width, height, channels) && m_slots.front().reserve(height);
+  return m_reference.reserve(width, height, channels) && m_slots.front().comparison.reserve(height);
 }
 
 void PlacementSearch::setPair(const ImagePair& pair, const SliceXForm& reference)
@@ -74,6 +88,7 @@ void PlacementSearch::setPair(const ImagePair& pair, const SliceXForm& reference
   m_pair = pair;
   m_reference.sample({pair.reference, pair.width, pair.height}, inverse16(reference, pair.width, pair.height),
                      pair.width, pair.height, pair.channels);
+  m_compared.clear();
   makeSlots();
 }
 
@@ -90,7 +105,7 @@ void PlacementSearch::makeSlots()
   m_slots.resize(1);
   while (m_slots.size() < wanted) {
     m_slots.emplace_back();
-    if (m_slots.back().reserve(m_pair.height)) continue;
+    if (m_slots.back().comparison.reserve(m_pair.height)) continue;
     m_slots.pop_back();
     break;
   }
@@ -101,17 +116,21 @@ float PlacementSearch::qualityOf(std::uint64_t squares, std::uint64_t count) con
   return alignmentQuality({squares, count}, m_pair.channels, points());
 }
 
-void PlacementSearch::start(kernels::SampledComparison& comparison, const SliceXForm& editable) const
+void PlacementSearch::start(Slot& slot, const SliceXForm& editable) const
 {
-  comparison.start(m_reference, {m_pair.editable, m_pair.width, m_pair.height},
-                   inverse16(editable, m_pair.width, m_pair.height));
+  slot.mapping = inverse16(editable, m_pair.width, m_pair.height);
+  slot.isNew = !m_compared.contains(slot.mapping);
+  if (slot.isNew)
+    slot.comparison.start(m_reference, {m_pair.editable, m_pair.width, m_pair.height}, slot.mapping);
 }
 
 float PlacementSearch::qualityOf(const SliceXForm& editable)
 {
-  kernels::SampledComparison& comparison = m_slots.front();
-  start(comparison, editable);
-  return qualityOf(comparison.add(0, comparison.bands()), comparison.count());
+  Slot& slot = m_slots.front();
+  start(slot, editable);
+  if (!slot.isNew)
+    slot.comparison.start(m_reference, {m_pair.editable, m_pair.width, m_pair.height}, slot.mapping);
+  return qualityOf(slot.comparison.add(0, slot.comparison.bands()), slot.comparison.count());
 }
 
 std::optional<PlacementSearch::Found> PlacementSearch::findBest(Placements placements, float least,
@@ -119,39 +138,32 @@ std::optional<PlacementSearch::Found> PlacementSearch::findBest(Placements place
 {
   Best best(least);
   for (std::size_t begin = 0; begin < placements.size(); begin += m_slots.size()) {
-    const std::size_t end = std::min(begin + m_slots.size(), placements.size());
-    if (stop() || !compareBatch(placements, begin, end, best, stop)) break;
+    const std::size_t n = std::min(m_slots.size(), placements.size() - begin);
+    if (stop() || !compareBatch(placements.subspan(begin, n), begin, best, stop)) break;
+    for (std::size_t k = 0; k < n; ++k) m_compared.insert(m_slots[k].mapping);
   }
   return best.found();
 }
 
 // A batch is one piece of work unless it is a single large placement, which is cut into several.
-bool PlacementSearch::compareBatch(Placements placements, std::size_t begin, std::size_t end, Best& best,
+bool PlacementSearch::compareBatch(Placements placements, std::size_t firstIndex, Best& best,
                                    const StopQuery& stop)
 {
-  const int bands = m_reference.bands();
   const int bandsPerPiece = bandsOf(pointsPerPiece, m_pair.width);
-  for (int band = 0; band < bands; band += bandsPerPiece) {
+  for (int band = 0; band < m_reference.bands(); band += bandsPerPiece) {
     if (band > 0 && stop()) return false;
-    const int bandEnd = std::min(band + bandsPerPiece, bands);
-    const auto compare = [&](int first, int last) {
-      for (auto k = static_cast<std::size_t>(first); k < static_cast<std::size_t>(last); ++k)
-        compareBands(m_slots[k], placements[begin + k], begin + k, band, bandEnd, best);
-    };
-    const int n = static_cast<int>(end - begin);
-    const int perTask = static_cast<int>(std::min(largestBatch, 1 + std::size_t{pointsPerTask / points()}));
-    if (n <= perTask)
-      compare(0, n);
-    else
-      kernels::forRows(0, n, perTask, compare);
+    const int bandEnd = std::min(band + bandsPerPiece, m_reference.bands());
+    forTasks(placements.size(), points(), [&](std::size_t k) {
+      if (band == 0) start(m_slots[k], placements[k]);
+      if (m_slots[k].isNew) compareBands(m_slots[k].comparison, firstIndex + k, band, bandEnd, best);
+    });
   }
   return true;
 }
 
-void PlacementSearch::compareBands(kernels::SampledComparison& comparison, const SliceXForm& placement,
-                                   std::size_t index, int bandBegin, int bandEnd, Best& best) const
+void PlacementSearch::compareBands(kernels::SampledComparison& comparison, std::size_t index, int bandBegin,
+                                   int bandEnd, Best& best) const
 {
-  if (bandBegin == 0) start(comparison, placement);
   const std::uint64_t count = comparison.count();
   const std::uint64_t limit = limitOf(count, index, best);
   const std::uint64_t squares = comparison.add(bandBegin, bandEnd, limit);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "MappingSet.h"
 #include "kernels/SampledComparison.h"
 #include "zxalign/SliceXForm.h"
 
@@ -44,8 +45,10 @@ public:
   /// The quality of one placement of the editable image, as ZxAlignSlices::computeQuality() gives it.
   float qualityOf(const SliceXForm& editable);
 
-  /// The best of some placements if its quality exceeds `least`; of equal ones the first. A stop ends it
-  /// early: then only placements compared so far are taken into account.
+  /// The best of some placements if its quality exceeds `least`; of equal ones the first. `least` is a
+  /// quality that findBest() or qualityOf() gave for this pair, and not lower from call to call: what was
+  /// compared before has not exceeded it and is not compared again. A stop ends it early: then only
+  /// placements compared so far are taken into account.
   std::optional<Found> findBest(std::span<const SliceXForm> placements, float least, const StopQuery& stop);
 
 private:
@@ -65,19 +68,25 @@ private:
     std::atomic<std::uint64_t> m_key;
   };
 
+  /// A placement of a batch while it is compared.
+  struct Slot {
+    kernels::SampledComparison comparison;
+    kernels::Affine16 mapping;
+    bool isNew = true; // false: compared before
+  };
   using Placements = std::span<const SliceXForm>;
 
   std::uint64_t points() const;
   void makeSlots();
-  bool compareBatch(Placements placements, std::size_t begin, std::size_t end, Best& best,
-                    const StopQuery& stop);
-  void compareBands(kernels::SampledComparison& comparison, const SliceXForm& placement, std::size_t index,
-                    int bandBegin, int bandEnd, Best& best) const;
+  void start(Slot& slot, const SliceXForm& editable) const;
+  bool compareBatch(Placements placements, std::size_t firstIndex, Best& best, const StopQuery& stop);
+  void compareBands(kernels::SampledComparison& comparison, std::size_t index, int bandBegin, int bandEnd,
+                    Best& best) const;
   std::uint64_t limitOf(std::uint64_t count, std::size_t index, const Best& best) const;
   float qualityOf(std::uint64_t squares, std::uint64_t count) const;
-  void start(kernels::SampledComparison& comparison, const SliceXForm& editable) const;
 
   ImagePair m_pair;
   kernels::SampledReference m_reference;
-  std::vector<kernels::SampledComparison> m_slots; // one for every placement of a batch
+  std::vector<Slot> m_slots; // one for every placement of a batch
+  MappingSet m_compared;     // of this pair
 };
