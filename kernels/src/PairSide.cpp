@@ -44,7 +44,7 @@ HWY_INLINE Place moved(const PairSide& s, Place p, int points)
   return {p.x + n * static_cast<std::uint32_t>(s.m.m11), p.y + n * static_cast<std::uint32_t>(s.m.m12)};
 }
 
-HWY_INLINE void fetchPlain(const PairSide& s, Place p, int n, std::uint8_t* out)
+HWY_NOINLINE void fetchPlain(const PairSide& s, Place p, int n, std::uint8_t* out)
 {
   for (int k = 0; k < n; ++k, p = moved(s, p, 1)) {
     if (s.pixelBytes == 1)
@@ -97,69 +97,88 @@ HWY_INLINE Corner cornerOf(const PairSide& s, Place p)
 }
 
 /// Looks up blocks of points that lie within 16 columns of at most `Rows` rows each: 16 bytes of every row,
-/// and from each the points that lie in it.
-template <int Rows>
+/// and from each the points that lie in it. Takes as many blocks at a time as fit into a vector.
+template <int Rows, int Blocks>
 class TurnedBlocks {
 public:
-  HWY_INLINE explicit TurnedBlocks(const PairSide& s)
-    : m_pixels(s.pixels), m_end(s.end), m_stride(s.stride), m_height(s.height), m_place(Places::of(s.place)),
-      m_carryX(Places::of(s.carryX)), m_carryY(Places::of(s.carryY))
+  HWY_INLINE TurnedBlocks(const PairSide& s, Place first)
+    : m_pixels(s.pixels), m_end(s.end), m_stride(s.stride), m_height(s.height),
+      m_stepX(static_cast<std::uint32_t>(s.m.m11)), m_stepY(static_cast<std::uint32_t>(s.m.m12)),
+      m_first(cornerOf(s, first)), m_even(s.even), m_odd(s.odd), m_fractionX(fractions(m_first.x, m_stepX)),
+      m_fractionY(fractions(m_first.y, m_stepY))
   {
   }
 
-  /// False where 16 bytes of a row would not all be there.
-  HWY_INLINE bool fetch(Corner corner, std::uint8_t* out) const
+  /// The points from number k on. False where 16 bytes of a row would not all be there.
+  HWY_INLINE bool fetch(std::uint32_t k, std::uint8_t* out) const
   {
-    const std::uint8_t* bytes = m_pixels + std::int64_t{corner.row()} * m_stride + corner.column();
-    if (m_end - bytes >= (Rows - 1) * m_stride + kPairBlock) return store(places(corner), Rows, bytes, out);
+    const std::uint8_t* const bytes0 = bytesAt(k);
+    const std::uint8_t* const bytes1 = Blocks == 1 ? bytes0 : bytesAt(k + kPairBlock);
+    const std::uint8_t* const last = m_end - (Rows - 1) * m_stride - kPairBlock;
+    if (HWY_LIKELY(bytes0 <= last && bytes1 <= last)) return store(k, Rows, bytes0, bytes1, out);
+    if (Blocks > 1) return false;
     // Near the last row there may be fewer.
-    const int rows = std::min(Rows, m_height - static_cast<int>(corner.row()));
-    if (m_end - bytes < (rows - 1) * m_stride + kPairBlock) return false;
-    return store(places(corner), rows, bytes, out);
+    const int rows = std::min(Rows, m_height - static_cast<int>(rowAt(k)));
+    return bytes0 <= m_end - (rows - 1) * m_stride - kPairBlock && store(k, rows, bytes0, bytes1, out);
   }
 
 private:
-  using D8 = hn::FixedTag<std::uint8_t, kPairBlock>;
-  using D16 = hn::CappedTag<std::int16_t, kPairBlock>;
+  using D8 = hn::FixedTag<std::uint8_t, kPairBlock * Blocks>;
+  using D16 = hn::Repartition<std::int16_t, D8>;
+  using Half = hn::FixedTag<std::uint8_t, kPairBlock>;
 
-  /// 16 numbers in one vector or in two.
-  struct Places {
-    static HWY_INLINE Places of(const std::int16_t* v)
-    {
-      return {hn::Load(D16(), v), hn::Load(D16(), v + kPairBlock - hn::MaxLanes(D16()))};
-    }
-    hn::Vec<D16> first, last;
-  };
-
-  // Column + 16 * row of points, relative to the corner of their block.
-  static HWY_INLINE auto placesOf(hn::Vec<D16> place, hn::Vec<D16> carryX, hn::Vec<D16> carryY,
-                                  hn::Vec<D16> x, hn::Vec<D16> y)
+  HWY_INLINE std::uint32_t rowAt(std::uint32_t k) const { return (m_first.y + k * m_stepY) >> 16; }
+  HWY_INLINE const std::uint8_t* bytesAt(std::uint32_t k) const
   {
-    const auto right = hn::IfThenElseZero(hn::Gt(x, carryX), hn::Set(D16(), std::int16_t{1}));
-    const auto down = hn::IfThenElseZero(hn::Gt(y, carryY), hn::Set(D16(), std::int16_t{kPairBlock}));
-    return hn::DemoteTo(hn::Rebind<std::uint8_t, D16>(), hn::Add(hn::Add(place, right), down));
+    return m_pixels + std::int64_t{rowAt(k)} * m_stride + ((m_first.x + k * m_stepX) >> 16);
   }
 
-  template <class D = D16>
-  HWY_INLINE hn::Vec<D8> places(Corner corner) const
+  // The fractions of the blocks' corners, less 32768.
+  static HWY_INLINE hn::Vec<D16> fractions(std::uint32_t first, std::uint32_t step)
   {
-    const auto x = hn::Set(D(), static_cast<std::int16_t>((corner.x & 0xffff) ^ 0x8000));
-    const auto y = hn::Set(D(), static_cast<std::int16_t>((corner.y & 0xffff) ^ 0x8000));
-    const auto first = placesOf(m_place.first, m_carryX.first, m_carryY.first, x, y);
-    if constexpr (hn::MaxLanes(D()) == kPairBlock)
-      return first;
+    const auto lower = hn::Set(D16(), static_cast<std::int16_t>((first & 0xffff) ^ 0x8000));
+    const auto upper =
+        hn::Set(D16(), static_cast<std::int16_t>(((first + kPairBlock * step) & 0xffff) ^ 0x8000));
+    return Blocks == 1 ? lower : hn::ConcatUpperLower(D16(), upper, lower);
+  }
+
+  static HWY_INLINE hn::Vec<D16> placesOf(const PairSide::Steps& steps, hn::Vec<D16> x, hn::Vec<D16> y,
+                                          int unit)
+  {
+    const auto right = hn::IfThenElseZero(hn::Gt(x, hn::Load(D16(), steps.carryX)),
+                                          hn::Set(D16(), static_cast<std::int16_t>(unit)));
+    const auto down = hn::IfThenElseZero(hn::Gt(y, hn::Load(D16(), steps.carryY)),
+                                         hn::Set(D16(), static_cast<std::int16_t>(unit * kPairBlock)));
+    return hn::Add(hn::Add(hn::Load(D16(), steps.place), right), down);
+  }
+
+  // Column + 16 * row of every point, relative to the corner of its block; one byte a point.
+  HWY_INLINE hn::Vec<D8> placesAt(std::uint32_t k) const
+  {
+    const auto x = hn::Add(m_fractionX, hn::Set(D16(), static_cast<std::int16_t>(k * m_stepX & 0xffff)));
+    const auto y = hn::Add(m_fractionY, hn::Set(D16(), static_cast<std::int16_t>(k * m_stepY & 0xffff)));
+    return hn::BitCast(D8(), hn::Add(placesOf(m_even, x, y, 1), placesOf(m_odd, x, y, 256)));
+  }
+
+  static HWY_INLINE hn::Vec<D8> loadRows(const std::uint8_t* bytes0, const std::uint8_t* bytes1)
+  {
+    if constexpr (Blocks == 1)
+      return hn::LoadU(D8(), bytes0);
     else
-      return hn::Combine(D8(), placesOf(m_place.last, m_carryX.last, m_carryY.last, x, y), first);
+      return hn::Combine(D8(), hn::LoadU(Half(), bytes1), hn::LoadU(Half(), bytes0));
   }
 
-  HWY_INLINE bool store(hn::Vec<D8> places, int rows, const std::uint8_t* bytes, std::uint8_t* out) const
+  HWY_INLINE bool store(std::uint32_t k, int rows, const std::uint8_t* bytes0, const std::uint8_t* bytes1,
+                        std::uint8_t* out) const
   {
+    const auto places = placesAt(k);
     auto pixels = hn::Zero(D8());
-    for (int r = 0; r < rows; ++r, bytes += m_stride) {
-      // In another row than this one the sum passes 127, which looks up a zero.
-      const auto index = hn::SaturatedAdd(places, hn::Set(D8(), std::uint8_t{0x70}));
-      pixels = hn::Or(pixels, hn::TableLookupBytesOr0(hn::LoadU(D8(), bytes), index));
-      places = hn::Sub(places, hn::Set(D8(), std::uint8_t{kPairBlock}));
+    for (int r = 0; r < rows; ++r, bytes0 += m_stride, bytes1 += m_stride) {
+      // A point of this row is left with its column. In another row the sum passes 127, which looks up a
+      // zero.
+      const auto inRow = hn::Xor(places, hn::Set(D8(), static_cast<std::uint8_t>(kPairBlock * r)));
+      const auto index = hn::SaturatedAdd(inRow, hn::Set(D8(), std::uint8_t{0x70}));
+      pixels = hn::Or(pixels, hn::TableLookupBytesOr0(loadRows(bytes0, bytes1), index));
     }
     hn::StoreU(pixels, D8(), out);
     return true;
@@ -169,30 +188,45 @@ private:
   const std::uint8_t* m_end;
   std::int64_t m_stride;
   int m_height;
-  Places m_place, m_carryX, m_carryY;
+  std::uint32_t m_stepX, m_stepY;
+  Corner m_first;
+  const PairSide::Steps& m_even;
+  const PairSide::Steps& m_odd;
+  hn::Vec<D16> m_fractionX, m_fractionY;
 };
 
-/// Calls block(offset) for blocks that together cover n points, at least one block; the last reaches back
-/// into the one before.
-template <class Block>
-HWY_INLINE void forBlocks(int n, const Block& block)
+// Blocks near the lower end of an image.
+template <int Rows>
+HWY_NOINLINE void fetchLastBlocks(const PairSide& s, Place p, int n, std::uint8_t* out)
 {
-  for (int k = 0; k + kPairBlock <= n; k += kPairBlock) block(k);
-  if (n % kPairBlock) block(n - kPairBlock);
+  for (int k = 0; k < n; k += kPairBlock)
+    if (!TurnedBlocks<Rows, 1>(s, moved(s, p, k)).fetch(0, out + k))
+      fetchPlain(s, moved(s, p, k), kPairBlock, out + k);
 }
+
+/// Goes through n points, at least `size` of them, in steps of that size; the last step reaches back into the
+/// one before. Gives the next start after k; n when there is none.
+HWY_INLINE int nextStart(int k, int size, int n) { return k + size == n ? n : std::min(k + size, n - size); }
+
+template <int Rows, int Blocks>
+HWY_INLINE void fetchTurnedBlocks(const PairSide& s, Place p, int n, std::uint8_t* out)
+{
+  constexpr int size = Blocks * kPairBlock;
+  const TurnedBlocks<Rows, Blocks> blocks(s, p);
+  for (int k = 0; k < n; k = nextStart(k, size, n))
+    if (HWY_UNLIKELY(!blocks.fetch(static_cast<std::uint32_t>(k), out + k)))
+      fetchLastBlocks<Rows>(s, moved(s, p, k), size, out + k);
+}
+
+constexpr int kBlocksOfVector = hn::MaxLanes(hn::CappedTag<std::uint8_t, 2 * kPairBlock>()) / kPairBlock;
 
 template <int Rows>
 HWY_INLINE void fetchTurned(const PairSide& s, Place p, int n, std::uint8_t* out)
 {
-  const TurnedBlocks<Rows> blocks(s);
-  const Place corner{cornerOf(s, p).x, cornerOf(s, p).y};
-  const auto stepX = static_cast<std::uint32_t>(s.m.m11);
-  const auto stepY = static_cast<std::uint32_t>(s.m.m12);
-  forBlocks(n, [&](int k) HWY_ATTR {
-    const auto points = static_cast<std::uint32_t>(k);
-    if (!blocks.fetch({corner.x + points * stepX, corner.y + points * stepY}, out + k))
-      fetchPlain(s, {p.x + points * stepX, p.y + points * stepY}, kPairBlock, out + k);
-  });
+  if (n < kBlocksOfVector * kPairBlock)
+    fetchTurnedBlocks<Rows, 1>(s, p, n, out);
+  else
+    fetchTurnedBlocks<Rows, kBlocksOfVector>(s, p, n, out);
 }
 
 // Gathers look up one word of 32 bits a point.
@@ -233,10 +267,10 @@ HWY_INLINE bool gatherBlock(const PairSide& s, Place p, std::uint8_t* out)
 
 HWY_INLINE void fetchGathered(const PairSide& s, Place p, int n, std::uint8_t* out)
 {
-  forBlocks(n, [&](int k) HWY_ATTR {
+  for (int k = 0; k < n; k = nextStart(k, kPairBlock, n)) {
     std::uint8_t* const to = out + std::ptrdiff_t{k} * s.pixelBytes;
     if (!gatherBlock(s, moved(s, p, k), to)) fetchPlain(s, moved(s, p, k), kPairBlock, to);
-  });
+  }
 }
 
 HWY_INLINE void fetch(const PairSide& s, Place p, int n, std::uint8_t* out)
@@ -361,6 +395,9 @@ HWY_EXPORT(fetchRow);
 // Rows that a block of points may touch until looking up every point by itself becomes faster.
 constexpr std::int64_t kMostBlockRows = 12;
 
+// The last point of a block.
+constexpr std::int64_t last = kPairBlock - 1;
+
 } // namespace
 
 PairSide::PairSide(const PairImage& image, const Affine16& mapping, int channels)
@@ -370,7 +407,6 @@ PairSide::PairSide(const PairImage& image, const Affine16& mapping, int channels
   end = pixels + stride * height;
   if (m.m11 == 65536 && m.m12 == 0) return;
   path = Path::Plain;
-  constexpr std::int64_t last = kPairBlock - 1;
   const std::int64_t stepX = m.m11 < 0 ? -m.m11 : m.m11;
   const std::int64_t stepY = m.m12 < 0 ? -m.m12 : m.m12;
   if (stepX > 65536 || stepY > 65536) return;
@@ -379,12 +415,21 @@ PairSide::PairSide(const PairImage& image, const Affine16& mapping, int channels
   if (pixelBytes != 1 || rows > kMostBlockRows) return;
   path = Path::Turned;
   blockRows = static_cast<int>(rows);
-  for (std::int64_t k = 0; k <= last; ++k) {
-    const std::int64_t x = (m.m11 < 0 ? last - k : k) * stepX;
-    const std::int64_t y = (m.m12 < 0 ? last - k : k) * stepY;
-    place[k] = static_cast<std::int16_t>((x >> 16) + kPairBlock * (y >> 16));
-    carryX[k] = static_cast<std::int16_t>(32767 - (x & 0xffff));
-    carryY[k] = static_cast<std::int16_t>(32767 - (y & 0xffff));
+  makeSteps();
+}
+
+void PairSide::makeSteps()
+{
+  for (int k = 0; k < kPairBlock; ++k) {
+    const std::int64_t x = m.m11 < 0 ? (k - last) * m.m11 : k * m.m11;
+    const std::int64_t y = m.m12 < 0 ? (k - last) * m.m12 : k * m.m12;
+    const std::int64_t whole = (x >> 16) + kPairBlock * (y >> 16);
+    Steps& steps = k % 2 ? odd : even;
+    for (const int i : {k / 2, k / 2 + kPairBlock / 2}) {
+      steps.place[i] = static_cast<std::int16_t>(k % 2 ? 256 * whole : whole);
+      steps.carryX[i] = static_cast<std::int16_t>(32767 - (x & 0xffff));
+      steps.carryY[i] = static_cast<std::int16_t>(32767 - (y & 0xffff));
+    }
   }
 }
 

@@ -35,11 +35,18 @@ struct PairSide {
   Path path = Path::Row;
   int blockRows = 1; ///< rows that a block of points can touch; Turned only
 
-  /// Turned: for the point k of a block, counted from the block's lowest column and row, the whole part of
-  /// its place as column + 16 * row, and the thresholds above which a fraction (less 32768) carries.
-  alignas(32) std::int16_t place[kPairBlock] = {};
-  alignas(32) std::int16_t carryX[kPairBlock] = {};
-  alignas(32) std::int16_t carryY[kPairBlock] = {};
+  /// Turned: how the points of a block lie behind the lowest column and row that the block touches. Numbers
+  /// of 16 bits, each for a point with an even and the next with an odd number, for two blocks.
+  struct Steps {
+    alignas(32) std::int16_t place[kPairBlock] = {}; ///< whole part, column + 16 * row; odd: times 256
+    alignas(32)
+        std::int16_t carryX[kPairBlock] = {}; ///< a fraction (less 32768) above carries to the next column
+    alignas(32) std::int16_t carryY[kPairBlock] = {}; ///< ... to the next row
+  };
+  Steps even, odd;
+
+private:
+  void makeSteps();
 };
 
 /// The exact sum of the squared differences over the rows [rowBegin, rowEnd) of the grid; the columns of row
