@@ -116,20 +116,18 @@ float PlacementSearch::qualityOf(std::uint64_t squares, std::uint64_t count) con
   return alignmentQuality({squares, count}, m_pair.channels, points());
 }
 
-void PlacementSearch::start(Slot& slot, const SliceXForm& editable) const
+void PlacementSearch::start(Slot& slot, const SliceXForm& editable, Again again) const
 {
   slot.mapping = inverse16(editable, m_pair.width, m_pair.height);
-  slot.isNew = !m_compared.contains(slot.mapping);
-  if (slot.isNew)
+  slot.isCompared = again == Again::No && m_compared.contains(slot.mapping);
+  if (!slot.isCompared)
     slot.comparison.start(m_reference, {m_pair.editable, m_pair.width, m_pair.height}, slot.mapping);
 }
 
 float PlacementSearch::qualityOf(const SliceXForm& editable)
 {
   Slot& slot = m_slots.front();
-  start(slot, editable);
-  if (!slot.isNew)
-    slot.comparison.start(m_reference, {m_pair.editable, m_pair.width, m_pair.height}, slot.mapping);
+  start(slot, editable, Again::Yes);
   return qualityOf(slot.comparison.add(0, slot.comparison.bands()), slot.comparison.count());
 }
 
@@ -154,8 +152,8 @@ bool PlacementSearch::compareBatch(Placements placements, std::size_t firstIndex
     if (band > 0 && stop()) return false;
     const int bandEnd = std::min(band + bandsPerPiece, m_reference.bands());
     forTasks(placements.size(), points(), [&](std::size_t k) {
-      if (band == 0) start(m_slots[k], placements[k]);
-      if (m_slots[k].isNew) compareBands(m_slots[k].comparison, firstIndex + k, band, bandEnd, best);
+      if (band == 0) start(m_slots[k], placements[k], Again::No);
+      if (!m_slots[k].isCompared) compareBands(m_slots[k].comparison, firstIndex + k, band, bandEnd, best);
     });
   }
   return true;
