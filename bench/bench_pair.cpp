@@ -27,6 +27,9 @@ struct Mappings {
 // 5 degrees, about a corner: most of the points lie in both slices.
 constexpr Mappings kTurned5{{65287, 5712, -5712, 65287, 9 * 65536 + 77, -11 * 65536},
                             {65287, 5712, -5712, 65287, 7 * 65536 + 1234, -3 * 65536 - 999}};
+// A fifth of a degree.
+constexpr Mappings kTurnedLittle{{65536, 229, -229, 65536, 9 * 65536 + 77, -11 * 65536},
+                                 {65535, 343, -343, 65535, 7 * 65536 + 1234, -3 * 65536 - 999}};
 constexpr Mappings kTurned45{{46341, 46341, -46341, 46341, 9 * 65536 + 77, -11 * 65536},
                              {46341, 46341, -46341, 46341, 7 * 65536 + 1234, -3 * 65536 - 999}};
 constexpr Mappings kUnturned{kPlaced, kShift};
@@ -137,6 +140,8 @@ const bool added = [] {
   add("turned5_presampled_avx2", time<Presampled>, {kTurned5, 1, 1, HWY_AVX2});
   add("turned5_presampled_2_threads", time<Presampled>, {kTurned5, 1, 2});
   add("turned5_in_one_call", time<InOneCall>, {kTurned5});
+  add("turned_little_plain", time<Plain>, {kTurnedLittle});
+  add("turned_little_presampled", time<Presampled>, {kTurnedLittle});
   add("turned45_plain", time<Plain>, {kTurned45});
   add("turned45_presampled", time<Presampled>, {kTurned45});
   add("turned45_in_one_call", time<InOneCall>, {kTurned45});

@@ -89,7 +89,7 @@ void PlacementSearch::setPair(const ImagePair& pair, const SliceXForm& reference
   m_reference.sample({pair.reference, pair.width, pair.height}, inverse16(reference, pair.width, pair.height),
                      pair.width, pair.height, pair.channels);
   m_compared.clear();
-  makeSlots();
+  m_slots.resize(1); // The first has room for every image.
 }
 
 std::uint64_t PlacementSearch::points() const
@@ -98,11 +98,10 @@ std::uint64_t PlacementSearch::points() const
                                         static_cast<std::uint64_t>(m_pair.height));
 }
 
-// The first slot has room for every image; what memory does not suffice for is compared one by one there.
-void PlacementSearch::makeSlots()
+// Where memory does not suffice for more, placements are compared one by one.
+void PlacementSearch::makeSlots(std::size_t wanted)
 {
-  const auto wanted = std::clamp<std::size_t>(pointsPerPiece / points(), 1, largestBatch);
-  m_slots.resize(1);
+  wanted = std::min(wanted, std::clamp<std::size_t>(pointsPerPiece / points(), 1, largestBatch));
   while (m_slots.size() < wanted) {
     m_slots.emplace_back();
     if (m_slots.back().comparison.reserve(m_pair.height)) continue;
@@ -135,6 +134,7 @@ std::optional<PlacementSearch::Found> PlacementSearch::findBest(Placements place
                                                                 const StopQuery& stop)
 {
   Best best(least);
+  makeSlots(placements.size());
   for (std::size_t begin = 0; begin < placements.size(); begin += m_slots.size()) {
     const std::size_t n = std::min(m_slots.size(), placements.size() - begin);
     if (stop() || !compareBatch(placements.subspan(begin, n), begin, best, stop)) break;

@@ -77,7 +77,7 @@ private:
   using Placements = std::span<const SliceXForm>;
 
   std::uint64_t points() const;
-  void makeSlots();
+  void makeSlots(std::size_t wanted);
   enum class Again { No, Yes };
   void start(Slot& slot, const SliceXForm& editable, Again again) const;
   bool compareBatch(Placements placements, std::size_t firstIndex, Best& best, const StopQuery& stop);
