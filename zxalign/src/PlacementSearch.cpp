@@ -19,10 +19,11 @@ constexpr std::uint64_t pointsPerTask = std::uint64_t{1} << 15;
 constexpr std::size_t largestBatch = 1024;
 constexpr std::uint32_t firstRank = std::numeric_limits<std::uint32_t>::max();
 
-// Bands of a grid of this width with about this many points; at least one.
-int bandsOf(std::uint64_t points, int width)
+// Bands with about this many points; at least one.
+int bandsOf(std::uint64_t points, const kernels::SampledReference& reference)
 {
-  const auto perBand = static_cast<std::uint64_t>(width) * kernels::SampledReference::bandRows;
+  const auto perBand =
+      static_cast<std::uint64_t>(reference.gridWidth()) * static_cast<std::uint64_t>(reference.bandRows());
   return static_cast<int>(std::max<std::uint64_t>(1, points / std::max<std::uint64_t>(1, perBand)));
 }
 
@@ -147,7 +148,7 @@ std::optional<PlacementSearch::Found> PlacementSearch::findBest(Placements place
 bool PlacementSearch::compareBatch(Placements placements, std::size_t firstIndex, Best& best,
                                    const StopQuery& stop)
 {
-  const int bandsPerPiece = bandsOf(pointsPerPiece, m_pair.width);
+  const int bandsPerPiece = bandsOf(pointsPerPiece, m_reference);
   for (int band = 0; band < m_reference.bands(); band += bandsPerPiece) {
     if (band > 0 && stop()) return false;
     const int bandEnd = std::min(band + bandsPerPiece, m_reference.bands());
