@@ -4,6 +4,7 @@
 
 #include "ColumnRange.h"
 #include "ResampleSpan.h"
+#include "StoredValue.h"
 
 #include "mc/McRound.h"
 
@@ -18,16 +19,6 @@
 namespace kernels {
 
 namespace {
-
-// The rule of every stored value.
-template <class T>
-T storedAs(float v)
-{
-  if constexpr (std::is_floating_point_v<T>)
-    return static_cast<T>(v);
-  else
-    return mc::roundHalfEven<T>(v);
-}
 
 template <class T>
 constexpr Element elementOf()

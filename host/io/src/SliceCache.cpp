@@ -111,21 +111,25 @@ void SliceCache::readAhead(const std::stop_token& stop)
   while (m_changed.wait(lock, stop, [this] { return m_wanted >= 0; }) && !stop.stop_requested()) {
     const int k = std::exchange(m_wanted, -1);
     Slot* slot = nullptr;
-    std::string error;
     try {
       slot = beginSlot(k);
     } catch (const std::bad_alloc&) { // Whoever asks for the slice may have memory for it.
     }
-    if (!slot) continue;
-    lock.unlock();
-    try {
-      readNow(k, slot->bytes.get());
-    } catch (const std::exception& failure) {
-      error = failure.what();
-    }
-    lock.lock();
-    endSlot(*slot, std::move(error));
+    if (slot) fill(*slot, lock);
   }
+}
+
+void SliceCache::fill(Slot& slot, std::unique_lock<std::mutex>& lock)
+{
+  lock.unlock();
+  std::string error;
+  try {
+    readNow(slot.slice, slot.bytes.get());
+  } catch (const std::exception& failure) {
+    error = failure.what();
+  }
+  lock.lock();
+  endSlot(slot, std::move(error));
 }
 
 void SliceCache::readNow(int k, void* dst)
@@ -197,15 +201,7 @@ void SliceCache::hold(int k)
     m_changed.wait(lock); // Others copy from all of them.
     if (find(k)) return;
   }
-  lock.unlock();
-  std::string error;
-  try {
-    readNow(k, slot->bytes.get());
-  } catch (const std::exception& failure) {
-    error = failure.what();
-  }
-  lock.lock();
-  endSlot(*slot, std::move(error));
+  fill(*slot, lock);
 }
 
 void SliceCache::readRows(int k, int y, int rows, void* dst)

@@ -68,6 +68,8 @@ private:
   bool readRowsNow(int k, int y, int rows, void* dst);
   /// Reads a slice into a slot. Throws Error.
   void hold(int k);
+  /// Reads the slice of a slot that was begun, with the lock let go meanwhile.
+  void fill(Slot& slot, std::unique_lock<std::mutex>& lock);
   void foresee(int k);
   void readAhead(const std::stop_token& stop);
 
