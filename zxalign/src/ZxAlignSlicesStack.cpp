@@ -8,6 +8,7 @@
 #include "LandmarkTable.h"
 #include "MostFrequentColor.h"
 #include "RigidFit.h"
+#include "ZxAlignResampler.h"
 #include "mc/McRound.h"
 #include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
@@ -18,6 +19,7 @@
 #include "zxalign/ZxAutoAlignMethodFabrique.h"
 #include "zxalign/ZxDefaultAlignmentEvaluator.h"
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -379,6 +381,16 @@ bool ZxAlignSlices::setLandmarks(std::span<const std::vector<ZxAlignPoint>> land
   return true;
 }
 
+std::vector<std::vector<ZxAlignPoint>> ZxAlignSlices::landmarks() const
+{
+  std::vector<std::vector<ZxAlignPoint>> all;
+  for (int k = 0; k < numSlices(); ++k) {
+    std::vector<ZxAlignPoint>& points = all.emplace_back();
+    for (const QPoint& p : getSlice(k).landmarks) points.push_back({p.x(), p.y()});
+  }
+  return all;
+}
+
 std::string ZxAlignSlices::setLandmarksFrom(const std::string& fileName)
 {
   if (numSlices() == 0) return "There is no input whose landmarks " + fileName + " could hold.";
@@ -409,29 +421,31 @@ bool ZxAlignSlices::alignPair(const ZxAlignPair& pair, int method, ZxAlignPairRe
   return true;
 }
 
-int ZxAlignSlices::alignPairs(const std::vector<ZxAlignPair>& pairs, int method, const SelectPair& select,
-                              const PairDone& done)
+int ZxAlignSlices::alignPairs(const std::vector<ZxAlignPair>& pairs, int firstPair, int method,
+                              const SelectPair& select, const PairDone& done)
 {
   using Clock = std::chrono::steady_clock;
   ZxWorkArea* workArea = ZxWorkArea::getTheWorkArea();
   const ZxWorkingPhase phase("");
-  int count = 0;
-  for (const ZxAlignPair& pair : pairs) {
+  const auto first = static_cast<std::size_t>(std::max(firstPair, 0));
+  std::size_t next = first;
+  for (; next < pairs.size(); ++next) {
+    const ZxAlignPair& pair = pairs[next];
     const Clock::time_point start = Clock::now();
     select(pair);
     workArea->setProgressText("Aligning slice %d with %d", pair.editable, pair.reference);
-    workArea->setProgressFraction((static_cast<float>(count) + 0.5f) / static_cast<float>(pairs.size()));
+    workArea->setProgressFraction((static_cast<float>(next) + 0.5f) / static_cast<float>(pairs.size()));
     ZxAlignPairResult result;
     const bool aligned = done ? alignPair(pair, method, result) : doLayout(method) != 0;
     if (!aligned || workArea->wasInterrupted(1)) break;
     result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
     if (done) done(result);
-    ++count;
   }
-  return count;
+  return static_cast<int>(next - std::min(first, next));
 }
 
-int ZxAlignSlices::runOverStack(int method, int reference, const SelectPair& select, const PairDone& done)
+int ZxAlignSlices::runOverStack(int method, int reference, const SelectPair& select, const PairDone& done,
+                                int firstPair)
 {
   if (isRunning()) return 0;
   std::vector<ZxAlignPair> pairs = alignmentOrder(reference, numSlices());
@@ -440,7 +454,7 @@ int ZxAlignSlices::runOverStack(int method, int reference, const SelectPair& sel
   int count = 0;
   withoutPasses([&] {
     m_stackRuns = true;
-    count = alignPairs(pairs, method, select, done);
+    count = alignPairs(pairs, firstPair, method, select, done);
     m_stackRuns = false;
   });
   return count;
@@ -448,11 +462,16 @@ int ZxAlignSlices::runOverStack(int method, int reference, const SelectPair& sel
 
 int ZxAlignSlices::alignAll(int method, int reference, const PairDone& done)
 {
+  return alignRest(0, method, reference, done);
+}
+
+int ZxAlignSlices::alignRest(int firstPair, int method, int reference, const PairDone& done)
+{
   // A run needs these two; the user finds them as they were.
   const bool transformAll = std::exchange(m_transformAll, true);
   const bool fixReference = std::exchange(m_fixReference, false);
   const int count = runOverStack(
-      method, reference, [this](const ZxAlignPair& pair) { selectPair(pair); }, done);
+      method, reference, [this](const ZxAlignPair& pair) { selectPair(pair); }, done, firstPair);
   m_transformAll = transformAll;
   m_fixReference = fixReference;
   return count;
@@ -480,6 +499,17 @@ double ZxAlignSlices::maskedPairQuality(int lower)
   evaluator->setMask0(mask0.empty() ? nullptr : mask0.data());
   evaluator->setMask1(mask1.empty() ? nullptr : mask1.data());
   return static_cast<double>(evaluator->quality(getSlice(lower), getSlice(lower + 1), 0));
+}
+
+McHandle<ZxSpatialData> ZxAlignSlices::alignedVolume()
+{
+  return m_data->getLattice() ? ZxAlignResampler(*this).volumeOnDemand() : McHandle<ZxSpatialData>();
+}
+
+McHandle<ZxSpatialData> ZxAlignSlices::alignedLabels()
+{
+  const bool has = m_data->getLattice() && portLabelField.isConnected();
+  return has ? ZxAlignResampler(*this).labelsOnDemand() : McHandle<ZxSpatialData>();
 }
 
 bool ZxAlignSlices::saveAlignment()
