@@ -4,7 +4,7 @@
 #include "FileError.h"
 #include "Formats.h"
 #include "Geometry.h"
-#include "ParameterJson.h"
+#include "io/ParameterJson.h"
 #include "SliceSequence.h"
 #include "SliceWriter.h"
 #include "zx/ZxFileAccess.h"
