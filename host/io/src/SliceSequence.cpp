@@ -115,7 +115,9 @@ SliceSequence::SliceSequence(const std::vector<std::string>& files) : m_files(fi
 {
   for (std::size_t i = 0; i < files.size(); ++i) {
     if (i % 16 == 0) throwIfInterrupted();
+    m_stamps.push_back(FileStamp::of(files[i]));
     std::unique_ptr<VolumeReader> reader = openFile(files[i]);
+    m_inAnyOrder = m_inAnyOrder && reader->readsInAnyOrder();
     if (i == 0) {
       m_info = reader->info();
       m_info.shape.dims = {};
@@ -141,9 +143,8 @@ void SliceSequence::add(std::size_t file, const VolumeReader& reader)
   m_info.shape.dims.height = std::max(m_info.shape.dims.height, shape.dims.height);
 }
 
-void SliceSequence::readSlice(int k, void* dst)
+VolumeReader& SliceSequence::fileOf(const Slice& slice)
 {
-  const Slice& slice = m_slices[static_cast<std::size_t>(k)];
   const std::string& path = m_files[slice.file];
   if (!m_open || m_openFile != slice.file) {
     m_open = openFile(path);
@@ -152,8 +153,26 @@ void SliceSequence::readSlice(int k, void* dst)
   const ZxLatticeShape& shape = m_open->info().shape;
   const bool same = slice.index < shape.dims.slices && m_open->sliceSize(slice.index) == slice.size &&
                     shape.voxelBytes() == m_info.shape.voxelBytes();
-  if (!same) cannotRead(path, "it has changed since it was looked at");
-  m_open->readSlice(slice.index, dst);
+  if (!same) cannotRead(path, hasChanged);
+  return *m_open;
+}
+
+void SliceSequence::readSlice(int k, void* dst)
+{
+  const Slice& slice = m_slices[static_cast<std::size_t>(k)];
+  fileOf(slice).readSlice(slice.index, dst);
+}
+
+bool SliceSequence::readRows(int k, int y, int rows, void* dst)
+{
+  const Slice& slice = m_slices[static_cast<std::size_t>(k)];
+  return fileOf(slice).readRows(slice.index, y, rows, dst);
+}
+
+void SliceSequence::checkUnchanged(int k)
+{
+  const std::size_t file = m_slices[static_cast<std::size_t>(k)].file;
+  if (!(FileStamp::of(m_files[file]) == m_stamps[file])) cannotRead(m_files[file], hasChanged);
 }
 
 SliceSize SliceSequence::sliceSize(int k) const { return m_slices[static_cast<std::size_t>(k)].size; }

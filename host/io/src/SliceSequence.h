@@ -2,6 +2,7 @@
 
 #include "Format.h"
 #include "NumberPattern.h"
+#include "PlainFile.h"
 
 #include <memory>
 #include <optional>
@@ -25,6 +26,9 @@ class SliceSequence final : public VolumeReader {
 public:
   explicit SliceSequence(const std::vector<std::string>& files);
   void readSlice(int k, void* dst) override;
+  bool readsInAnyOrder() const override { return m_inAnyOrder; }
+  bool readRows(int k, int y, int rows, void* dst) override;
+  void checkUnchanged(int k) override;
   SliceSize sliceSize(int k) const override;
   std::string sliceName(int k) const override;
 
@@ -35,8 +39,12 @@ private:
     SliceSize size;
   };
   void add(std::size_t file, const VolumeReader& reader);
+  /// Opens the file of a slice, unless it is open.
+  VolumeReader& fileOf(const Slice& slice);
 
   std::vector<std::string> m_files;
+  std::vector<FileStamp> m_stamps;
+  bool m_inAnyOrder = true;
   std::vector<Slice> m_slices;
   std::unique_ptr<VolumeReader> m_open;
   std::size_t m_openFile = 0;
@@ -48,6 +56,8 @@ class PaddedReader final : public VolumeReader {
 public:
   explicit PaddedReader(std::unique_ptr<VolumeReader> reader);
   void readSlice(int k, void* dst) override;
+  bool readsInAnyOrder() const override { return m_reader->readsInAnyOrder(); }
+  void checkUnchanged(int k) override { m_reader->checkUnchanged(k); }
 
 private:
   std::unique_ptr<VolumeReader> m_reader;
