@@ -60,7 +60,7 @@ void writeAtomically(const std::string& text, const fs::path& path)
 
 dev_t diskOf(const fs::path& folder)
 {
-  struct stat about{};
+  struct stat about {};
   return stat(folder.empty() ? "." : folder.c_str(), &about) == 0 ? about.st_dev : 0;
 }
 
@@ -97,8 +97,7 @@ void PartialOutput::lookAt(Start start, Console& console)
 {
   std::error_code error;
   if (!fs::exists(fs::symlink_status(m_folder, error))) {
-    if (start == Start::Resume)
-      throw Failure("There is nothing to resume: " + m_name + " does not exist.");
+    if (start == Start::Resume) throw Failure("There is nothing to resume: " + m_name + " does not exist.");
     return;
   }
   auto lock = std::make_unique<Lock>(m_folder);
@@ -232,8 +231,7 @@ std::string PartialOutput::tail(bool stopped) noexcept
   // Without pairs and slices there is nothing that would not come again at once.
   const bool hasWork = !m_state.pairs.empty() || m_hasSlices || m_resumes;
   if (hasWork && !m_isWritten) writeQuietly();
-  if (hasWork && m_isOurs)
-    return "; what is done is kept in " + m_name + ", and --resume takes it up.";
+  if (hasWork && m_isOurs) return "; what is done is kept in " + m_name + ", and --resume takes it up.";
   if (m_isOurs) remove();
   return stopped ? "; nothing was written." : ".";
 }

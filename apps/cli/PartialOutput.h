@@ -15,8 +15,8 @@ class Console;
 /// The folder OUTPUT.partial: what a run has finished, kept when it is stopped, and taken up by --resume.
 ///
 /// It holds state.json (RunState) and the volumes as far as they have been written. It comes into being when
-/// something is finished, takes the place of what an earlier stopped run has left, and is gone when the run is
-/// at its end. One process at a time holds it.
+/// something is finished, takes the place of what an earlier stopped run has left, and is gone when the run
+/// is at its end. One process at a time holds it.
 class PartialOutput {
 public:
   enum class Start { Anew, Resume };
@@ -39,8 +39,7 @@ public:
   void forgetPairs();
   /// A pair is finished, with the transforms of all slices after it. The data's parameters are kept with it;
   /// they are borrowed until the alignment ends. Written to the disk about once a second.
-  void pairDone(const ZxAlignPairResult& pair, std::vector<ZxAlignTransform> transforms,
-                const ZxData& data);
+  void pairDone(const ZxAlignPairResult& pair, std::vector<ZxAlignTransform> transforms, const ZxData& data);
   /// The alignment is at its end: writes the state to the disk. Throws Failure.
   void alignmentDone();
 
@@ -71,8 +70,8 @@ private:
   const ZxData* m_data = nullptr;
   std::unique_ptr<Lock> m_lock;
   bool m_resumes = false;
-  bool m_isOurs = false;     ///< the folder on the disk is that of this run
-  bool m_isWritten = false;  ///< its state is the present one
+  bool m_isOurs = false;    ///< the folder on the disk is that of this run
+  bool m_isWritten = false; ///< its state is the present one
   bool m_hasSlices = false;
   std::chrono::steady_clock::time_point m_nextWrite{};
 };

@@ -75,10 +75,10 @@ void QualityCommand::run(Console& console)
   AlignModule module(console);
   const ZxDims dims = m_input.info().shape.dims;
   if (!m_mask.empty()) requireSameDims("mask", m_mask, io::readInfo({m_mask}).shape.dims, m_input, dims);
-  const McHandle<ZxField3> volume = m_input.read();
+  const McHandle<ZxField3> volume = m_input.open();
   module.connectInput(*volume);
   if (!m_mask.empty()) {
-    const McHandle<ZxUniformLabelField3> mask = io::readLabels({m_mask});
+    const McHandle<ZxUniformLabelField3> mask = io::openLabels({m_mask});
     module.connect("mask", *mask);
   }
   if (!m_window.empty()) module.setWindow(m_window[0], m_window[1]);

@@ -23,26 +23,23 @@ constexpr std::string_view kFile = "file ";
 
 void addFile(const std::string& path, RunFacts& facts)
 {
-  struct stat about{};
+  struct stat about {};
   if (stat(path.c_str(), &about) != 0 || !S_ISREG(about.st_mode)) return;
-  facts.emplace_back(std::string(kFile) + path,
-                     std::to_string(about.st_size) + " bytes of " + std::to_string(about.st_mtim.tv_sec) +
-                         "." + std::to_string(about.st_mtim.tv_nsec));
+  facts.emplace_back(std::string(kFile) + path, std::to_string(about.st_size) + " bytes of " +
+                                                    std::to_string(about.st_mtim.tv_sec) + "." +
+                                                    std::to_string(about.st_mtim.tv_nsec));
 }
 
 std::string valueOf(const RunFacts& facts, const std::string& name)
 {
-  const auto found = std::find_if(facts.begin(), facts.end(),
-                                  [&](const auto& fact) { return fact.first == name; });
+  const auto found =
+      std::find_if(facts.begin(), facts.end(), [&](const auto& fact) { return fact.first == name; });
   return found == facts.end() ? std::string() : found->second;
 }
 
 std::string inWords(const std::string& value) { return value.empty() ? "not given" : value; }
 
-Json transformJson(const ZxAlignTransform& t)
-{
-  return Json::array({t.tx, t.ty, t.angleDegrees, t.flip});
-}
+Json transformJson(const ZxAlignTransform& t) { return Json::array({t.tx, t.ty, t.angleDegrees, t.flip}); }
 
 ZxAlignTransform transformOf(const Json& json)
 {
@@ -106,7 +103,8 @@ std::string differenceOf(const RunFacts& there, const RunFacts& here)
   for (const auto& [name, ignored] : all) {
     const std::string before = valueOf(there, name), now = valueOf(here, name);
     if (before == now) continue;
-    if (!name.starts_with(kFile)) return name + " is " + inWords(before) + " there and " + inWords(now) + " here";
+    if (!name.starts_with(kFile))
+      return name + " is " + inWords(before) + " there and " + inWords(now) + " here";
     const std::string file = name.substr(kFile.size());
     if (before.empty()) return file + " was no input of it";
     return now.empty() ? file + " is no input now" : file + " has changed since";

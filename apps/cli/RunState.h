@@ -10,12 +10,12 @@
 
 namespace cli {
 
-/// What decides about the result of a run, name and value as text: inputs, method, settings, options. Two runs
-/// of equal facts give the same files.
+/// What decides about the result of a run, name and value as text: inputs, method, settings, options. Two
+/// runs of equal facts give the same files.
 using RunFacts = std::vector<std::pair<std::string, std::string>>;
 
-/// Adds what tells a file from another one of its name: size and time of change. Of a folder every file in it,
-/// and with a volume the files of its voxels and parameters beside it. Nothing for an empty path.
+/// Adds what tells a file from another one of its name: size and time of change. Of a folder every file in
+/// it, and with a volume the files of its voxels and parameters beside it. Nothing for an empty path.
 void addFileFacts(const std::string& path, RunFacts& facts);
 
 /// Empty when the facts are equal, else what differs: "iterations is 20 there and 10 here".

@@ -7,6 +7,7 @@
 #include "AlignmentStorage.h"
 #include "LandmarkTable.h"
 #include "MostFrequentColor.h"
+#include "ReducedVoxels.h"
 #include "RigidFit.h"
 #include "ZxAlignResampler.h"
 #include "mc/McRound.h"
@@ -510,6 +511,11 @@ McHandle<ZxSpatialData> ZxAlignSlices::alignedLabels()
 {
   const bool has = m_data->getLattice() && portLabelField.isConnected();
   return has ? ZxAlignResampler(*this).labelsOnDemand() : McHandle<ZxSpatialData>();
+}
+
+McHandle<ZxSpatialData> ZxAlignSlices::reduced(const McHandle<ZxSpatialData>& data, int factor) const
+{
+  return ReducedVoxels::reduce(data, factor);
 }
 
 bool ZxAlignSlices::saveAlignment()

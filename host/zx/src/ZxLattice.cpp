@@ -2,6 +2,7 @@
 
 #include "ZxMemoryVoxels.h"
 #include "zx/ZxMemory.h"
+#include "zx/ZxWorkArea.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,7 +26,15 @@ void widenRange(const T* values, std::size_t n, T& min, T& max)
   }
 }
 
-/// False when a slice could not be read.
+/// True when no value can widen the range any more, which of 8 bits is soon the case.
+template <class T>
+bool isWidest(T min, T max)
+{
+  return std::is_integral_v<T> && min == std::numeric_limits<T>::lowest() &&
+         max == std::numeric_limits<T>::max();
+}
+
+/// False when a slice could not be read, or the user stopped it.
 template <class T>
 bool rangeOf(ZxLattice& lattice, float& min, float& max)
 {
@@ -36,7 +45,9 @@ bool rangeOf(ZxLattice& lattice, float& min, float& max)
   T hi = std::numeric_limits<T>::has_infinity ? -std::numeric_limits<T>::infinity()
                                               : std::numeric_limits<T>::lowest();
   std::vector<T> copy;
-  for (int k = 0; k < shape.dims.slices; ++k) {
+  ZxWorkArea* area = ZxWorkArea::getTheWorkArea();
+  for (int k = 0; k < shape.dims.slices && !isWidest(lo, hi); ++k) {
+    if (area->isWorking() && area->wasInterrupted()) return false;
     const T* values = static_cast<const T*>(lattice.sliceInMemory(k));
     if (!values) {
       copy.resize(n);

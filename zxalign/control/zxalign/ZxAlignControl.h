@@ -136,6 +136,12 @@ public:
   virtual McHandle<ZxSpatialData> alignedVolume() = 0;
   virtual McHandle<ZxSpatialData> alignedLabels() = 0;
 
+  /// A volume or label field with its slices reduced by whole blocks of factor x factor pixels, made when
+  /// they are read: (width / factor) x (height / factor) pixels, of a volume the mean of each block (integers
+  /// truncated), of labels the pixel at its centre (of an even factor the one below and to the right). Holds
+  /// the data, carries their label and none of their parameters. Empty when nothing would be left of a slice.
+  virtual McHandle<ZxSpatialData> reduced(const McHandle<ZxSpatialData>& data, int factor) const = 0;
+
   /// Writes transforms and landmarks into the parameters of the input. False when that is impossible.
   virtual bool saveAlignment() = 0;
 };

@@ -248,6 +248,7 @@ public:
   void minimalSize(int& width, int& height) const override { calcMinBox(&width, &height); }
   McHandle<ZxSpatialData> alignedVolume() override;
   McHandle<ZxSpatialData> alignedLabels() override;
+  McHandle<ZxSpatialData> reduced(const McHandle<ZxSpatialData>& data, int factor) const override;
   bool saveAlignment() override;
 
 private:
