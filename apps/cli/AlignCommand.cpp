@@ -187,6 +187,7 @@ void AlignCommand::check(const io::VolumeInfo& info) const
 {
   const ZxDims& dims = info.shape.dims;
   requireMemory(info.shape, "The");
+  requireMemory(m_resample.outputShape(info.shape), "Aligned");
   if (m_scale.enlargement() > 1) throw Failure("--scale makes slices smaller: it is 1/2, 1/3 and so on.");
   if (m_transformsOnly && m_resample.hasLabels())
     throw Failure("--labels needs the resampling that --transforms-only leaves out.");

@@ -56,7 +56,7 @@ void AlignModule::connectInput(ZxSpatialData& input, Window window)
   if (lendsWindow) input.parameters().remove(kDataWindow);
   if (ZxWorkArea::getTheWorkArea()->wasInterrupted()) throw Stopped("Stopped while reading " + name + ".");
   if (!m_module->portData.isConnected() || m_control->numSlices() == 0)
-    throw Failure(m_console.reason("The volume " + name + " cannot be aligned."));
+    throw Failure(name + ": " + m_console.reason("The volume cannot be aligned."));
   m_console.remarks();
 }
 

@@ -7,6 +7,7 @@
 #include "Stopwatch.h"
 #include "io/Volume.h"
 
+#include <filesystem>
 #include <memory>
 #include <utility>
 
@@ -75,8 +76,9 @@ double growVolume(OutputFiles& files, PartialOutput& partial, const char* name, 
   Demand demand{partial};
   const McHandle<ZxSpatialData> volume = watched(data, demand);
   try {
-    if (partial.isOnDiskOf(path))
-      files.grow(path, partial.growingFolder(name), [&](const std::string& grown) {
+    const std::filesystem::path folder = partial.growingFolder(name, path);
+    if (!folder.empty())
+      files.grow(path, folder, [&](const std::string& grown) {
         if (io::continueVolume(*volume, grown) > 0) partial.sliceDone();
       });
     else

@@ -157,25 +157,21 @@ void PartialOutput::pairDone(const ZxAlignPairResult& pair, std::vector<ZxAlignT
   m_nextWrite = Clock::now() + std::max<Clock::duration>(std::chrono::seconds(1), 20 * taken);
 }
 
-void PartialOutput::alignmentDone()
+void PartialOutput::alignmentDone() noexcept
 {
-  if (!m_isWritten) write();
+  if (!m_isWritten) writeQuietly();
   m_data = nullptr;
 }
 
-bool PartialOutput::isOnDiskOf(const std::string& path) const
+fs::path PartialOutput::growingFolder(const char* name, const std::string& path)
 {
-  return diskOf(m_folder.parent_path()) == diskOf(fs::path(withoutSlash(path)).parent_path());
-}
-
-fs::path PartialOutput::growingFolder(const char* name)
-{
-  if (!m_isWritten) write();
+  const bool onOneDisk = diskOf(m_folder.parent_path()) == diskOf(fs::path(withoutSlash(path)).parent_path());
+  // Slices without the state that they belong to would be of no use.
+  if (!onOneDisk || (!m_isWritten && !writeQuietly())) return {};
   const fs::path folder = m_folder / name;
   std::error_code error;
   fs::create_directory(folder, error);
-  if (error) throw Failure("Cannot write \"" + folder.string() + "\": " + error.message() + ".");
-  return folder;
+  return error ? fs::path() : folder;
 }
 
 void PartialOutput::hold()

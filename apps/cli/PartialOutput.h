@@ -40,13 +40,12 @@ public:
   /// A pair is finished, with the transforms of all slices after it. The data's parameters are kept with it;
   /// they are borrowed until the alignment ends. Written to the disk about once a second.
   void pairDone(const ZxAlignPairResult& pair, std::vector<ZxAlignTransform> transforms, const ZxData& data);
-  /// The alignment is at its end: writes the state to the disk. Throws Failure.
-  void alignmentDone();
+  /// The alignment is at its end: writes the state to the disk.
+  void alignmentDone() noexcept;
 
-  /// True when a volume that is to lie under this name can be moved there from here.
-  bool isOnDiskOf(const std::string& path) const;
-  /// A folder of this one for a volume to grow in. Throws Failure.
-  std::filesystem::path growingFolder(const char* name);
+  /// A folder of this one for a volume to grow in that is to lie under the path. Empty when it could not be
+  /// moved there from here, or nothing can be kept here.
+  std::filesystem::path growingFolder(const char* name, const std::string& path);
   /// A slice of a volume has been written.
   void sliceDone() noexcept { m_hasSlices = true; }
 

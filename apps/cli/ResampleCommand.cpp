@@ -41,6 +41,7 @@ void ResampleCommand::declare(CLI::App& options)
 void ResampleCommand::check(const io::VolumeInfo& info) const
 {
   requireMemory(info.shape, "The");
+  requireMemory(m_resample.outputShape(info.shape), "Aligned");
   if (!m_transforms.empty()) return;
   if (!hasAlignment(info.parameters)) throw Failure(m_input.name() + " carries no alignment.");
   if (isAligned(info.parameters))

@@ -26,6 +26,8 @@
 
 namespace {
 
+constexpr double unreadable = -1.0; // the quality of a pair that could not be read
+
 void shift(SliceInfo& slice, float dx, float dy)
 {
   slice.translationX += dx;
@@ -412,6 +414,7 @@ void ZxAlignSlices::selectPair(const ZxAlignPair& pair)
 
 bool ZxAlignSlices::alignPair(const ZxAlignPair& pair, int method, ZxAlignPairResult& result)
 {
+  if (!m_data->isPairReadable()) return false;
   result.pair = pair;
   result.qualityBefore = static_cast<double>(computeQuality());
   const ZxAlignTransform before = toControl(getSlice(pair.editable));
@@ -482,13 +485,14 @@ double ZxAlignSlices::pairQuality(int lower)
 {
   if (lower < 0 || lower + 1 >= numSlices()) return 0.0;
   selectPair({lower + 1, lower, +1});
-  return static_cast<double>(computeQuality());
+  return m_data->isPairReadable() ? static_cast<double>(computeQuality()) : unreadable;
 }
 
 double ZxAlignSlices::maskedPairQuality(int lower)
 {
   if (lower < 0 || lower + 1 >= numSlices()) return 0.0;
   selectPair({lower + 1, lower, +1});
+  if (!m_data->isPairReadable()) return unreadable;
   const ZxDims& dims = m_data->getDims();
   const bool colour = m_data->isColorField();
   std::vector<unsigned char> mask0 = maskBytes(m_data->getMaskBitfield(lower), dims.slicePixels());

@@ -69,6 +69,13 @@ public:
   /// Polls the work area between slices. Throws Error, also when the disk is full.
   virtual void write(const ZxSpatialData& data, const std::string& target,
                      const std::string& temporary) const = 0;
+  /// Writes the volume straight under its name and takes over the slices that an earlier call has left there
+  /// whole, as far as the format can tell (see continueVolume()). Returns their number. Throws Error.
+  virtual int continueWriting(const ZxSpatialData& data, const std::string& path) const
+  {
+    write(data, path, path);
+    return 0;
+  }
 };
 
 std::unique_ptr<Format> makeTiffFormat();

@@ -38,15 +38,13 @@ int ReadingOrder::next(int k) noexcept
   constexpr int near = 2;
   const int step = m_last < 0 ? m_slices : k - m_last;
   m_last = k;
-  int direction = 0;
-  if (step != 0 && std::abs(step) <= near)
-    direction = step > 0 ? 1 : -1;
-  else if (k == 0)
-    direction = 1;
-  else if (k == m_slices - 1)
-    direction = -1;
-  const int next = k + direction;
-  return direction != 0 && next >= 0 && next < m_slices ? next : -1;
+  if (step != 0) {
+    const bool up = std::abs(step) <= near ? step > 0 : k == 0;
+    const bool down = std::abs(step) <= near ? step < 0 : k == m_slices - 1;
+    m_direction = up ? 1 : down ? -1 : 0;
+  }
+  const int next = k + m_direction;
+  return m_direction != 0 && next >= 0 && next < m_slices ? next : -1;
 }
 
 SliceCache::SliceCache(std::unique_ptr<VolumeReader> reader)
@@ -149,7 +147,6 @@ bool SliceCache::readRowsNow(int k, int y, int rows, void* dst)
 bool SliceCache::copyHeld(int k, std::size_t offset, std::size_t bytes, void* dst)
 {
   std::unique_lock lock(m_mutex);
-  if (m_wanted == k) m_wanted = -1; // Too late to be read ahead.
   Slot* slot = find(k);
   while (slot && slot->state == State::Reading) {
     m_changed.wait(lock);
@@ -170,8 +167,22 @@ bool SliceCache::copyHeld(int k, std::size_t offset, std::size_t bytes, void* ds
   return true;
 }
 
+bool SliceCache::wasForeseen(int k)
+{
+  const std::lock_guard lock(m_mutex);
+  if (m_wanted != k) return false;
+  m_wanted = -1;
+  return true;
+}
+
 void SliceCache::readSlice(int k, void* dst)
 {
+  // Who is faster than the thread that reads ahead does its work, so that the slice is there for a second
+  // time.
+  try {
+    if (wasForeseen(k)) hold(k);
+  } catch (const std::bad_alloc&) { // It is read straight into the caller's memory.
+  }
   if (copyHeld(k, 0, info().shape.sliceBytes(), dst)) return;
   readNow(k, dst);
   foresee(k);

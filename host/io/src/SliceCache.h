@@ -17,12 +17,14 @@ class ReadingOrder {
 public:
   explicit ReadingOrder(int slices) : m_slices(slices) {}
   /// Takes note of a slice that was not asked for of late. Returns the one to read ahead, or -1: the next one
-  /// in the direction from a near one before, or from an end into the volume; nothing after a leap.
+  /// in the direction from a near one before, or from an end into the volume; nothing after a leap. The
+  /// same slice again changes nothing.
   int next(int k) noexcept;
 
 private:
   int m_slices;
   int m_last = -1;
+  int m_direction = 0;
 };
 
 /// Slices of a volume in files: the ones asked for last and the one that is likely to be asked for next,
@@ -59,6 +61,8 @@ private:
   /// Copies bytes of a slice that is in a slot, after waiting for one that is being read. False when it is in
   /// none.
   bool copyHeld(int k, std::size_t offset, std::size_t bytes, void* dst);
+  /// True when a slice is the next one to be read ahead, which it is then no more.
+  bool wasForeseen(int k);
   /// Reads a slice with nothing held locked but the reader.
   void readNow(int k, void* dst);
   bool readRowsNow(int k, int y, int rows, void* dst);

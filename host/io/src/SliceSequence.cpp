@@ -12,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 #include <limits>
+#include <utility>
 
 namespace io {
 namespace fs = std::filesystem;
@@ -236,20 +237,55 @@ std::string SequenceTarget::problem(int slices) const
 void SequenceTarget::write(const ZxSpatialData& data, const Format& format) const
 {
   AtomicFiles files(folder);
-  ZxWorkArea* area = ZxWorkArea::getTheWorkArea();
-  const int slices = data.getLattice()->getDims().slices;
-  for (int k = 0; k < slices; ++k) {
-    throwIfInterrupted();
-    if (area->isWorking()) area->setProgressFraction(static_cast<float>(k) / static_cast<float>(slices));
-    const std::string name = pattern.name(k);
-    format.write(*sliceOf(data, k), folder + name, files.temporary(name));
-  }
+  writeSlices(data, 0, [&](const ZxSpatialData& slice, const std::string& name) {
+    format.write(slice, folder + name, files.temporary(name));
+  });
   const std::string beside = text + sidecarEnding;
   const std::string parameters = parametersText(data);
   if (!parameters.empty()) writeText(parameters, folder + beside, files.temporary(beside));
   files.commit(beside);
   std::error_code error;
   if (parameters.empty()) fs::remove(folder + beside, error); // Those of slices that are no more.
+}
+
+int SequenceTarget::continueWriting(const ZxSpatialData& data, const Format& format) const
+{
+  const int first = wholeSlices(data.getLattice()->shape());
+  writeSlices(data, first, [&](const ZxSpatialData& slice, const std::string& name) {
+    format.write(slice, folder + name, folder + name);
+  });
+  writeParameters(data, folder + text + sidecarEnding);
+  return first;
+}
+
+void SequenceTarget::writeSlices(
+    const ZxSpatialData& data, int first,
+    const std::function<void(const ZxSpatialData&, const std::string&)>& writeSlice) const
+{
+  ZxWorkArea* area = ZxWorkArea::getTheWorkArea();
+  const int slices = data.getLattice()->getDims().slices;
+  for (int k = first; k < slices; ++k) {
+    throwIfInterrupted();
+    if (area->isWorking()) area->setProgressFraction(static_cast<float>(k) / static_cast<float>(slices));
+    writeSlice(*sliceOf(data, k), pattern.name(k));
+  }
+}
+
+int SequenceTarget::wholeSlices(ZxLatticeShape shape) const
+{
+  const int slices = std::exchange(shape.dims.slices, 1);
+  std::error_code error;
+  int k = 0;
+  while (k < slices && fs::exists(folder + pattern.name(k), error)) ++k;
+  const int sure = std::max(k - 1, 0);
+  for (k = 0; k < sure; ++k) try {
+      if (openFile(folder + pattern.name(k))->info().shape != shape) break;
+    } catch (const Interrupted&) {
+      throw;
+    } catch (const Error&) { // It is none of ours.
+      break;
+    }
+  return k;
 }
 
 std::optional<std::string> parametersOfSequence(const std::vector<std::string>& files,

@@ -4,6 +4,7 @@
 #include "NumberPattern.h"
 #include "PlainFile.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -79,6 +80,16 @@ struct SequenceTarget {
   /// Empty, or why a sequence of so many slices cannot be written there.
   std::string problem(int slices) const;
   void write(const ZxSpatialData& data, const Format& format) const;
+  /// Writes straight under the final names and takes over the files from slice 0 on that an earlier call has
+  /// written, but for the last one there: it may be written in part. Returns the number of slices taken over.
+  int continueWriting(const ZxSpatialData& data, const Format& format) const;
+
+private:
+  /// Calls writeSlice(slice, name of its file) for the slices from the first one on.
+  void writeSlices(const ZxSpatialData& data, int first,
+                   const std::function<void(const ZxSpatialData&, const std::string&)>& writeSlice) const;
+  /// The slices from 0 on that are there as files of a shape, without the last one.
+  int wholeSlices(ZxLatticeShape shape) const;
 };
 
 /// The file beside the slices that holds the parameters of a sequence, found by the pattern it is called

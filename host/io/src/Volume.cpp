@@ -337,6 +337,33 @@ void writeSequence(const ZxSpatialData& data, const SequenceTarget& sequence, co
   }
 }
 
+/// Where data are to be written. Throws Error when they cannot be.
+Output checkedOutput(const ZxSpatialData& data, const std::string& path)
+{
+  const ZxLattice* lattice = data.getLattice();
+  if (!lattice || !lattice->isValid()) cannotWrite(path, "there are no voxels to write");
+  Output output(path);
+  const std::string problem = outputProblem(output, lattice->shape(), path);
+  if (!problem.empty()) cannotWrite(path, problem);
+  return output;
+}
+
+int continueFile(const ZxSpatialData& data, const std::string& path, const Format& format)
+{
+  const int slices = format.continueWriting(data, path);
+  if (!format.holdsParameters()) writeParameters(data, parametersBeside(path));
+  return slices;
+}
+
+int continueSequence(const ZxSpatialData& data, const SequenceTarget& sequence, const std::string& target,
+                     const Format& format)
+{
+  std::error_code error;
+  if (createsFolder(target, sequence.folder) && !fs::create_directory(withoutSlash(sequence.folder), error))
+    cannotWrite(target, error.message());
+  return sequence.continueWriting(data, format);
+}
+
 } // namespace
 
 VolumeInfo readInfo(const std::vector<std::string>& inputs, const ReadOptions& options)
@@ -380,11 +407,7 @@ McHandle<ZxSpatialData> readAnything(const std::vector<std::string>& inputs, con
 void writeVolume(const ZxSpatialData& data, const std::string& path)
 {
   guarded("write", path, [&] {
-    const ZxLattice* lattice = data.getLattice();
-    if (!lattice || !lattice->isValid()) cannotWrite(path, "there are no voxels to write");
-    const Output output(path);
-    const std::string problem = outputProblem(output, lattice->shape(), path);
-    if (!problem.empty()) cannotWrite(path, problem);
+    const Output output = checkedOutput(data, path);
     if (output.sequence)
       writeSequence(data, *output.sequence, path, *output.format);
     else
@@ -394,8 +417,11 @@ void writeVolume(const ZxSpatialData& data, const std::string& path)
 
 int continueVolume(const ZxSpatialData& data, const std::string& path)
 {
-  writeVolume(data, path);
-  return 0;
+  return guarded("write", path, [&] {
+    const Output output = checkedOutput(data, path);
+    return output.sequence ? continueSequence(data, *output.sequence, path, *output.format)
+                           : continueFile(data, path, *output.format);
+  });
 }
 
 std::string checkWritable(const ZxLatticeShape& shape, const std::string& path)

@@ -34,7 +34,7 @@ bool isWidest(T min, T max)
          max == std::numeric_limits<T>::max();
 }
 
-/// False when a slice could not be read, or the user stopped it.
+/// False when a slice could not be read or the user wants to stop.
 template <class T>
 bool rangeOf(ZxLattice& lattice, float& min, float& max)
 {
@@ -45,11 +45,11 @@ bool rangeOf(ZxLattice& lattice, float& min, float& max)
   T hi = std::numeric_limits<T>::has_infinity ? -std::numeric_limits<T>::infinity()
                                               : std::numeric_limits<T>::lowest();
   std::vector<T> copy;
-  ZxWorkArea* area = ZxWorkArea::getTheWorkArea();
   for (int k = 0; k < shape.dims.slices && !isWidest(lo, hi); ++k) {
-    if (area->isWorking() && area->wasInterrupted()) return false;
     const T* values = static_cast<const T*>(lattice.sliceInMemory(k));
     if (!values) {
+      // A volume in a file may be larger than anyone wants to wait for.
+      if (ZxWorkArea::getTheWorkArea()->wasInterrupted()) return false;
       copy.resize(n);
       if (!lattice.readSlice(k, copy.data())) return false;
       values = copy.data();

@@ -111,7 +111,8 @@ public:
 
   /// Aligns every slice to its neighbour with a method, from the reference slice upwards and then downwards.
   /// Calls done after each pair. Reports progress and stops when the work area is interrupted, or, after a
-  /// message, when the method fails: what has been aligned by then stays. Returns the number of pairs done.
+  /// message, when the method fails or a slice cannot be read: what has been aligned by then stays. Returns
+  /// the number of pairs done.
   virtual int alignAll(int method, int reference,
                        const std::function<void(const ZxAlignPairResult&)>& done) = 0;
   /// The same without the first pairs of that order, which an earlier run has done: its transforms are the
@@ -121,7 +122,7 @@ public:
                         const std::function<void(const ZxAlignPairResult&)>& done) = 0;
 
   /// Quality (0 to 1) of the pair of slices lower and lower + 1 under their transforms, on all their pixels
-  /// (a connected mask blackens what it excludes).
+  /// (a connected mask blackens what it excludes). -1, after a message, when one of them cannot be read.
   virtual double pairQuality(int lower) = 0;
   /// The same, counting only pixels that the connected mask includes in both slices.
   virtual double maskedPairQuality(int lower) = 0;

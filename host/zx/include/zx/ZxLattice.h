@@ -68,8 +68,8 @@ public:
   void unlock() noexcept { --m_locks; }
 
   /// Smallest and largest value over all voxels and data values that are finite. (0, 0) when there is
-  /// none, when a slice could not be read, or when the working phase was stopped. Kept until voxels are
-  /// written: asking again costs nothing.
+  /// none, when a slice could not be read, or when the work was interrupted while slices were read from a
+  /// file. Kept until voxels are written: asking again costs nothing.
   void getRange(float& min, float& max);
 
 private:
