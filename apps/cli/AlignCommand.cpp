@@ -521,14 +521,14 @@ void AlignCommand::run(Console& console)
 
   AlignReport report = newReport(module, method, info);
   const Stopwatch reading;
-  Stack stack = open(info);
-  connect(module, stack, console);
-  for (const McHandle<ZxField3>* field : {&stack.volume, &stack.compared})
-    forgetConfidence((*field)->parameters());
-  report.reference = m_reference.value_or(module.control().referenceSlice());
-  partial.describe(facts(module, report));
-  report.seconds.reading = reading.seconds();
   partial.guard([&] {
+    Stack stack = open(info);
+    connect(module, stack, console);
+    for (const McHandle<ZxField3>* field : {&stack.volume, &stack.compared})
+      forgetConfidence((*field)->parameters());
+    report.reference = m_reference.value_or(module.control().referenceSlice());
+    partial.describe(facts(module, report));
+    report.seconds.reading = reading.seconds();
     align(module, method, stack, report, partial, console);
     applyAtFullSize(module, stack, report);
     compareWithTruthTable(report);

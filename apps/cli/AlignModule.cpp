@@ -54,7 +54,7 @@ void AlignModule::connectInput(ZxSpatialData& input, Window window)
   m_module->portData.connect(&input);
   m_module->fire();
   if (lendsWindow) input.parameters().remove(kDataWindow);
-  if (ZxWorkArea::getTheWorkArea()->wasInterrupted()) throw Stopped("Stopped while reading " + name + ".");
+  if (ZxWorkArea::getTheWorkArea()->wasInterrupted()) throw Stopped("Stopped while reading " + name);
   if (!m_module->portData.isConnected() || m_control->numSlices() == 0)
     throw Failure(name + ": " + m_console.reason("The volume cannot be aligned."));
   m_console.remarks();

@@ -148,6 +148,7 @@ void PartialOutput::pairDone(const ZxAlignPairResult& pair, std::vector<ZxAlignT
   m_state.transforms = std::move(transforms);
   m_data = &data;
   m_isWritten = false;
+  m_hasProgress = true;
   using Clock = std::chrono::steady_clock;
   const Clock::time_point start = Clock::now();
   if (start < m_nextWrite) return;
@@ -227,8 +228,9 @@ std::string PartialOutput::tail(bool stopped) noexcept
   // Without pairs and slices there is nothing that would not come again at once.
   const bool hasWork = !m_state.pairs.empty() || m_hasSlices || m_resumes;
   if (hasWork && !m_isWritten) writeQuietly();
-  if (hasWork && m_isOurs) return "; what is done is kept in " + m_name + ", and --resume takes it up.";
-  if (m_isOurs) remove();
+  if (hasWork && m_isOurs && (stopped || m_hasProgress))
+    return "; what is done is kept in " + m_name + ", and --resume takes it up.";
+  if (m_isOurs && !hasWork) remove();
   return stopped ? "; nothing was written." : ".";
 }
 

@@ -47,10 +47,11 @@ public:
   /// moved there from here, or nothing can be kept here.
   std::filesystem::path growingFolder(const char* name, const std::string& path);
   /// A slice of a volume has been written.
-  void sliceDone() noexcept { m_hasSlices = true; }
+  void sliceDone() noexcept { m_hasSlices = m_hasProgress = true; }
 
   /// Does work that can be taken up later. Whatever ends it too early (thrown: Stopped, io::Interrupted,
-  /// anything of the standard library) leaves as Stopped or Failure with a sentence that says what is kept.
+  /// anything of the standard library) leaves as Stopped or Failure with a sentence that says what is kept; a
+  /// failure before anything was done says no more than its reason.
   void guard(const std::function<void()>& work);
   /// The run is at its end, or has nothing to keep.
   void remove() noexcept;
@@ -72,6 +73,7 @@ private:
   bool m_isOurs = false;    ///< the folder on the disk is that of this run
   bool m_isWritten = false; ///< its state is the present one
   bool m_hasSlices = false;
+  bool m_hasProgress = false; ///< this run has finished something
   std::chrono::steady_clock::time_point m_nextWrite{};
 };
 

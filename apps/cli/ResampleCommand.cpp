@@ -125,15 +125,15 @@ void ResampleCommand::run(Console& console)
   PartialOutput partial(m_output, m_resume ? Start::Resume : Start::Anew, console);
 
   const Stopwatch watch;
-  const McHandle<ZxField3> volume = m_input.open();
-  module.connectInput(*volume, AlignModule::Window::Later); // no slices are compared
-  applyTable(module, info.shape.dims);
-  m_resample.prepare(module, info.shape);
-  m_resample.settle(module, info.shape);
-  partial.describe(facts());
-  console.remarks();
   ZxDims dims = info.shape.dims;
   partial.guard([&] {
+    const McHandle<ZxField3> volume = m_input.open();
+    module.connectInput(*volume, AlignModule::Window::Later); // no slices are compared
+    applyTable(module, info.shape.dims);
+    m_resample.prepare(module, info.shape);
+    m_resample.settle(module, info.shape);
+    partial.describe(facts());
+    console.remarks();
     dims = module.alignedVolume()->getLattice()->getDims();
     write(module, files, partial, console);
   });

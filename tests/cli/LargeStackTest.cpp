@@ -13,15 +13,15 @@ constexpr bool kLimitsWork = false; // their own memory is larger than any limit
 constexpr bool kLimitsWork = true;
 #endif
 
-constexpr std::uintmax_t kSlice = 2048 * 2048;
-constexpr int kSlices = 400;
+constexpr std::uintmax_t kSlice = 1024 * 1024;
+constexpr int kSlices = 640;
 // Address space, which is more than the memory in use: libraries, stacks of threads, room of allocators.
-constexpr long kLimit = 500l << 20;
+constexpr long kLimit = 200l << 20;
 
 /// A file as long as its header says whose slices but a few are holes: black, and no blocks on the disk.
 bool makeSparseStack(const std::string& path)
 {
-  test::writeFile(path, "NRRD0004\ntype: uint8\ndimension: 3\nsizes: 2048 2048 400\nencoding: raw\n\n");
+  test::writeFile(path, "NRRD0004\ntype: uint8\ndimension: 3\nsizes: 1024 1024 640\nencoding: raw\n\n");
   const std::uintmax_t header = std::filesystem::file_size(path);
   std::error_code error;
   std::filesystem::resize_file(path, header + kSlices * kSlice, error);
@@ -45,10 +45,10 @@ TEST(LargeStack, NeedsTheMemoryOfAFewSlices)
   expectRun({"align", "in.nrrd", "-o", "t.csv", "--transforms-only", "--iterations", "1"});
   expectRun({"align", "in.nrrd", "-o", "s.csv", "--transforms-only", "--scale", "1/8"});
   EXPECT_EQ(test::readFile(folder.file("t.csv")), test::readFile(folder.file("s.csv")));
-  for (const std::string ending : {".nrrd", ".mrc", ".tif"})
-    expectRun({"resample", "in.nrrd", "-o", "out" + ending, "--transforms", "t.csv", "--size", "512", "512",
+  for (const std::string ending : {".nrrd", ".tif"})
+    expectRun({"resample", "in.nrrd", "-o", "out" + ending, "--transforms", "t.csv", "--size", "256", "256",
                "--background", "9"});
-  EXPECT_EQ(io::readInfo({folder.file("out.tif")}).shape.dims, (ZxDims{512, 512, kSlices}));
+  EXPECT_EQ(io::readInfo({folder.file("out.tif")}).shape.dims, (ZxDims{256, 256, kSlices}));
 }
 
 } // namespace
