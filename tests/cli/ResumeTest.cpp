@@ -84,7 +84,7 @@ protected:
       if (outcome.status == 0) return stops;
       EXPECT_EQ(outcome.status, signal == SIGKILL ? 128 + SIGKILL : 130) << outcome.err;
       const bool says = outcome.err.find("kept in " + output + ".partial, and --resume") != std::string::npos;
-      EXPECT_NE(says, signal == SIGKILL) << outcome.err;
+      EXPECT_EQ(says, signal != SIGKILL && fs::exists(partial)) << outcome.err;
       EXPECT_FALSE(fs::exists(folder.file(in + "/" + output)));
       ++stops;
       limit = sizeOf(partial) + random() % step;
