@@ -3,7 +3,7 @@
 #include "ByteStream.h"
 #include "FileError.h"
 #include "FormatNames.h"
-#include "ParameterJson.h"
+#include "io/ParameterJson.h"
 #include "SliceWriter.h"
 
 #include <algorithm>

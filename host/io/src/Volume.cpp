@@ -5,7 +5,7 @@
 #include "FileVoxelSource.h"
 #include "Formats.h"
 #include "Geometry.h"
-#include "ParameterJson.h"
+#include "io/ParameterJson.h"
 #include "SliceSequence.h"
 #include "SliceWriter.h"
 #include "zx/ZxFileAccess.h"

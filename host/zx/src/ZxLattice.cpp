@@ -26,6 +26,14 @@ void widenRange(const T* values, std::size_t n, T& min, T& max)
   }
 }
 
+/// True when no value can widen the range any more, which of 8 bits is soon the case.
+template <class T>
+bool isWidest(T min, T max)
+{
+  return std::is_integral_v<T> && min == std::numeric_limits<T>::lowest() &&
+         max == std::numeric_limits<T>::max();
+}
+
 /// False when a slice could not be read or the user wants to stop.
 template <class T>
 bool rangeOf(ZxLattice& lattice, const std::function<void(float)>& progress, float& min, float& max)
@@ -37,7 +45,7 @@ bool rangeOf(ZxLattice& lattice, const std::function<void(float)>& progress, flo
   T hi = std::numeric_limits<T>::has_infinity ? -std::numeric_limits<T>::infinity()
                                               : std::numeric_limits<T>::lowest();
   std::vector<T> copy;
-  for (int k = 0; k < shape.dims.slices; ++k) {
+  for (int k = 0; k < shape.dims.slices && !isWidest(lo, hi); ++k) {
     const T* values = static_cast<const T*>(lattice.sliceInMemory(k));
     if (!values) {
       // A volume in a file may be larger than anyone wants to wait for.
