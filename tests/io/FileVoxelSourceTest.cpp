@@ -1,6 +1,6 @@
 #include "IoTest.h"
 
-#include "ParameterJson.h"
+#include "io/ParameterJson.h"
 #include "zx/ZxRecordingWorkArea.h"
 
 #include <tiffio.h>
