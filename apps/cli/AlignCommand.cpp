@@ -42,8 +42,9 @@ std::string summaryOf(const AlignReport& report)
 {
   const auto left = std::count_if(report.pairs.begin(), report.pairs.end(),
                                   [](const ZxAlignPairResult& pair) { return !pair.changed; });
-  return std::to_string(report.pairs.size()) + (report.pairs.size() == 1 ? " pair" : " pairs") +
-         " aligned in " + fixed(report.seconds.aligning, 1) + " s, mean quality " +
+  return std::to_string(report.pairs.size()) + (report.pairs.size() == 1 ? " pair" : " pairs") + " aligned" +
+         (report.pairsBefore ? " (" + std::to_string(report.pairsBefore) + " of them before the stop)" : "") +
+         " in " + fixed(report.seconds.aligning, 1) + " s, mean quality " +
          percent(meanQuality(report.pairs, &ZxAlignPairResult::qualityBefore)) + " before, " +
          percent(meanQuality(report.pairs, &ZxAlignPairResult::qualityAfter)) + " after." +
          (left ? " " + std::to_string(left) + " of them were left as they are." : "");
@@ -386,7 +387,7 @@ void AlignCommand::align(AlignModule& module, int method, const Stack& stack, Al
   ZxAlignControl& control = module.control();
   const int total = control.numSlices() - 1;
   const Stopwatch watch;
-  const int before = takeUp(module, stack, partial, console);
+  const int before = report.pairsBefore = takeUp(module, stack, partial, console);
   const int done =
       before + control.alignRest(before, method, report.reference, [&](const ZxAlignPairResult& pair) {
         partial.pairDone(pair, control.transforms(), *stack.compared);

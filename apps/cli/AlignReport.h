@@ -28,6 +28,7 @@ struct AlignReport {
   bool interrupted = false; ///< stopped by the user before the last pair
   /// In the order in which they were aligned; transforms are those of slices of full size.
   std::vector<ZxAlignPairResult> pairs;
+  int pairsBefore = 0; ///< of them, finished by a stopped run before this one; not written
   /// Of the pairs, where the method has judged itself; as many as pairs, or none.
   std::vector<std::optional<PairConfidence>> confidences;
   std::vector<ZxAlignTransform> transforms; ///< of all slices, as they are at the end

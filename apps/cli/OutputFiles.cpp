@@ -4,6 +4,7 @@
 #include "Text.h"
 #include "io/Volume.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
+#include <iterator>
 
 namespace cli {
 namespace fs = std::filesystem;
@@ -89,6 +91,25 @@ fs::path makeStagingFolder(const fs::path& parent, const std::string& target)
   std::string name = (parent / (".zxalign-" + std::string(6, 'X'))).string(); // mkdtemp fills it in
   if (!mkdtemp(name.data())) throw Failure(writeFailure(target, std::strerror(errno)));
   return name;
+}
+
+/// Puts what has grown in a folder on the disk, so that nothing is replaced by what a power failure would
+/// take away. A full disk may show here.
+void flush(const fs::path& folder)
+{
+  // One call for the whole file system is much faster than one for each of hundreds of slices.
+  constexpr std::ptrdiff_t few = 8;
+  const auto entries = [&] { return fs::recursive_directory_iterator(folder); };
+  const bool isFew = std::distance(entries(), {}) <= few;
+  for (const fs::directory_entry& entry : entries()) {
+    if (!entry.is_regular_file()) continue;
+    const int file = open(entry.path().c_str(), O_RDONLY | O_CLOEXEC);
+    const bool isDone = file >= 0 && (isFew ? fsync(file) : syncfs(file)) == 0;
+    const std::string reason = isDone ? "" : std::strerror(errno);
+    if (file >= 0) close(file);
+    if (!isDone) throw Failure(writeFailure(entry.path().filename().string(), reason));
+    if (!isFew) return;
+  }
 }
 
 /// Moves a file or folder into a folder; a folder that is there already receives the files.
@@ -223,6 +244,9 @@ void OutputFiles::writeStaged(const std::string& path, const std::function<void(
 
 void OutputFiles::commit()
 {
+  // What was written whole is on the disk already.
+  for (const Staged& s : m_staged)
+    if (!s.isOurs) flush(s.folder);
   std::string done;
   for (const Staged& s : m_staged) {
     // Parameters of what is replaced do not belong to what replaces it.
