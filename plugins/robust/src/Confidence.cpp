@@ -22,6 +22,14 @@ constexpr double kEqual = 0.08;
 /// 0 where a runner-up is as good, 1 where it is clearly worse.
 double certain(double lead) { return 1.0 - mc::exp(-(lead / kEqual) * (lead / kEqual)); }
 
+/// 1 where the side that is not allowed is no better, 0 where it is clearly better. Nearly symmetric sections
+/// score a little higher on the wrong side now and then, so that little must not count.
+double notTurned(double lead)
+{
+  const double square = (lead / kEqual) * (lead / kEqual);
+  return mc::exp(-square * square);
+}
+
 std::size_t judgedLevel(const Pyramid& pyramid)
 {
   std::size_t level = pyramid.levels().size() - 1;
@@ -61,7 +69,7 @@ double agreementOf(Comparison& comparison, const RigidMotion& motion, double sid
 } // namespace
 
 Evidence evidenceFor(const Pyramid& reference, const Pyramid& moved, const RigidMotion& motion,
-                     const std::vector<Candidate>& others)
+                     const std::vector<Candidate>& others, bool bothSides)
 {
   const std::size_t level = judgedLevel(reference);
   Comparison comparison(reference.levels()[level], moved.levels()[level], Values::Flat);
@@ -81,7 +89,8 @@ Evidence evidenceFor(const Pyramid& reference, const Pyramid& moved, const Rigid
     return score > 0.0 ? std::max(0.0, 1.0 - second / score) : 0.0;
   };
   evidence.distinctness = lead(sameSide);
-  evidence.sidedness = lead(otherSide);
+  evidence.sidedness = bothSides ? lead(otherSide) : 1.0;
+  if (!bothSides && score > 0.0) evidence.turnedOver = std::max(0.0, otherSide / score - 1.0);
   comparison.moveTo(motion);
   evidence.agreement = agreementOf(comparison, motion, std::max(reference.width(), reference.height()));
   return evidence;
@@ -96,16 +105,18 @@ double confidenceOf(const Evidence& e)
   const double evidence = 3.45 + 2.58 * mc::log(shared / (1.0 - shared)) +
                           1.18 * mc::log(distinctness / (1.0 - distinctness) + 0.05) + 2.03 * e.agreement;
   // Where another position or the other side fits as well nothing else helps.
-  return certain(e.distinctness) * certain(e.sidedness) / (1.0 + mc::exp(-evidence));
+  return certain(e.distinctness) * certain(e.sidedness) * notTurned(e.turnedOver) /
+         (1.0 + mc::exp(-evidence));
 }
 
 std::string weaknessOf(const Evidence& e)
 {
-  const std::array<std::pair<double, const char*>, 5> weaknesses{
+  const std::array<std::pair<double, const char*>, 6> weaknesses{
       {{e.overlap / 0.4, "hardly anything overlaps"},
        {e.correlation / 0.25, "the slices hardly resemble each other"},
        {e.distinctness / 0.2, "another position fits nearly as well"},
        {e.sidedness / 0.15, "it fits nearly as well when it is turned over"},
+       {kEqual / std::max(1e-6, 2.0 * e.turnedOver), "it fits better when it is turned over"},
        {e.agreement / 0.4, "the parts of the slice do not agree"}}};
   return std::min_element(weaknesses.begin(), weaknesses.end())->second;
 }

@@ -11,13 +11,16 @@ struct Evidence {
   double correlation = 0.0;  ///< of brightness and contrast made equal, on the overlap
   double overlap = 0.0;      ///< share of what there is to compare
   double distinctness = 0.0; ///< by how much the runner-up scores lower: 0 as high, 1 nothing at all
-  double sidedness = 0.0; ///< the same for the best position of the slice turned over; 1 when none was tried
-  double agreement = 0.0; ///< share of the image's quarters that want to stay where the motion puts them
+  double sidedness =
+      0.0; ///< the same for the best position of the slice turned over; 1 where that is not allowed
+  double turnedOver = 0.0; ///< by how much the slice turned over scores higher where that is not allowed
+  double agreement = 0.0;  ///< share of the image's quarters that want to stay where the motion puts them
 };
 
-/// The evidence for a motion; others are the candidates that lost.
+/// The evidence for a motion; others are the candidates that lost, of both sides. Where only one side was
+/// allowed those of the other one count only as far as they are better.
 Evidence evidenceFor(const Pyramid& reference, const Pyramid& moved, const RigidMotion& motion,
-                     const std::vector<Candidate>& others);
+                     const std::vector<Candidate>& others, bool bothSides);
 
 /// How likely a motion with this evidence is right, in [0, 1]: a logistic function that was fitted to pairs
 /// with known truth.
