@@ -34,8 +34,9 @@ std::vector<Candidate> rivals(const Pyramid& reference, const Pyramid& moved, co
 {
   std::vector<Candidate> all(candidates.begin() + 1, candidates.end());
   if (limits.upright && limits.mirrored) return all;
-  for (const Candidate& candidate : findCandidates(reference, moved, otherSideOf(limits), stopped))
-    all.push_back(candidate);
+  const std::vector<Candidate> turned =
+      findCandidates(reference, moved, otherSideOf(limits), stopped, Effort::Glance);
+  all.insert(all.end(), turned.begin(), turned.end());
   return all;
 }
 
