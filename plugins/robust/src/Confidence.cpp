@@ -3,7 +3,6 @@
 #include "mc/McMath.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace robust {
@@ -18,6 +17,10 @@ constexpr double kLeastShare = 0.08;
 
 // A runner-up that scores lower by this share may as well be the right one.
 constexpr double kEqual = 0.08;
+
+// Of the traits, fitted by logistic regression to pairs with known truth: neighbours, slices far apart,
+// slices that have nothing in common. `robust_tables FOLDER fit` makes them.
+constexpr std::array<double, kTraits> kCoefficients{3.45, 2.58, 1.18, 2.03};
 
 /// 0 where a runner-up is as good, 1 where it is clearly worse.
 double certain(double lead) { return 1.0 - mc::exp(-(lead / kEqual) * (lead / kEqual)); }
@@ -96,17 +99,25 @@ Evidence evidenceFor(const Pyramid& reference, const Pyramid& moved, const Rigid
   return evidence;
 }
 
-double confidenceOf(const Evidence& e)
+std::array<double, kTraits> traitsOf(const Evidence& e)
 {
-  // Fitted by logistic regression to pairs with known truth: neighbours, slices far apart, slices that have
-  // nothing in common.
   const double shared = std::clamp(e.correlation * e.overlap, 0.01, 0.99);
   const double distinctness = std::min(e.distinctness, 0.98);
-  const double evidence = 3.45 + 2.58 * mc::log(shared / (1.0 - shared)) +
-                          1.18 * mc::log(distinctness / (1.0 - distinctness) + 0.05) + 2.03 * e.agreement;
-  // Where another position or the other side fits as well nothing else helps.
-  return certain(e.distinctness) * certain(e.sidedness) * notTurned(e.turnedOver) /
-         (1.0 + mc::exp(-evidence));
+  return {1.0, mc::log(shared / (1.0 - shared)), mc::log(distinctness / (1.0 - distinctness) + 0.05),
+          e.agreement};
+}
+
+double clarityOf(const Evidence& e)
+{
+  return certain(e.distinctness) * certain(e.sidedness) * notTurned(e.turnedOver);
+}
+
+double confidenceOf(const Evidence& e)
+{
+  const std::array<double, kTraits> traits = traitsOf(e);
+  double evidence = 0.0;
+  for (std::size_t i = 0; i < kTraits; ++i) evidence += kCoefficients[i] * traits[i];
+  return clarityOf(e) / (1.0 + mc::exp(-evidence));
 }
 
 std::string weaknessOf(const Evidence& e)

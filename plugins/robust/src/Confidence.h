@@ -2,6 +2,7 @@
 
 #include "CandidateSearch.h"
 
+#include <array>
 #include <string>
 
 namespace robust {
@@ -22,8 +23,16 @@ struct Evidence {
 Evidence evidenceFor(const Pyramid& reference, const Pyramid& moved, const RigidMotion& motion,
                      const std::vector<Candidate>& others, bool bothSides);
 
-/// How likely a motion with this evidence is right, in [0, 1]: a logistic function that was fitted to pairs
-/// with known truth.
+constexpr std::size_t kTraits = 4;
+/// What the logistic function weighs: 1, log odds of correlation and of distinctness, agreement.
+std::array<double, kTraits> traitsOf(const Evidence& evidence);
+
+/// 1 where no other position and not the other side fits as well, 0 where one of them does: nothing else
+/// helps then.
+double clarityOf(const Evidence& evidence);
+
+/// How likely a motion with this evidence is right, in [0, 1]: the clarity times a logistic function of the
+/// traits that was fitted to pairs with known truth.
 double confidenceOf(const Evidence& evidence);
 
 /// The evidence that is weakest, as a clause for people: "hardly anything overlaps".
