@@ -9,6 +9,7 @@
 #include "RobustSearch.h"
 #include "RobustStacks.h"
 #include "mc/McMath.h"
+#include "mc/McRound.h"
 
 #include <algorithm>
 #include <cmath>
@@ -103,24 +104,58 @@ void printMoved(const fs::path& folder)
 }
 
 /// Every angle, shifts to a quarter of the width, mirrored and not, of one slice against another or itself.
-Tally capture(const Stack& stack, int reference, int moved, const RigidMotion& between)
+/// The slice that is moved gets noise of a standard deviation.
+Tally capture(const Stack& reference, int slice, const Stack& other, int moved, const RigidMotion& between,
+              double noise = 0.0)
 {
   Tally tally;
-  const Pyramid pyramid(stack.image(reference));
+  const Pyramid pyramid(reference.image(slice));
   Limits limits;
   limits.mirrored = true;
   limits.largestShift = 0.6;
+  unsigned seed = 0;
   for (int angle = -180; angle < 180; angle += 15)
     for (const bool mirrored : {false, true})
       for (const double share : {0.0, 0.15, 0.25}) {
         double sine = 0.0, cosine = 1.0;
         mc::sinCosDegrees(7.0 * angle + 400.0 * share, sine, cosine);
-        const double length = share * stack.width;
+        const double length = share * other.width;
         const RigidMotion motion{withinCircle(angle), {length * cosine, length * sine}, mirrored};
-        const Stack turned = movedSlice(stack, moved, motion, 0.0, 0);
-        tally.add(stack, findMotion(pyramid, Pyramid(turned.image(0)), limits), between.after(motion));
+        const Stack turned = movedSlice(other, moved, motion, noise, ++seed);
+        tally.add(other, findMotion(pyramid, Pyramid(turned.image(0)), limits), between.after(motion));
       }
   return tally;
+}
+
+/// What a channel of a stack shows, in grey.
+Stack channelOf(const Stack& stack, int channel)
+{
+  Stack grey = stack;
+  grey.channels = 1;
+  grey.samples.clear();
+  for (std::size_t i = static_cast<std::size_t>(channel); i < stack.samples.size();
+       i += static_cast<std::size_t>(stack.channels))
+    grey.samples.push_back(stack.samples[i]);
+  return grey;
+}
+
+/// The sections as if they had been stained blue instead of brown, weaker, and lit from one side: red and
+/// blue change places, dark tissue keeps two thirds of its contrast, and the light falls by a quarter from
+/// left to right.
+Stack stainedAnew(const Stack& stack)
+{
+  Stack blue = stack;
+  for (std::size_t i = 0; i + 3 < blue.samples.size(); i += 4) {
+    std::swap(blue.samples[i], blue.samples[i + 2]);
+    const auto column = static_cast<double>(i / 4 % static_cast<std::size_t>(stack.width));
+    for (std::size_t c = i; c < i + 3; ++c) {
+      const double dark = 1.0 - blue.samples[c] / 255.0;
+      const double light = (1.0 - 0.67 * dark * std::sqrt(dark)) * (1.0 - 0.25 * column / stack.width);
+      blue.samples[c] = mc::roundHalfEven<unsigned char>(255.0 * light);
+    }
+  }
+  blue.background = 0;
+  return blue;
 }
 
 void printCaptured(const Stack& stack, const char* what, const Tally& tally)
@@ -134,13 +169,19 @@ void printCapture(const fs::path& folder)
 {
   std::printf(
       "| stack | slice against | positions | found | sure | sure and wrong |\n|---|---|---|---|---|---|\n");
-  std::vector<std::string> names = volumesWithTruth();
-  names.emplace_back("jitter/histology_rgb8.nrrd");
-  for (const Stack& stack : readStacks(folder, names)) {
+  for (const Stack& stack : readStacks(folder, volumesWithTruth())) {
+    const int slice = stack.slices / 2, next = slice + 1;
+    printCaptured(stack, "itself", capture(stack, slice, stack, slice, {}));
+    printCaptured(stack, "its neighbour", capture(stack, slice, stack, next, stack.motion(slice, next)));
+  }
+  for (const Stack& stack : readStacks(folder, {"jitter/histology_rgb8.nrrd"})) {
     const int slice = stack.slices / 2;
-    printCaptured(stack, "itself", capture(stack, slice, slice, {}));
-    if (!stack.truth.empty())
-      printCaptured(stack, "its neighbour", capture(stack, slice, slice + 1, stack.motion(slice, slice + 1)));
+    const Stack anew = stainedAnew(stack);
+    printCaptured(stack, "itself", capture(stack, slice, stack, slice, {}));
+    printCaptured(stack, "itself, stained anew, with noise",
+                  capture(stack, slice, anew, slice, {}, 0.5 * deviationOf(anew, slice)));
+    printCaptured(stack, "red channel against the blue one",
+                  capture(channelOf(stack, 0), slice, channelOf(stack, 2), slice, {}));
   }
 }
 

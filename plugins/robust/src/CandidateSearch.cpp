@@ -39,7 +39,7 @@ struct Numbers {
   std::size_t coarsest, next, last;
 };
 
-Numbers numbersFor(Effort effort) { return effort == Effort::Full ? Numbers{12, 4, 2} : Numbers{4, 2, 1}; }
+Numbers numbersFor(Effort effort) { return effort == Effort::Full ? Numbers{12, 4, 3} : Numbers{4, 2, 1}; }
 
 /// What both slices are compared with.
 struct Pair {

@@ -16,20 +16,28 @@ constexpr double kApart = 0.02;
 constexpr double kLeastShare = 0.08;
 
 // A runner-up that scores lower by this share may as well be the right one.
-constexpr double kEqual = 0.08;
-
+constexpr double kEqual = 0.03;
+// A side that is not allowed and scores higher by this share is the right one.
+constexpr double kTurnedOver = 0.08;
+// Slices of fine noisy tissue correlate little when they match: below these log odds, a correlation of 0.23,
+// others say more.
+constexpr double kLeastOdds = -1.2;
+// A lead over the other side that is as good as any larger one.
+constexpr double kClearSide = 0.3;
+// Quarters that agree less than this speak against a match; above it they hardly tell right from wrong.
+constexpr double kAgreeing = 0.4;
 // Of the traits, fitted by logistic regression to pairs with known truth: neighbours, slices far apart,
 // slices that have nothing in common. `robust_tables FOLDER fit` makes them.
-constexpr std::array<double, kTraits> kCoefficients{3.45, 2.58, 1.18, 2.03};
+constexpr std::array<double, kTraits> kCoefficients{2.12, 4.02, 3.83, 3.75};
 
-/// 0 where a runner-up is as good, 1 where it is clearly worse.
-double certain(double lead) { return 1.0 - mc::exp(-(lead / kEqual) * (lead / kEqual)); }
+/// 1/2 where a runner-up is as good, 1 where it is worse.
+double oneOfTwo(double lead) { return 1.0 - 0.5 * mc::exp(-(lead / kEqual) * (lead / kEqual)); }
 
 /// 1 where the side that is not allowed is no better, 0 where it is clearly better. Nearly symmetric sections
 /// score a little higher on the wrong side now and then, so that little must not count.
 double notTurned(double lead)
 {
-  const double square = (lead / kEqual) * (lead / kEqual);
+  const double square = (lead / kTurnedOver) * (lead / kTurnedOver);
   return mc::exp(-square * square);
 }
 
@@ -102,14 +110,14 @@ Evidence evidenceFor(const Pyramid& reference, const Pyramid& moved, const Rigid
 std::array<double, kTraits> traitsOf(const Evidence& e)
 {
   const double shared = std::clamp(e.correlation * e.overlap, 0.01, 0.99);
-  const double distinctness = std::min(e.distinctness, 0.98);
-  return {1.0, mc::log(shared / (1.0 - shared)), mc::log(distinctness / (1.0 - distinctness) + 0.05),
-          e.agreement};
+  return {1.0, std::max(kLeastOdds, mc::log(shared / (1.0 - shared))),
+          -mc::log(std::max(0.05, 1.0 - e.distinctness)), std::min(e.sidedness, kClearSide)};
 }
 
 double clarityOf(const Evidence& e)
 {
-  return certain(e.distinctness) * certain(e.sidedness) * notTurned(e.turnedOver);
+  return oneOfTwo(e.distinctness) * oneOfTwo(e.sidedness) * notTurned(e.turnedOver) *
+         std::min(1.0, e.agreement / kAgreeing);
 }
 
 double confidenceOf(const Evidence& e)
@@ -127,8 +135,8 @@ std::string weaknessOf(const Evidence& e)
        {e.correlation / 0.25, "the slices hardly resemble each other"},
        {e.distinctness / 0.2, "another position fits nearly as well"},
        {e.sidedness / 0.15, "it fits nearly as well when it is turned over"},
-       {kEqual / std::max(1e-6, 2.0 * e.turnedOver), "it fits better when it is turned over"},
-       {e.agreement / 0.4, "the parts of the slice do not agree"}}};
+       {kTurnedOver / std::max(1e-6, 2.0 * e.turnedOver), "it fits better when it is turned over"},
+       {e.agreement / kAgreeing, "the parts of the slice do not agree"}}};
   return std::min_element(weaknesses.begin(), weaknesses.end())->second;
 }
 

@@ -24,11 +24,13 @@ Evidence evidenceFor(const Pyramid& reference, const Pyramid& moved, const Rigid
                      const std::vector<Candidate>& others, bool bothSides);
 
 constexpr std::size_t kTraits = 4;
-/// What the logistic function weighs: 1, log odds of correlation and of distinctness, agreement.
+/// What the logistic function weighs: 1, correlation, distinctness, sidedness, agreement, each on a scale of
+/// its own.
 std::array<double, kTraits> traitsOf(const Evidence& evidence);
 
-/// 1 where no other position and not the other side fits as well, 0 where one of them does: nothing else
-/// helps then.
+/// A factor of the confidence: 1 where nothing else fits as well, 1/2 where another position or the other
+/// side does, for then one of the two is right, and towards 0 where the side that is not allowed fits clearly
+/// better or the quarters want to go their own ways.
 double clarityOf(const Evidence& evidence);
 
 /// How likely a motion with this evidence is right, in [0, 1]: the clarity times a logistic function of the
