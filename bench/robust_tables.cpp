@@ -1,11 +1,12 @@
 // How accurate, how far-reaching and how honest the method "robust" is, on the volumes with known truth.
 // Prints one table of Markdown for each name given.
 //
-//   robust_tables FOLDER accuracy|moved|capture|calibration|fit...
+//   robust_tables FOLDER accuracy|moved|capture|calibration|memory|fit...
 //
 // FOLDER holds the volumes (jitter/, em/, histology/); those that are not there are left out.
 
 #include "RobustCalibration.h"
+#include "RobustMemory.h"
 #include "RobustSearch.h"
 #include "RobustStacks.h"
 #include "mc/McMath.h"
@@ -190,7 +191,7 @@ void printCapture(const fs::path& folder)
 int main(int argc, char** argv)
 {
   if (argc < 3) {
-    std::fputs("robust_tables FOLDER accuracy|moved|capture|calibration|fit...\n", stderr);
+    std::fputs("robust_tables FOLDER accuracy|moved|capture|calibration|memory|fit...\n", stderr);
     return 2;
   }
   const fs::path folder = argv[1];
@@ -201,6 +202,7 @@ int main(int argc, char** argv)
       if (table == "moved") printMoved(folder);
       if (table == "capture") printCapture(folder);
       if (table == "calibration") printCalibration(folder);
+      if (table == "memory") printMemory();
       if (table == "fit") printFit(folder);
     }
   } catch (const std::exception& error) {
