@@ -1,6 +1,8 @@
-// Pair difference: the kernel on one thread against the plain loop over all grid points.
+// Pair difference: the kernels on one thread against the plain loop over all grid points of both images.
+// "<case>_plain" and "<case>" of the same size belong together.
 
 #include "kernels/PairDifference.h"
+#include "kernels/SampledComparison.h"
 
 #include "reference/PlainPairDifference.h"
 #include "support/Random.h"
@@ -14,63 +16,119 @@ using kernels::Affine16;
 using kernels::PairDifference;
 using kernels::PairImage;
 
-// An unturned pair is compared row against row; a turn of 5 degrees looks up every pixel.
+constexpr Affine16 kPlaced{};
 constexpr Affine16 kShift{65536, 0, 0, 65536, 7 * 65536 + 1234, -3 * 65536 - 999};
-constexpr Affine16 kTurn{65287, 5712, -5712, 65287, 7 * 65536 + 1234, -3 * 65536 - 999};
+
+/// Both slices turned, about no special point and each by itself.
+struct Mappings {
+  Affine16 a, b;
+};
+// 5 degrees, about a corner: most of the points lie in both slices.
+constexpr Mappings kTurned5{{65287, 5712, -5712, 65287, 9 * 65536 + 77, -11 * 65536},
+                            {65287, 5712, -5712, 65287, 7 * 65536 + 1234, -3 * 65536 - 999}};
+constexpr Mappings kTurned45{{46341, 46341, -46341, 46341, 9 * 65536 + 77, -11 * 65536},
+                             {46341, 46341, -46341, 46341, 7 * 65536 + 1234, -3 * 65536 - 999}};
+constexpr Mappings kUnturned{kPlaced, kShift};
 
 struct Setup {
-  Setup(const benchmark::State& state, int channelCount)
-    : edge(static_cast<int>(state.range(0))), channels(channelCount),
-      a(Random(1).bytes(static_cast<std::size_t>(edge) * static_cast<std::size_t>(edge * channels))),
-      b(Random(2).bytes(a.size()))
+  Setup(int edgeLength, int channelCount, const Mappings& m)
+    : edge(edgeLength), channels(channelCount), mappings(m),
+      a(Random(1).bytes(countOf(edgeLength, edgeLength, channelCount))), b(Random(2).bytes(a.size()))
   {
   }
-  template <class Compare>
-  PairDifference run(const Compare& compare, const Affine16& m) const
-  {
-    return compare(PairImage{a.data(), edge, edge}, Affine16{}, PairImage{b.data(), edge, edge}, m, edge,
-                   edge, channels);
-  }
+  PairImage imageA() const { return {a.data(), edge, edge}; }
+  PairImage imageB() const { return {b.data(), edge, edge}; }
+
   int edge;
   int channels;
+  Mappings mappings;
   std::vector<std::uint8_t> a, b;
 };
 
-PairDifference plain(const PairImage& a, const Affine16& ma, const PairImage& b, const Affine16& mb,
-                     int width, int height, int channels)
-{
-  return reference::plainPairDifference(a, ma, b, mb, width, height, channels);
-}
+/// The difference by the plain loop, ...
+struct Plain {
+  explicit Plain(const Setup& setup) : s(setup) {}
+  PairDifference operator()()
+  {
+    return reference::plainPairDifference(s.imageA(), s.mappings.a, s.imageB(), s.mappings.b, s.edge, s.edge,
+                                          s.channels);
+  }
+  const Setup& s;
+};
+
+/// ... with both images sampled in the call ...
+struct InOneCall {
+  explicit InOneCall(const Setup& setup) : s(setup) {}
+  PairDifference operator()()
+  {
+    return kernels::pairDifference(s.imageA(), s.mappings.a, s.imageB(), s.mappings.b, s.edge, s.edge,
+                                   s.channels);
+  }
+  const Setup& s;
+};
+
+/// ... and with the reference sampled before.
+struct Presampled {
+  explicit Presampled(const Setup& setup) : s(setup)
+  {
+    sampled.reserve(s.edge, s.edge, s.channels);
+    sampled.sample(s.imageA(), s.mappings.a, s.edge, s.edge, s.channels);
+    comparison.reserve(s.edge);
+  }
+  PairDifference operator()()
+  {
+    comparison.start(sampled, s.imageB(), s.mappings.b);
+    return {comparison.add(0, comparison.bands()), comparison.count()};
+  }
+  const Setup& s;
+  kernels::SampledReference sampled;
+  kernels::SampledComparison comparison;
+};
 
 template <class Compare>
-void time(benchmark::State& state, const Compare& compare, const Affine16& m, int channels, int threads)
+void time(benchmark::State& state, const Mappings& mappings, int channels, int threads)
 {
-  const Setup setup(state, channels);
+  const Setup setup(static_cast<int>(state.range(0)), channels, mappings);
   withThreads(threads, [&] {
-    const PairDifference expected = setup.run(plain, m);
-    if (expected.count == 0 || !(setup.run(compare, m) == expected)) {
+    Compare compare(setup);
+    const PairDifference expected = Plain(setup)();
+    if (expected.count == 0 || !(compare() == expected)) {
       state.SkipWithError("wrong result");
       return;
     }
-    for (auto _ : state) benchmark::DoNotOptimize(setup.run(compare, m));
+    for (auto _ : state) benchmark::DoNotOptimize(compare());
     state.SetItemsProcessed(state.iterations() * setup.edge * setup.edge);
   });
 }
 
-} // namespace
-
 // Seconds per call at the edge length given by the last argument; points of the grid per second.
-#define ZX_BENCH(name, ...)                                                                                  \
-  BENCHMARK_CAPTURE(time, name, __VA_ARGS__)                                                                 \
-      ->Arg(128)                                                                                             \
-      ->Arg(1024)                                                                                            \
-      ->Unit(benchmark::kMicrosecond)                                                                        \
-      ->UseRealTime()
-ZX_BENCH(shifted_plain, plain, kShift, 1, 1);
-ZX_BENCH(shifted, kernels::pairDifference, kShift, 1, 1);
-ZX_BENCH(shifted_2_threads, kernels::pairDifference, kShift, 1, 2);
-ZX_BENCH(turned_plain, plain, kTurn, 1, 1);
-ZX_BENCH(turned, kernels::pairDifference, kTurn, 1, 1);
-ZX_BENCH(turned_2_threads, kernels::pairDifference, kTurn, 1, 2);
-ZX_BENCH(turned_colour_plain, plain, kTurn, 4, 1);
-ZX_BENCH(turned_colour, kernels::pairDifference, kTurn, 4, 1);
+void add(const char* name, void (*run)(benchmark::State&, const Mappings&, int, int),
+         const Mappings& mappings, int channels, int threads = 1)
+{
+  benchmark::RegisterBenchmark(name,
+                               [=](benchmark::State& state) { run(state, mappings, channels, threads); })
+      ->Arg(128)
+      ->Arg(1024)
+      ->Arg(4096)
+      ->Unit(benchmark::kMicrosecond)
+      ->UseRealTime();
+}
+
+const bool added = [] {
+  add("turned5_plain", time<Plain>, kTurned5, 1);
+  add("turned5_presampled", time<Presampled>, kTurned5, 1);
+  add("turned5_presampled_2_threads", time<Presampled>, kTurned5, 1, 2);
+  add("turned5_in_one_call", time<InOneCall>, kTurned5, 1);
+  add("turned45_plain", time<Plain>, kTurned45, 1);
+  add("turned45_presampled", time<Presampled>, kTurned45, 1);
+  add("turned45_in_one_call", time<InOneCall>, kTurned45, 1);
+  add("unturned_plain", time<Plain>, kUnturned, 1);
+  add("unturned_presampled", time<Presampled>, kUnturned, 1);
+  add("unturned_in_one_call", time<InOneCall>, kUnturned, 1);
+  add("turned5_colour_plain", time<Plain>, kTurned5, 4);
+  add("turned5_colour_presampled", time<Presampled>, kTurned5, 4);
+  add("turned5_colour_in_one_call", time<InOneCall>, kTurned5, 4);
+  return true;
+}();
+
+} // namespace

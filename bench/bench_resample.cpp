@@ -1,4 +1,4 @@
-// Resampling of a slice: the kernel on one thread against the plain loop with a test of every pixel.
+// Resampling of a slice: the kernel on one and two threads against the plain loop with a test of every pixel.
 
 #include "kernels/Resample.h"
 
@@ -29,20 +29,25 @@ void plain(const ResampleFrame& frame, const T* source, int channels, Interpolat
   reference::plainResample(frame, source, channels, mode, background, output);
 }
 
+struct Case {
+  Interpolation mode;
+  int channels = 1;
+  int threads = 1;
+};
+
 template <class T, class Resample>
-void time(benchmark::State& state, const Resample& resample, Interpolation mode, int threads)
+void time(benchmark::State& state, const Resample& resample, const Case& c)
 {
   const ResampleFrame frame = frameOf(static_cast<int>(state.range(0)));
-  const std::vector<std::uint8_t> bytes =
-      Random(3).bytes(static_cast<std::size_t>(frame.width) * static_cast<std::size_t>(frame.height));
+  const std::vector<std::uint8_t> bytes = Random(3).bytes(countOf(frame.width, frame.height, c.channels));
   const std::vector<T> source(bytes.begin(), bytes.end());
-  std::vector<T> output(static_cast<std::size_t>(frame.outWidth) * static_cast<std::size_t>(frame.outHeight));
+  std::vector<T> output(countOf(frame.outWidth, frame.outHeight, c.channels));
   std::vector<T> expected(output.size());
-  const float background = 9.0f;
-  plain(frame, source.data(), 1, mode, &background, expected.data(), 0, frame.outHeight);
-  withThreads(threads, [&] {
+  const float background[] = {9.0f, 8.0f, 7.0f, 6.0f};
+  plain(frame, source.data(), c.channels, c.mode, background, expected.data(), 0, frame.outHeight);
+  withThreads(c.threads, [&] {
     const auto run = [&] {
-      resample(frame, source.data(), 1, mode, &background, output.data(), 0, frame.outHeight);
+      resample(frame, source.data(), c.channels, c.mode, background, output.data(), 0, frame.outHeight);
       benchmark::DoNotOptimize(output.data());
     };
     run();
@@ -56,29 +61,42 @@ void time(benchmark::State& state, const Resample& resample, Interpolation mode,
 }
 
 template <class Resample>
-void timeByte(benchmark::State& state, const Resample& resample, Interpolation mode, int threads)
+void timeByte(benchmark::State& state, const Resample& resample, const Case& c)
 {
-  time<std::uint8_t>(state, resample, mode, threads);
+  time<std::uint8_t>(state, resample, c);
 }
 
 template <class Resample>
-void timeFloat(benchmark::State& state, const Resample& resample, Interpolation mode, int threads)
+void timeShort(benchmark::State& state, const Resample& resample, const Case& c)
 {
-  time<float>(state, resample, mode, threads);
+  time<std::uint16_t>(state, resample, c);
+}
+
+template <class Resample>
+void timeFloat(benchmark::State& state, const Resample& resample, const Case& c)
+{
+  time<float>(state, resample, c);
 }
 
 } // namespace
 
-#define ZX_BENCH(function, name, ...)                                                                        \
+// Seconds per call at the edge length given by the last argument; pixels of the output per second. Every row
+// is there three times: the plain loop, one thread and two.
+#define ZX_BENCH_ONE(function, name, ...)                                                                    \
   BENCHMARK_CAPTURE(function, name, __VA_ARGS__)                                                             \
       ->Arg(128)                                                                                             \
       ->Arg(1024)                                                                                            \
       ->Unit(benchmark::kMicrosecond)                                                                        \
       ->UseRealTime()
-ZX_BENCH(timeByte, nearest_plain, plain<std::uint8_t>, Interpolation::Nearest, 1);
-ZX_BENCH(timeByte, nearest, kernels::resampleRows<std::uint8_t>, Interpolation::Nearest, 1);
-ZX_BENCH(timeByte, linear_plain, plain<std::uint8_t>, Interpolation::Linear, 1);
-ZX_BENCH(timeByte, linear, kernels::resampleRows<std::uint8_t>, Interpolation::Linear, 1);
-ZX_BENCH(timeByte, linear_2_threads, kernels::resampleRows<std::uint8_t>, Interpolation::Linear, 2);
-ZX_BENCH(timeFloat, linear_plain, plain<float>, Interpolation::Linear, 1);
-ZX_BENCH(timeFloat, linear, kernels::resampleRows<float>, Interpolation::Linear, 1);
+#define ZX_BENCH(function, name, type, mode, channels)                                                       \
+  ZX_BENCH_ONE(function, name##_plain, plain<type>, Case{mode, channels, 1});                                \
+  ZX_BENCH_ONE(function, name, kernels::resampleRows<type>, Case{mode, channels, 1});                        \
+  ZX_BENCH_ONE(function, name##_2_threads, kernels::resampleRows<type>, Case{mode, channels, 2})
+ZX_BENCH(timeByte, nearest, std::uint8_t, Interpolation::Nearest, 1);
+ZX_BENCH(timeByte, linear, std::uint8_t, Interpolation::Linear, 1);
+ZX_BENCH(timeByte, colour_nearest, std::uint8_t, Interpolation::Nearest, 4);
+ZX_BENCH(timeByte, colour_linear, std::uint8_t, Interpolation::Linear, 4);
+ZX_BENCH(timeShort, nearest, std::uint16_t, Interpolation::Nearest, 1);
+ZX_BENCH(timeShort, linear, std::uint16_t, Interpolation::Linear, 1);
+ZX_BENCH(timeFloat, nearest, float, Interpolation::Nearest, 1);
+ZX_BENCH(timeFloat, linear, float, Interpolation::Linear, 1);

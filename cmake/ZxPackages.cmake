@@ -30,4 +30,6 @@ if(ZX_BUILD_TESTS)
 endif()
 if(ZX_BUILD_BENCH)
   find_package(benchmark REQUIRED)
+  # Only to be measured beside it.
+  find_package(OpenCV QUIET COMPONENTS core imgproc)
 endif()

@@ -3,6 +3,8 @@
 #include "kernels/Parallel.h"
 
 #include "FixedWalk.h"
+#include "PairSide.h"
+#include "RowSpans.h"
 
 #include "mc/McRound.h"
 
@@ -14,13 +16,8 @@ namespace kernels {
 
 namespace {
 
-constexpr int kBlock = 256;
-
-Span insideImage(const PairImage& image, const Affine16& m, std::int64_t row, Span within)
-{
-  within = inside(m.dx + row * m.m21, m.m11, std::int64_t{image.width} << 16, within);
-  return inside(m.dy + row * m.m22, m.m12, std::int64_t{image.height} << 16, within);
-}
+// Rows whose spans are found together.
+constexpr int kSpanRows = 64;
 
 Walk walkOf(const PairImage& image, const Affine16& m, std::int64_t row, std::int64_t column)
 {
@@ -41,50 +38,6 @@ std::uint32_t squareAt(const std::uint8_t* a, const std::uint8_t* b)
     sum += static_cast<std::uint32_t>(d * d);
   }
   return sum;
-}
-
-// Blocks keep the sum of up to 4096 * 3 squares within 32 bits, which makes the inner loop cheap.
-template <int Channels>
-std::uint64_t unturnedRow(const Walk& wa, const Walk& wb, std::int64_t n)
-{
-  const std::uint8_t* a = wa.pixels + std::size_t{pixelAt(wa, wa.x, wa.y)} * Channels;
-  const std::uint8_t* b = wb.pixels + std::size_t{pixelAt(wb, wb.x, wb.y)} * Channels;
-  std::uint64_t sum = 0;
-  for (std::int64_t done = 0; done < n; done += 4096) {
-    const std::ptrdiff_t end = std::min<std::int64_t>(n, done + 4096);
-    std::uint32_t blockSum = 0;
-    for (std::ptrdiff_t k = done; k < end; ++k)
-      blockSum += squareAt<Channels>(a + k * Channels, b + k * Channels);
-    sum += blockSum;
-  }
-  return sum;
-}
-
-template <int Channels>
-std::uint64_t turnedRow(Walk wa, Walk wb, std::int64_t n)
-{
-  std::uint32_t ia[kBlock];
-  std::uint32_t ib[kBlock];
-  std::uint64_t sum = 0;
-  for (std::int64_t done = 0; done < n; done += kBlock) {
-    const int count = static_cast<int>(std::min<std::int64_t>(kBlock, n - done));
-    nextPixels(wa, count, ia);
-    nextPixels(wb, count, ib);
-    std::uint32_t blockSum = 0;
-    for (int k = 0; k < count; ++k)
-      blockSum += squareAt<Channels>(wa.pixels + std::size_t{ia[k]} * Channels,
-                                     wb.pixels + std::size_t{ib[k]} * Channels);
-    sum += blockSum;
-  }
-  return sum;
-}
-
-template <int Channels>
-PairDifference plainRow(const Walk& wa, const Walk& wb, std::int64_t n)
-{
-  const bool unturned = isUnturned(wa) && isUnturned(wb);
-  return {unturned ? unturnedRow<Channels>(wa, wb, n) : turnedRow<Channels>(wa, wb, n),
-          static_cast<std::uint64_t>(n)};
 }
 
 // The two terms of a mask index, for every row and every column of the compared image.
@@ -138,18 +91,20 @@ bool isWithinLimits(const PairImage& a, const PairImage& b, int gridWidth, int g
   return std::max({a.width, a.height, b.width, b.height, gridWidth, gridHeight}) <= kMaxSide;
 }
 
-// Sums rowSum(walkA, walkB, n) over the part of every grid row that lies in both images.
-template <class RowSum>
+// Sums rowsSum(spans, rowBegin, rowEnd) over the parts of the rows of the grid that lie in both images.
+template <class RowsSum>
 PairDifference sumOverGrid(const PairImage& a, const Affine16& ma, const PairImage& b, const Affine16& mb,
-                           int gridWidth, int gridHeight, const RowSum& rowSum)
+                           int gridWidth, int gridHeight, const RowsSum& rowsSum)
 {
   return sumRows<PairDifference>(0, gridHeight, rowGrain(gridWidth), [&](int rowBegin, int rowEnd) {
     PairDifference sum;
-    for (int row = rowBegin; row < rowEnd; ++row) {
-      const Span span = insideImage(b, mb, row, insideImage(a, ma, row, {0, gridWidth}));
-      if (span.begin < span.end)
-        sum = sum +
-              rowSum(walkOf(a, ma, row, span.begin), walkOf(b, mb, row, span.begin), span.end - span.begin);
+    RowSpan spans[kSpanRows];
+    for (int row = rowBegin; row < rowEnd; row += kSpanRows) {
+      const int rows = std::min(kSpanRows, rowEnd - row);
+      std::fill_n(spans, rows, RowSpan{0, gridWidth});
+      clipToImage(a, ma, row, rows, spans);
+      clipToImage(b, mb, row, rows, spans);
+      sum = sum + rowsSum(spans, row, row + rows);
     }
     return sum;
   });
@@ -161,7 +116,13 @@ PairDifference pairDifference(const PairImage& a, const Affine16& ma, const Pair
                               int gridWidth, int gridHeight, int channels)
 {
   if (!isWithinLimits(a, b, gridWidth, gridHeight)) return {};
-  return sumOverGrid(a, ma, b, mb, gridWidth, gridHeight, channels == 4 ? plainRow<4> : plainRow<1>);
+  const PairSide sideA(a, ma, channels);
+  const PairSide sideB(b, mb, channels);
+  return sumOverGrid(
+      a, ma, b, mb, gridWidth, gridHeight,
+      [&](const RowSpan* spans, int rowBegin, int rowEnd) -> PairDifference {
+        return {sumPairRows(sideA, sideB, spans, rowBegin, rowEnd), countOf(spans, rowEnd - rowBegin)};
+      });
 }
 
 PairDifference pairDifferenceMasked(const PairImage& a, const Affine16& ma, const PairMask& maskA,
@@ -171,10 +132,18 @@ PairDifference pairDifferenceMasked(const PairImage& a, const Affine16& ma, cons
   if (!isWithinLimits(a, b, gridWidth, gridHeight)) return {};
   const MaskIndex indexA(a, maskA);
   const MaskIndex indexB(b, maskB);
-  const auto row = channels == 4 ? maskedRow<4> : maskedRow<1>;
-  return sumOverGrid(
-      a, ma, b, mb, gridWidth, gridHeight,
-      [&](const Walk& wa, const Walk& wb, std::int64_t n) { return row(wa, indexA, wb, indexB, n); });
+  const auto maskedPart = channels == 4 ? maskedRow<4> : maskedRow<1>;
+  return sumOverGrid(a, ma, b, mb, gridWidth, gridHeight,
+                     [&](const RowSpan* spans, int rowBegin, int rowEnd) {
+                       PairDifference sum;
+                       for (int row = rowBegin; row < rowEnd; ++row) {
+                         const RowSpan span = spans[row - rowBegin];
+                         if (span.size() == 0) continue;
+                         sum = sum + maskedPart(walkOf(a, ma, row, span.begin), indexA,
+                                                walkOf(b, mb, row, span.begin), indexB, span.size());
+                       }
+                       return sum;
+                     });
 }
 
 } // namespace kernels

@@ -3,12 +3,15 @@
 #include "kernels/Parallel.h"
 
 #include "ColumnRange.h"
+#include "ResampleSpan.h"
 
 #include "mc/McRound.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 #include <type_traits>
 #include <vector>
 
@@ -26,6 +29,17 @@ T storedAs(float v)
     return mc::roundHalfEven<T>(v);
 }
 
+template <class T>
+constexpr Element elementOf()
+{
+  if constexpr (std::is_same_v<T, std::uint8_t>) return Element::UInt8;
+  if constexpr (std::is_same_v<T, std::int16_t>) return Element::Int16;
+  if constexpr (std::is_same_v<T, std::int32_t>) return Element::Int32;
+  if constexpr (std::is_same_v<T, float>) return Element::Float;
+  if constexpr (std::is_same_v<T, double>) return Element::Double;
+  if constexpr (std::is_same_v<T, std::uint16_t>) return Element::UInt16;
+}
+
 bool isFinite(const Affine& m)
 {
   for (const double c : {m.m11, m.m12, m.m21, m.m22, m.dx, m.dy})
@@ -33,168 +47,159 @@ bool isFinite(const Affine& m)
   return true;
 }
 
-// Positions in the slice along one output row, moved by shift.
-struct RowPositions {
-  Affine inverse;
-  double left, y, shift;
-
-  double xAt(int column) const { return inverse.mapX(static_cast<double>(column) - left, y) + shift; }
-  double yAt(int column) const { return inverse.mapY(static_cast<double>(column) - left, y) + shift; }
-
-  // The columns with 0 <= x < limitX and 0 <= y < limitY.
-  ColumnRange inside(ColumnRange all, double limitX, double limitY) const
-  {
-    // A product that overflows makes a position infinite or not a number; neither is inside.
-    if (!std::isfinite(inverse.m21 * y) || !std::isfinite(inverse.m22 * y)) return {};
-    const auto above = [](double v) { return v >= 0.0; };
-    const auto inX = columnsInside(
-        all, inverse.m11 >= 0.0, [this](int i) { return xAt(i); }, above,
-        [limitX](double v) { return v < limitX; });
-    return columnsInside(
-        inX, inverse.m12 >= 0.0, [this](int i) { return yAt(i); }, above,
-        [limitY](double v) { return v < limitY; });
-  }
-};
-
-// Adding one half first makes the nearest pixel the truncated position.
-RowPositions positionsOf(const ResampleFrame& frame, Interpolation interpolation, int row)
-{
-  const double shift = interpolation == Interpolation::Nearest ? 0.5 : 0.0;
-  return {frame.inverse, static_cast<double>(frame.left), static_cast<double>(row) - frame.top, shift};
-}
-
 // The columns of a row that the slice reaches; empty ranges begin at 0.
-ColumnRange columnsOf(const ResampleFrame& frame, Interpolation interpolation, const RowPositions& positions)
+ColumnRange columnsReached(const ResampleFrame& frame, const RowPositions& row, int beyond)
 {
-  if (!isFinite(frame.inverse)) return {};
-  const int beyond = interpolation == Interpolation::Linear ? 1 : 0;
-  const ColumnRange columns =
-      positions.inside({0, frame.outWidth}, frame.width - beyond, frame.height - beyond);
+  const Affine& m = frame.inverse;
+  // A product that overflows makes a position infinite or not a number; neither is inside.
+  if (!isFinite(m) || !std::isfinite(m.m21 * row.y) || !std::isfinite(m.m22 * row.y)) return {};
+  const auto inX = columnsInside(
+      {0, frame.outWidth}, m.m11, [&row](int i) { return row.xAt(i); }, frame.width - beyond);
+  const auto columns = columnsInside(
+      inX, m.m12, [&row](int i) { return row.yAt(i); }, frame.height - beyond);
   return columns.begin < columns.end ? columns : ColumnRange{};
 }
 
-// Some pixels of a row: where they fall into the slice. Found before the look-up, so that it becomes vector
-// code.
-constexpr int kBlock = 128;
-struct Block {
-  int count;
-  int x[kBlock], y[kBlock];
-  float fx[kBlock], fy[kBlock]; // how far the position lies beyond the pixel, 0 ... 1
-};
-
-void locate(const RowPositions& positions, int column, Block& block)
+// Whether one column further is one pixel further along a row of the slice, in spite of all rounding: the
+// positions are below 2^31, where it stays below 2^-20.
+bool shiftsColumns(const Affine& m, SpanRule rule)
 {
-  for (int k = 0; k < block.count; ++k) {
-    const double x = positions.xAt(column + k);
-    const double y = positions.yAt(column + k);
-    block.x[k] = mc::truncToIndex(x);
-    block.y[k] = mc::truncToIndex(y);
-    block.fx[k] = static_cast<float>(x - block.x[k]);
-    block.fy[k] = static_cast<float>(y - block.y[k]);
-  }
+  constexpr double margin = 1.0 / (1 << 20);
+  if (m.m11 != 1.0 || m.m12 != 0.0 || m.m21 != 0.0 || !(std::abs(m.dx) < 1 << 30)) return false;
+  const double fraction = m.dx - std::floor(m.dx);
+  if (fraction == 0.0) return true;
+  return rule == SpanRule::Copy && std::abs(fraction - 0.5) > margin;
 }
 
-template <class T>
-struct Samples {
-  const T* values;
-  std::size_t width, channels;
+// Reads a byte of every cache line. Loads, because the processor may ignore mere hints.
+void touch(const std::uint8_t* begin, const std::uint8_t* end)
+{
+  constexpr std::ptrdiff_t line = 64;
+  const auto read = [](const volatile std::uint8_t* p) { static_cast<void>(*p); };
+  for (; end - begin > line; begin += line) read(begin);
+  read(end - 1);
+}
 
-  const T* at(int x, int y) const
+// One slice on its way to its output.
+struct Task {
+  const ResampleFrame& frame;
+  SliceBytes slice;
+  SpanRule rule;
+  SpanFunction span;
+  bool shifts;                    // rows are copied where they also lie on a row of the slice
+  const std::uint8_t* background; // of one pixel
+  std::uint8_t* output;
+
+  std::uint8_t* at(int row, int column) const
   {
-    return values + (static_cast<std::size_t>(y) * width + static_cast<std::size_t>(x)) * channels;
+    const std::size_t pixels = static_cast<std::size_t>(row) * static_cast<std::size_t>(frame.outWidth) +
+                               static_cast<std::size_t>(column);
+    return output + pixels * slice.pixelBytes;
+  }
+
+  RowPositions positions(int row) const
+  {
+    return {frame.inverse, static_cast<double>(frame.left), static_cast<double>(row) - frame.top,
+            rule == SpanRule::Linear ? 0.0 : 0.5};
+  }
+
+  void fill(int row, ColumnRange columns) const
+  {
+    if (columns.begin >= columns.end) return;
+    const std::size_t size = slice.pixelBytes;
+    const std::size_t all = static_cast<std::size_t>(columns.end - columns.begin) * size;
+    std::uint8_t* const out = at(row, columns.begin);
+    std::memcpy(out, background, size);
+    // What is filled already is the pattern of the rest.
+    for (std::size_t done = size; done < all; done *= 2)
+      std::memcpy(out + done, out, std::min(done, all - done));
+  }
+
+  // With whole positions the mean of four neighbours is the first of them.
+  bool copied(int row, ColumnRange columns) const
+  {
+    if (!shifts) return false;
+    const RowPositions from = positions(row);
+    const double y = from.yAt(columns.begin);
+    if (rule == SpanRule::Linear && y != std::floor(y)) return false;
+    std::memcpy(at(row, columns.begin),
+                slice.at(mc::truncInRange(from.xAt(columns.begin)), mc::truncInRange(y)),
+                static_cast<std::size_t>(columns.end - columns.begin) * slice.pixelBytes);
+    return true;
+  }
+
+  // Brings the part of the slice that a tile reads into the cache. The processor foresees no short runs on
+  // many rows, and look-ups that each wait for memory take three times as long. Loads, because it may ignore
+  // hints.
+  void fetch(ColumnRange rows, ColumnRange columns) const
+  {
+    double xBegin = frame.width, xEnd = 0.0, yBegin = frame.height, yEnd = 0.0;
+    for (const int row : {rows.begin, rows.end})
+      for (const int column : {columns.begin, columns.end}) {
+        const RowPositions corner = positions(row);
+        const double x = corner.xAt(column), y = corner.yAt(column);
+        xBegin = std::min(xBegin, x), xEnd = std::max(xEnd, x);
+        yBegin = std::min(yBegin, y), yEnd = std::max(yEnd, y);
+      }
+    const auto within = [](double v, int size) { return std::clamp(mc::truncToInt(v), 0, size - 1); };
+    const int left = within(xBegin, frame.width), right = within(xEnd + 1.0, frame.width);
+    const int top = within(yBegin, frame.height), bottom = within(yEnd + 1.0, frame.height);
+    const int reach = 4 * std::max(tileRows, tileColumns);
+    if (right - left > reach || bottom - top > reach) return; // most of it would not be read
+    for (int y = top; y <= bottom; ++y) touch(slice.at(left, y), slice.at(right, y) + slice.pixelBytes);
+  }
+
+  // The rows of a tile share the cache lines of the slice, however it is turned.
+  static constexpr int tileRows = 32;
+  static constexpr int tileColumns = 256;
+
+  void resample(int rowBegin, int rowEnd) const
+  {
+    for (int row = rowBegin; row < rowEnd; row += tileRows)
+      resampleTiles(row, std::min(row + tileRows, rowEnd));
+  }
+
+  void resampleTiles(int rowBegin, int rowEnd) const
+  {
+    std::array<ColumnRange, tileRows> inside;
+    ColumnRange all{frame.outWidth, 0};
+    for (int row = rowBegin; row < rowEnd; ++row) {
+      const ColumnRange columns = columnsReached(frame, positions(row), rule == SpanRule::Linear ? 1 : 0);
+      fill(row, {0, columns.begin});
+      fill(row, {columns.end, frame.outWidth});
+      const bool done = columns.begin >= columns.end || copied(row, columns);
+      inside[static_cast<std::size_t>(row - rowBegin)] = done ? ColumnRange{} : columns;
+      if (!done) all = {std::min(all.begin, columns.begin), std::max(all.end, columns.end)};
+    }
+    for (int column = all.begin; column < all.end; column += tileColumns) {
+      fetch({rowBegin, rowEnd}, {column, std::min(column + tileColumns, all.end)});
+      for (int row = rowBegin; row < rowEnd; ++row) {
+        const ColumnRange& columns = inside[static_cast<std::size_t>(row - rowBegin)];
+        const ColumnRange part{std::max(columns.begin, column), std::min(columns.end, column + tileColumns)};
+        if (part.begin < part.end) span(slice, positions(row), part, at(row, part.begin));
+      }
+    }
   }
 };
 
 template <class T>
-void storeValues(const float* values, int count, T* out, std::size_t step)
-{
-  if (step == 1)
-    for (int k = 0; k < count; ++k) out[k] = storedAs<T>(values[k]);
-  else
-    for (int k = 0; k < count; ++k) out[static_cast<std::size_t>(k) * step] = storedAs<T>(values[k]);
-}
-
-template <class T>
-void copyNearest(const Samples<T> slice, const Block& block, T* out)
-{
-  const std::size_t n = slice.channels;
-  for (int k = 0; k < block.count; ++k) {
-    const T* const p = slice.at(block.x[k], block.y[k]);
-    for (std::size_t c = 0; c < n; ++c) out[static_cast<std::size_t>(k) * n + c] = p[c];
-  }
-}
-
-template <class T>
-void sampleNearest(const Samples<T> slice, const Block& block, T* out)
-{
-  // What has no more than the 24 bits of a float comes back from it unchanged.
-  if constexpr (sizeof(T) <= 2 || std::is_same_v<T, float>) return copyNearest(slice, block, out);
-  float values[kBlock];
-  for (std::size_t c = 0; c < slice.channels; ++c) {
-    for (int k = 0; k < block.count; ++k) values[k] = static_cast<float>(slice.at(block.x[k], block.y[k])[c]);
-    storeValues(values, block.count, out + c, slice.channels);
-  }
-}
-
-template <class T>
-void sampleLinear(const Samples<T> slice, const Block& block, T* out)
-{
-  const std::size_t right = slice.channels;
-  const std::size_t below = slice.channels * slice.width;
-  float values[kBlock];
-  for (std::size_t c = 0; c < slice.channels; ++c) {
-    for (int k = 0; k < block.count; ++k) {
-      const T* const p = slice.at(block.x[k], block.y[k]) + c;
-      const float fx = block.fx[k];
-      const float fy = block.fy[k];
-      values[k] = (1.0f - fx) * (1.0f - fy) * static_cast<float>(p[0]) +
-                  fx * (1.0f - fy) * static_cast<float>(p[right]) +
-                  (1.0f - fx) * fy * static_cast<float>(p[below]) +
-                  fx * fy * static_cast<float>(p[below + right]);
-    }
-    storeValues(values, block.count, out + c, slice.channels);
-  }
-}
-
-template <class T>
-void fill(T* out, std::size_t pixels, const std::vector<T>& background)
-{
-  if (background.size() == 1)
-    std::fill_n(out, pixels, background[0]);
-  else
-    for (std::size_t i = 0; i < pixels; ++i, out += background.size())
-      std::copy(background.begin(), background.end(), out);
-}
-
-// Writes one output row: the background outside the slice, sample(block, out) inside.
-template <class T, class Sample>
-void resampleRow(const ResampleFrame& frame, Interpolation interpolation, const std::vector<T>& background,
-                 T* out, int row, const Sample& sample)
-{
-  const RowPositions positions = positionsOf(frame, interpolation, row);
-  const ColumnRange columns = columnsOf(frame, interpolation, positions);
-  const auto at = [&](int column) { return out + static_cast<std::size_t>(column) * background.size(); };
-  fill(out, static_cast<std::size_t>(columns.begin), background);
-  Block block;
-  for (int column = columns.begin; column < columns.end; column += kBlock) {
-    block.count = std::min(kBlock, columns.end - column);
-    locate(positions, column, block);
-    sample(block, at(column));
-  }
-  fill(at(columns.end), static_cast<std::size_t>(frame.outWidth - columns.end), background);
-}
-
-template <class T, class Sample>
-void resampleAll(const ResampleFrame& frame, Interpolation interpolation, const std::vector<T>& background,
-                 T* output, int rowBegin, int rowEnd, const Sample& sample)
+void resampleAll(const ResampleFrame& frame, const T* source, SpanRule rule, const std::vector<T>& background,
+                 T* output, int rowBegin, int rowEnd)
 {
   if (frame.outWidth <= 0) return;
-  const std::size_t rowSize = static_cast<std::size_t>(frame.outWidth) * background.size();
-  forRows(rowBegin, rowEnd, rowGrain(frame.outWidth), [&](int begin, int end) {
-    for (int row = begin; row < end; ++row)
-      resampleRow(frame, interpolation, background, output + static_cast<std::size_t>(row) * rowSize, row,
-                  sample);
-  });
+  const SliceBytes slice{reinterpret_cast<const std::uint8_t*>(source), static_cast<std::size_t>(frame.width),
+                         static_cast<std::size_t>(frame.height), background.size(),
+                         background.size() * sizeof(T)};
+  // A float may be infinite, which makes the mean no number, and a large integer is rounded to a float.
+  const bool keepsValues = rule == SpanRule::Copy || (rule == SpanRule::Linear && sizeof(T) <= 2);
+  const Task task{frame,
+                  slice,
+                  rule,
+                  spanFunction(elementOf<T>(), rule, slice),
+                  keepsValues && shiftsColumns(frame.inverse, rule),
+                  reinterpret_cast<const std::uint8_t*>(background.data()),
+                  reinterpret_cast<std::uint8_t*>(output)};
+  forRows(rowBegin, rowEnd, rowGrain(frame.outWidth), [&](int begin, int end) { task.resample(begin, end); });
 }
 
 } // namespace
@@ -205,21 +210,17 @@ void resampleRows(const ResampleFrame& frame, const T* source, int channels, Int
 {
   std::vector<T> outside(static_cast<std::size_t>(channels));
   std::transform(background, background + channels, outside.begin(), storedAs<T>);
-  const Samples<T> slice{source, static_cast<std::size_t>(frame.width), outside.size()};
-  if (interpolation == Interpolation::Linear)
-    resampleAll(frame, interpolation, outside, output, rowBegin, rowEnd,
-                [&slice](const Block& block, T* out) { sampleLinear(slice, block, out); });
-  else
-    resampleAll(frame, interpolation, outside, output, rowBegin, rowEnd,
-                [&slice](const Block& block, T* out) { sampleNearest(slice, block, out); });
+  // What has no more than the 24 bits of a float comes back from it unchanged.
+  constexpr bool fitsFloat = sizeof(T) <= 2 || std::is_same_v<T, float>;
+  const SpanRule nearest = fitsFloat ? SpanRule::Copy : SpanRule::ThroughFloat;
+  resampleAll(frame, source, interpolation == Interpolation::Linear ? SpanRule::Linear : nearest, outside,
+              output, rowBegin, rowEnd);
 }
 
 template <class T>
 void resampleLabelRows(const ResampleFrame& frame, const T* source, T* output, int rowBegin, int rowEnd)
 {
-  const Samples<T> slice{source, static_cast<std::size_t>(frame.width), 1};
-  resampleAll(frame, Interpolation::Nearest, std::vector<T>(1), output, rowBegin, rowEnd,
-              [&slice](const Block& block, T* out) { copyNearest(slice, block, out); });
+  resampleAll(frame, source, SpanRule::Copy, std::vector<T>(1), output, rowBegin, rowEnd);
 }
 
 template void resampleRows(const ResampleFrame&, const std::uint8_t*, int, Interpolation, const float*,

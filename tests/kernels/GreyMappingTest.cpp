@@ -1,6 +1,7 @@
 #include "kernels/GreyMapping.h"
 
 #include "support/Random.h"
+#include "support/VectorTargets.h"
 
 #include <gtest/gtest.h>
 
@@ -20,10 +21,13 @@ std::uint8_t grey(float v, float min, float scale)
 template <class T>
 void expectMapped(const std::vector<T>& values, float min, float scale)
 {
-  std::vector<std::uint8_t> mapped(values.size());
-  kernels::mapLinear(values.data(), values.size(), min, scale, mapped.data());
-  for (std::size_t i = 0; i < values.size(); ++i)
-    ASSERT_EQ(mapped[i], grey(static_cast<float>(values[i]), min, scale)) << i;
+  forEachVectorTarget([&] {
+    std::vector<std::uint8_t> mapped(values.size() + 1, 201); // one byte more shows writing too far
+    kernels::mapLinear(values.data(), values.size(), min, scale, mapped.data());
+    for (std::size_t i = 0; i < values.size(); ++i)
+      ASSERT_EQ(mapped[i], grey(static_cast<float>(values[i]), min, scale)) << i;
+    EXPECT_EQ(mapped.back(), 201);
+  });
 }
 
 template <class T>
@@ -48,7 +52,10 @@ TEST(GreyMapping, MapsEveryTypeToTheNearestLevel)
     expectMapped(integers<std::uint16_t>(random), min, scale);
     expectMapped(integers<std::int32_t>(random), min, scale);
     const double inf = std::numeric_limits<double>::infinity();
-    const std::vector<double> reals{0.49, 0.5, 1.5, 2.5, -0.7, -3, 254.5, 255.4, 1e300, -1e300, inf, -inf};
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    std::vector<double> reals{0.49,  0.5,   1.5,    2.5, -0.7, -3,  254.5,
+                              255.4, 1e300, -1e300, inf, -inf, nan, 16777217.0};
+    for (int i = 0; i < 200; ++i) reals.push_back(random.real(-400.0, 800.0));
     expectMapped(reals, min, scale);
     expectMapped(std::vector<float>(reals.begin(), reals.end()), min, scale);
   }
@@ -71,11 +78,13 @@ TEST(GreyMapping, WeighsTheColoursOfAPixel)
   Random random(42);
   const auto rgba = random.bytes(4 * 1009);
   std::vector<std::uint8_t> out(1009);
-  kernels::mapColour(rgba.data(), out.size(), 20.0f, 1.3f, out.data());
-  for (std::size_t i = 0; i < out.size(); ++i) {
-    const double sum = 0.3 * rgba[4 * i] + 0.59 * rgba[4 * i + 1] + 0.11 * rgba[4 * i + 2];
-    ASSERT_EQ(out[i], grey(static_cast<float>(sum), 20.0f, 1.3f)) << i;
-  }
+  forEachVectorTarget([&] {
+    kernels::mapColour(rgba.data(), out.size(), 20.0f, 1.3f, out.data());
+    for (std::size_t i = 0; i < out.size(); ++i) {
+      const double sum = 0.3 * rgba[4 * i] + 0.59 * rgba[4 * i + 1] + 0.11 * rgba[4 * i + 2];
+      ASSERT_EQ(out[i], grey(static_cast<float>(sum), 20.0f, 1.3f)) << i;
+    }
+  });
   const std::uint8_t red[] = {100, 0, 0, 255}, blue[] = {0, 0, 100, 0};
   kernels::mapColour(red, 1, 0.0f, 1.0f, &out[0]);
   kernels::mapColour(blue, 1, 0.0f, 1.0f, &out[1]);

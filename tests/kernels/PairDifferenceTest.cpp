@@ -1,8 +1,11 @@
 #include "kernels/PairDifference.h"
+#include "kernels/SampledComparison.h"
 
 #include "reference/PlainPairDifference.h"
+#include "support/GuardedCopy.h"
 #include "support/Random.h"
 #include "support/Threads.h"
+#include "support/VectorTargets.h"
 
 #include <gtest/gtest.h>
 
@@ -12,6 +15,8 @@ using kernels::Affine16;
 using kernels::PairDifference;
 using kernels::PairImage;
 using kernels::PairMask;
+using kernels::SampledComparison;
+using kernels::SampledReference;
 
 namespace {
 
@@ -19,10 +24,12 @@ constexpr std::int64_t kLimit = std::int64_t{1} << 45;
 
 std::int64_t fixed(double v) { return static_cast<std::int64_t>(std::floor(v * 65536.0 + 0.5)); }
 
-// A turn by any angle or none, about no special point, mirrored in half of the cases.
+// A turn by any angle, a small one, half a right one or none, about no special point, mirrored in half of the
+// cases.
 Affine16 randomMotion(Random& random, int width, int height)
 {
-  const double angle = random.below(3) == 0 ? 0.0 : random.real(-3.2, 3.2);
+  const double angles[] = {0.0, random.real(-3.2, 3.2), random.real(-0.2, 0.2), 0.78539816, 1.57079633};
+  const double angle = angles[random.below(5)];
   const double mirror = random.below(2) == 0 ? 1.0 : -1.0;
   return {fixed(mirror * std::cos(angle)),       fixed(std::sin(angle)),
           fixed(-mirror * std::sin(angle)),      fixed(std::cos(angle)),
@@ -35,16 +42,32 @@ struct Pair {
   int gridWidth, gridHeight, channels;
 };
 
+PairDifference compareSampled(const Pair& p)
+{
+  SampledReference sampled;
+  SampledComparison comparison;
+  EXPECT_TRUE(sampled.reserve(p.gridWidth, p.gridHeight, p.channels) && comparison.reserve(p.gridHeight));
+  sampled.sample(p.a, p.ma, p.gridWidth, p.gridHeight, p.channels);
+  comparison.start(sampled, p.b, p.mb);
+  const int part = comparison.bands() / 3;
+  comparison.add(0, part);
+  return {comparison.add(part, comparison.bands()), comparison.count()};
+}
+
+// By every way to the difference, with one thread and several, on every instruction set.
 void expectPlainResult(const Pair& p)
 {
   const PairDifference expected =
       reference::plainPairDifference(p.a, p.ma, p.b, p.mb, p.gridWidth, p.gridHeight, p.channels);
-  for (const int threads : {1, 3})
-    withThreads(threads, [&] {
-      EXPECT_EQ(kernels::pairDifference(p.a, p.ma, p.b, p.mb, p.gridWidth, p.gridHeight, p.channels),
-                expected)
-          << p.a.width << "x" << p.a.height << " channels " << p.channels << " threads " << threads;
-    });
+  SCOPED_TRACE(testing::Message() << p.a.width << "x" << p.a.height << " channels " << p.channels);
+  forEachVectorTarget([&] {
+    EXPECT_EQ(compareSampled(p), expected);
+    for (const int threads : {1, 3})
+      withThreads(threads, [&] {
+        EXPECT_EQ(kernels::pairDifference(p.a, p.ma, p.b, p.mb, p.gridWidth, p.gridHeight, p.channels),
+                  expected);
+      });
+  });
 }
 
 } // namespace
@@ -54,18 +77,17 @@ void expectPlainResult(const Pair& p)
 TEST(PairDifference, EqualsThePlainLoop)
 {
   Random random(11);
-  const int sizes[][4] = {
-      {1, 1, 1, 1}, {7, 5, 5, 9}, {31, 67, 64, 33}, {259, 41, 300, 43}, {517, 403, 520, 401}};
+  const int sizes[][4] = {{1, 1, 1, 1},       {7, 5, 5, 9},         {3, 40, 33, 2},      {31, 67, 64, 33},
+                          {259, 41, 300, 43}, {1500, 15, 1400, 27}, {417, 203, 420, 201}};
   std::uint64_t counted = 0;
   std::uint64_t all = 0;
   for (const auto& [w0, h0, w1, h1] : sizes)
     for (const int channels : {1, 4})
       for (int trial = 0; trial < 12; ++trial) {
-        // The odd start leaves the pixels at no special address.
-        const auto a = random.bytes(countOf(w0, h0, channels) + 1);
-        const auto b = random.bytes(countOf(w1, h1, channels) + 3);
-        const Pair p{{a.data() + 1, w0, h0},
-                     {b.data() + 3, w1, h1},
+        const GuardedCopy a(random.bytes(countOf(w0, h0, channels)));
+        const GuardedCopy b(random.bytes(countOf(w1, h1, channels)));
+        const Pair p{{a.data(), w0, h0},
+                     {b.data(), w1, h1},
                      randomMotion(random, w0, h0),
                      randomMotion(random, w1, h1),
                      std::max(w0, w1),
@@ -82,16 +104,15 @@ TEST(PairDifference, EqualsThePlainLoop)
 TEST(PairDifference, EqualsThePlainLoopForHugeAndDegenerateMappings)
 {
   Random random(12);
-  const auto a = random.bytes(37 * 23);
-  const auto b = random.bytes(29 * 31);
+  const GuardedCopy a(random.bytes(37 * 23)), b(random.bytes(29 * 31));
   const std::int64_t values[] = {0, 1, -1, 65535, 65536, -65536, 36 << 16, kLimit, -kLimit, kLimit - 1};
   const auto any = [&] { return values[random.below(10)]; };
-  for (int trial = 0; trial < 3000; ++trial) {
+  for (int trial = 0; trial < 600; ++trial) {
     const Affine16 ma{any(), any(), any(), any(), any(), any()};
     const Affine16 mb = trial % 2 ? Affine16{} : Affine16{any(), any(), any(), any(), any(), any()};
     const Pair p{{a.data(), 37, 23}, {b.data(), 29, 31}, ma, mb, 37, 31, 1};
-    const PairDifference expected = reference::plainPairDifference(p.a, ma, p.b, mb, 37, 31, 1);
-    ASSERT_EQ(kernels::pairDifference(p.a, ma, p.b, mb, 37, 31, 1), expected) << trial;
+    SCOPED_TRACE(trial);
+    ASSERT_NO_FATAL_FAILURE(expectPlainResult(p));
   }
 }
 
@@ -116,6 +137,31 @@ TEST(PairDifference, WorksAtTheLargestSides)
       kernels::pairDifference({black.data(), n, 3}, {}, {white.data(), n, 3}, {}, n, 3, 4);
   EXPECT_EQ(most.count, 65535u * 3u);
   EXPECT_EQ(most.squares, std::uint64_t{65535} * 3 * 3 * 65025);
+}
+
+// The sum is exact until it reaches the limit, and from there on only that counts.
+TEST(SampledComparison, GivesUpAtItsLimit)
+{
+  Random random(15);
+  const int w = 700, h = 491;
+  const auto a = random.bytes(countOf(w, h)), b = random.bytes(countOf(w, h));
+  SampledReference sampled;
+  SampledComparison comparison;
+  ASSERT_TRUE(sampled.reserve(w, h, 1) && comparison.reserve(h));
+  for (int trial = 0; trial < 20; ++trial) {
+    const Affine16 ma = randomMotion(random, w / 8, h / 8), mb = randomMotion(random, w / 8, h / 8);
+    sampled.sample({a.data(), w, h}, ma, w, h, 1);
+    const PairDifference all =
+        reference::plainPairDifference({a.data(), w, h}, ma, {b.data(), w, h}, mb, w, h, 1);
+    for (const std::uint64_t limit : {std::uint64_t{0}, all.squares / 3, all.squares, all.squares + 1}) {
+      comparison.start(sampled, {b.data(), w, h}, mb);
+      const std::uint64_t sum = comparison.add(0, comparison.bands(), limit);
+      EXPECT_EQ(comparison.count(), all.count);
+      EXPECT_EQ(sum >= limit, all.squares >= limit);
+      EXPECT_TRUE(sum >= limit || sum == all.squares);
+      EXPECT_LE(sum, all.squares);
+    }
+  }
 }
 
 TEST(PairDifference, GivesZerosForEmptyAndOversizedInput)

@@ -110,11 +110,13 @@ TEST_F(BatchTest, OutputThatCannotBeWrittenIsAFailure)
 
 TEST_F(BatchTest, AWindowNeedsADisplay)
 {
-  const std::map<std::string, std::string> none{
-      {"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}, {"QT_QPA_PLATFORM", ""}};
-  const Outcome outcome = test::run({{}, none, folder.path(), -1});
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.err, "orvel: There is no display for the window; orvel -b SCRIPT needs none.\n");
+  for (const char* display : {"", "nowhere:0"}) { // none, and one that does not answer
+    const std::map<std::string, std::string> none{
+        {"DISPLAY", display}, {"WAYLAND_DISPLAY", ""}, {"QT_QPA_PLATFORM", ""}};
+    const Outcome outcome = test::run({{}, none, folder.path(), -1});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "orvel: There is no display for the window; orvel -b SCRIPT needs none.\n");
+  }
 }
 
 TEST_F(BatchTest, DamagedFilesAndAFullDiskAreOneSentence)

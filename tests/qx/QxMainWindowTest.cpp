@@ -1,4 +1,5 @@
 #include "Desktop.h"
+#include "qx/QxCentralPage.h"
 #include "zx/ZxController.h"
 
 #include <QDockWidget>
@@ -25,6 +26,17 @@ protected:
     QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(window.get(), &event);
   }
+};
+
+/// A page that edits a module.
+class Page : public QWidget, public QxCentralPage {
+public:
+  explicit Page(ZxModule* module) : m_module(module) {}
+  bool canClose() override { return true; }
+  const ZxObject* editedObject() const override { return m_module; }
+
+private:
+  ZxModule* m_module;
 };
 
 /// A page whose help is shown by an object below it.
@@ -104,6 +116,23 @@ TEST_F(QxMainWindowTest, LeavesKeysAndHelpToTheCurrentPage)
   EXPECT_EQ(helper->shown, 1);
   delete page;
   EXPECT_EQ(save->shortcut(), QKeySequence("Ctrl+S"));
+}
+
+TEST_F(QxMainWindowTest, SaysInItsTitleWhatIsEdited)
+{
+  const QString alone = window->windowTitle();
+  const auto probe = showProbe();
+  probe->setLabel("Probe 2");
+  auto* page = new Page(probe.get());
+  window->getCentralLayout()->addWidget(page);
+  window->getCentralLayout()->setCurrentWidget(page);
+  EXPECT_EQ(window->windowTitle(), "Probe 2 – " + alone);
+  const auto stack = addVolume("stack");
+  probe->change([&] { probe->portData.connect(stack.get()); });
+  settle();
+  EXPECT_EQ(window->windowTitle(), "Probe 2: stack – " + alone);
+  delete page;
+  EXPECT_EQ(window->windowTitle(), alone);
 }
 
 TEST_F(QxMainWindowTest, ReachesEveryPaneByKey)

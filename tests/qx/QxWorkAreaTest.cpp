@@ -37,6 +37,16 @@ TEST_F(QxWorkAreaTest, ShowsWorkAndStopsItByItsButtonOrEscape)
   }
 }
 
+TEST_F(QxWorkAreaTest, BringsBackWhatWasSaidBeforeTheWork)
+{
+  const auto* text = find<QLabel>("progressText");
+  area.setProgressText("quality = %d", 7);
+  area.startWorking("Updating");
+  EXPECT_EQ(text->text(), "Updating");
+  area.stopWorking();
+  EXPECT_EQ(text->text(), "quality = 7");
+}
+
 TEST_F(QxWorkAreaTest, LetsNoOtherInputThroughWhileItIsBusy)
 {
   const auto probe = showProbe();

@@ -19,6 +19,7 @@ public:
     setenv("XDG_STATE_HOME", (home + "/.local/state").c_str(), 1);
     setenv("XDG_DATA_HOME", (home + "/.local/share").c_str(), 1);
     setenv("XDG_CACHE_HOME", (home + "/.cache").c_str(), 1);
+    setenv("XDG_RUNTIME_DIR", home.c_str(), 1);
     setenv("LOCPATH", ZX_TEST_LOCALES, 1);
   }
   ~TestFolders()

@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <type_traits>
 #include <unordered_map>
+#include <vector>
 
 namespace {
 
@@ -34,9 +36,27 @@ void mostFrequentRgba(const std::uint8_t* data, std::size_t pixels, McDArray<flo
     color[static_cast<std::size_t>(c)] = static_cast<float>(best >> (24 - 8 * c) & 0xffU);
 }
 
+// For values of up to 16 bits, which can be counted one by one; the lowest of equals wins, as in a histogram.
+template <class T>
+float mostFrequentSmallInteger(const T* data, std::size_t pixels)
+{
+  constexpr std::int64_t lowest = std::numeric_limits<T>::min();
+  // Runs of one value would wait for the count before: neighbours have tables of their own.
+  constexpr std::size_t values = std::size_t{1} << (8 * sizeof(T)), tables = 4;
+  std::vector<std::size_t> counts(values * tables);
+  for (std::size_t i = 0; i < pixels; ++i)
+    ++counts[i % tables * values + static_cast<std::size_t>(data[i] - lowest)];
+  for (std::size_t v = 0; v < values; ++v)
+    for (std::size_t t = 1; t < tables; ++t) counts[v] += counts[t * values + v];
+  const auto end = counts.begin() + static_cast<std::ptrdiff_t>(values);
+  return static_cast<float>(std::max_element(counts.begin(), end) - counts.begin() + lowest);
+}
+
 template <class T>
 float mostFrequentGrey(const T* data, std::size_t pixels)
 {
+  if constexpr (std::is_integral_v<T> && sizeof(T) <= 2)
+    if (pixels > 0) return mostFrequentSmallInteger(data, pixels);
   // Infinite values, like those that are no number, have no bin.
   constexpr float largest = std::numeric_limits<float>::max();
   float min = 1000000.0f;

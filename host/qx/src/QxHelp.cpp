@@ -32,6 +32,8 @@ QString pageOf(const McTypeInfo& type)
   return {};
 }
 
+QString programName() { return QString::fromStdString(ZxSkin::getGlobalInstance()->getCaption("Main")); }
+
 } // namespace
 
 QxHelp::QxHelp(QStackedLayout* pages, QMainWindow* window) : QObject(window), m_pages(pages), m_window(window)
@@ -45,7 +47,7 @@ void QxHelp::fill(QMenu* menu)
   contents->setObjectName("helpContents");
   contents->setShortcut(QKeySequence::HelpContents);
   menu->addSeparator();
-  QAction* about = menu->addAction(tr("&About %1").arg(m_window->windowTitle()), this, &QxHelp::showAbout);
+  QAction* about = menu->addAction(tr("&About %1").arg(programName()), this, &QxHelp::showAbout);
   about->setObjectName("about");
   connect(menu, &QMenu::aboutToShow, this, [this, menu] { addModulePages(menu); });
 }
@@ -90,7 +92,7 @@ void QxHelp::showContents()
 
 void QxHelp::showAbout()
 {
-  const QString name = m_window->windowTitle();
+  const QString name = programName();
   QMessageBox::about(m_window, tr("About %1").arg(name),
                      tr("<h3>%1 %2</h3><p>Shows image stacks and aligns their slices.</p>"
                         "<p>The zxalign authors. Free to use, change and pass on under the BSD 3-clause "

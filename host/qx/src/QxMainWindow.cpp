@@ -17,7 +17,9 @@
 #include "QxVolumePage.h"
 #include "QxVolumeView.h"
 #include "QxWorkArea.h"
+#include "qx/QxCentralPage.h"
 #include "qx/ZxResource.h"
+#include "zx/ZxModule.h"
 #include "zx/ZxSkin.h"
 
 #include <QApplication>
@@ -61,7 +63,6 @@ QxMainWindow::QxMainWindow(QWidget* parent)
 {
   theMainWindow = this;
   setObjectName("mainWindow");
-  setWindowTitle(QString::fromStdString(ZxSkin::getGlobalInstance()->getCaption("Main")));
   setWindowIcon(ZxResource::readIcon("orvel.png"));
   setAcceptDrops(true);
   setDockNestingEnabled(true);
@@ -75,6 +76,7 @@ QxMainWindow::QxMainWindow(QWidget* parent)
   m_closeGuard = new QxCloseGuard(m_centre, m_files, m_workArea, this);
   makeMenus();
   connectParts();
+  showTitle();
   restoreLayout();
 }
 
@@ -222,6 +224,7 @@ void QxMainWindow::connectParts()
     if (!m_console->isVisible()) statusBar()->showMessage(message, messageMilliseconds);
   });
   connect(m_centre, &QStackedLayout::currentChanged, this, &QxMainWindow::followPage);
+  connect(m_watcher, &QxPoolWatcher::changed, this, &QxMainWindow::showTitle);
 }
 
 void QxMainWindow::restoreLayout()
@@ -255,6 +258,20 @@ void QxMainWindow::followSelection()
 void QxMainWindow::followPage(int page)
 {
   m_actions->save()->setShortcut(page == 0 ? QKeySequence(QKeySequence::Save) : QKeySequence());
+  showTitle();
+}
+
+// With several editors open the title says which one is seen.
+void QxMainWindow::showTitle()
+{
+  QString title = QString::fromStdString(ZxSkin::getGlobalInstance()->getCaption("Main"));
+  const auto* page = dynamic_cast<const QxCentralPage*>(m_centre->currentWidget());
+  if (const auto* module = dynamic_cast<const ZxModule*>(page ? page->editedObject() : nullptr)) {
+    const ZxData* input = module->portData.getSource();
+    if (input) title.prepend(QString::fromStdString(input->getLabel().str()) + QStringLiteral(" – "));
+    title.prepend(QString::fromStdString(module->getLabel().str()) + (input ? ": " : " – "));
+  }
+  setWindowTitle(title);
 }
 
 void QxMainWindow::goToNextPane()

@@ -93,11 +93,13 @@ void QxWorkArea::show()
 void QxWorkArea::workingChanged()
 {
   m_stop = false;
+  if (isWorking()) m_textBefore = m_label->text();
   m_bar->setVisible(isWorking());
   m_button->setVisible(isWorking());
   m_button->setEnabled(isWorking());
   show();
-  if (!isWorking()) m_label->clear(); // What is said of work that has ended is said after it.
+  // What is said of work that has ended is said after it; until then what was said before it holds.
+  if (!isWorking()) m_label->setText(m_textBefore);
   followBusy();
 }
 

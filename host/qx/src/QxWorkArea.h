@@ -47,6 +47,7 @@ private:
   QPushButton* m_button;
   QElapsedTimer m_lastRepaint;
   std::vector<QWidget*> m_usable;
+  QString m_textBefore; // what stood there when the work began
   bool m_wasBusy = false;
   bool m_stop = false;
 };

@@ -169,9 +169,11 @@ void QxAlignMenuBar::makeAlignMenu()
                {1, addItem(menu, "Least-squares", "leastSquaresAction", &QxAlignMenuBar::gray)},
                {2, addItem(menu, "Landmarks", "landmarksAction", &QxAlignMenuBar::landmarks)},
                {3, addItem(menu, "Edge detection", "edgeDetectionAction", &QxAlignMenuBar::edgeDetection)}};
-  addPlugInMethods();
   for (const Method& method : m_methods) makeCheckable(method.item, method.id == 1);
-  menu->addSeparator();
+  m_methodsEnd = menu->addSeparator();
+  addPlugInMethods();
+  // A plug-in may be loaded while the editor is there.
+  connect(menu, &QMenu::aboutToShow, this, &QxAlignMenuBar::addPlugInMethods);
   addItem(menu, "Align current pair", "alignPairAction", &QxAlignMenuBar::doIt);
   addItem(menu, "Align all slices", "alignAllAction", &QxAlignMenuBar::doAll);
   menu->addSeparator();
@@ -185,12 +187,14 @@ void QxAlignMenuBar::addPlugInMethods()
   ZxAutoAlignMethodFabrique::getInstance()->getAutoAlignMethods(ids, names);
   for (std::size_t i = 0; i < ids.size(); ++i) {
     const int id = ids[i];
-    if (id < builtInMethods) continue;
-    if (m_methods.size() == builtInMethods) m_alignMenu->addSeparator();
+    if (std::any_of(m_methods.begin(), m_methods.end(), [id](const Method& m) { return m.id == id; }))
+      continue;
+    if (m_methods.size() == builtInMethods) m_alignMenu->insertSeparator(m_methodsEnd);
     // A name may hold an ampersand, which is no key here.
-    QAction* item = m_alignMenu->addAction(QString::fromStdString(names[i].str()).replace("&", "&&"), this,
-                                           [this, id] { chooseMode(id); });
+    auto* item = new QAction(QString::fromStdString(names[i].str()).replace("&", "&&"), m_alignMenu);
+    connect(item, &QAction::triggered, this, [this, id] { chooseMode(id); });
     item->setObjectName(QString("method%1Action").arg(id));
+    m_alignMenu->insertAction(m_methodsEnd, makeCheckable(item, false));
     m_methods.push_back({id, item});
   }
 }
@@ -345,6 +349,7 @@ void QxAlignMenuBar::invert()
 
 void QxAlignMenuBar::changeMode(int mode)
 {
+  addPlugInMethods();
   const auto has = [mode](const Method& method) { return method.id == mode; };
   if (std::none_of(m_methods.begin(), m_methods.end(), has)) return;
   for (const Method& method : m_methods) setChecked(method.item, method.id == mode);

@@ -69,6 +69,7 @@ private:
   void placeDocks();
   void followSelection();
   void followPage(int page);
+  void showTitle();
   /// Gives the focus to the pool, the ports, the page, the console in turn.
   void goToNextPane();
   QDockWidget* makeDock(const char* name, const QString& title, QWidget* content);

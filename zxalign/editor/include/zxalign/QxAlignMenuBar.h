@@ -184,6 +184,7 @@ private:
   QPointer<QAction> m_avg;
   QPointer<QAction> m_invert;
   QPointer<QAction> m_transformParameters;
+  QPointer<QAction> m_methodsEnd; // the separator behind the methods
   QPointer<QAction> m_options;
   QPointer<QAction> m_undo;
   QPointer<QAction> m_redo;
