@@ -19,6 +19,9 @@ constexpr double kStiffness = 3.0;
 
 // The unknowns of a step, in this order; gain and offset are those of a channel.
 constexpr std::size_t kTurn = 0, kShiftX = 1, kShiftY = 2, kGrowth = 3, kGain = 4, kOffset = 5, kUnknowns = 6;
+// Where the parts of the sums of a channel begin, behind the upper triangle of the products of the unknowns.
+constexpr std::size_t kResiduals = kUnknowns * (kUnknowns + 1) / 2, kSumX = kResiduals + kUnknowns,
+                      kSumY = kSumX + 1;
 
 double weightOf(const Level& level)
 {
@@ -217,10 +220,10 @@ void Comparison::addRow(std::size_t channel, const Gain& gain, int y, Normal& n)
     for (std::size_t a = 0; a < kUnknowns; ++a) {
       const double wj = static_cast<double>(w) * j[a];
       for (std::size_t b = a; b < kUnknowns; ++b) n[i++] += wj * j[b];
-      n[21 + a] += wj * static_cast<double>(residual);
+      n[kResiduals + a] += wj * static_cast<double>(residual);
     }
-    n[27] += static_cast<double>(w * ux * unit);
-    n[28] += static_cast<double>(w * uy * unit);
+    n[kSumX] += static_cast<double>(w * ux * unit);
+    n[kSumY] += static_cast<double>(w * uy * unit);
   }
 }
 
@@ -238,7 +241,7 @@ System systemOf(const std::array<double, 29>& n)
   std::size_t i = 0;
   for (std::size_t a = 0; a < kUnknowns; ++a) {
     for (std::size_t b = a; b < kUnknowns; ++b) s.m[a][b] = s.m[b][a] = n[i++];
-    s.v[a] = n[21 + a];
+    s.v[a] = n[kResiduals + a];
   }
   return s;
 }
@@ -296,7 +299,7 @@ RigidMotion Comparison::step(bool turns) const
     const Normal normal = total(parts);
     System s = systemOf(normal);
     const double weight = s.m[kOffset][kOffset];
-    if (weight > 0.0) growAbout(s, normal[27] / weight, normal[28] / weight);
+    if (weight > 0.0) growAbout(s, normal[kSumX] / weight, normal[kSumY] / weight);
     eliminate(s, kOffset, kGain);
     for (std::size_t a = 0; a < kGain; ++a) {
       whole.v[a] += gain.certainty * s.v[a];

@@ -66,7 +66,7 @@ private:
     bool counts = false;
   };
   using Sums = std::array<double, 6>;    // of one channel: w, r, m, rr, mm, rm
-  using Normal = std::array<double, 29>; // of one channel: J'J, 6 x 6 upper triangle; J'r; sums of x and y
+  using Normal = std::array<double, 29>; // of one channel: J'J, 6 x 6 upper triangle; J'r; sums of x and of y
 
   std::size_t bands() const;
   void sampleRow(const RigidMotion& motion, int y);
