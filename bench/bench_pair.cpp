@@ -9,6 +9,7 @@
 #include "support/Threads.h"
 
 #include <benchmark/benchmark.h>
+#include <hwy/targets.h>
 
 namespace {
 
@@ -26,6 +27,9 @@ struct Mappings {
 // 5 degrees, about a corner: most of the points lie in both slices.
 constexpr Mappings kTurned5{{65287, 5712, -5712, 65287, 9 * 65536 + 77, -11 * 65536},
                             {65287, 5712, -5712, 65287, 7 * 65536 + 1234, -3 * 65536 - 999}};
+// A fifth of a degree.
+constexpr Mappings kTurnedLittle{{65536, 229, -229, 65536, 9 * 65536 + 77, -11 * 65536},
+                                 {65535, 343, -343, 65535, 7 * 65536 + 1234, -3 * 65536 - 999}};
 constexpr Mappings kTurned45{{46341, 46341, -46341, 46341, 9 * 65536 + 77, -11 * 65536},
                              {46341, 46341, -46341, 46341, 7 * 65536 + 1234, -3 * 65536 - 999}};
 constexpr Mappings kUnturned{kPlaced, kShift};
@@ -85,11 +89,29 @@ struct Presampled {
   kernels::SampledComparison comparison;
 };
 
-template <class Compare>
-void time(benchmark::State& state, const Mappings& mappings, int channels, int threads)
+/// What a benchmark is about. Instruction sets: the best one when 0.
+struct Case {
+  Mappings mappings;
+  int channels = 1;
+  int threads = 1;
+  std::int64_t instructionSet = 0;
+};
+
+bool choose(std::int64_t instructionSet)
 {
-  const Setup setup(static_cast<int>(state.range(0)), channels, mappings);
-  withThreads(threads, [&] {
+  hwy::SetSupportedTargetsForTest(0);
+  const std::int64_t supported = hwy::SupportedTargets();
+  if (instructionSet) hwy::SetSupportedTargetsForTest(instructionSet);
+  hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+  return !instructionSet || (supported & instructionSet);
+}
+
+template <class Compare>
+void time(benchmark::State& state, const Case& c)
+{
+  const Setup setup(static_cast<int>(state.range(0)), c.channels, c.mappings);
+  if (!choose(c.instructionSet)) return state.SkipWithError("not an instruction set of this machine");
+  withThreads(c.threads, [&] {
     Compare compare(setup);
     const PairDifference expected = Plain(setup)();
     if (expected.count == 0 || !(compare() == expected)) {
@@ -102,11 +124,9 @@ void time(benchmark::State& state, const Mappings& mappings, int channels, int t
 }
 
 // Seconds per call at the edge length given by the last argument; points of the grid per second.
-void add(const char* name, void (*run)(benchmark::State&, const Mappings&, int, int),
-         const Mappings& mappings, int channels, int threads = 1)
+void add(const char* name, void (*run)(benchmark::State&, const Case&), const Case& c)
 {
-  benchmark::RegisterBenchmark(name,
-                               [=](benchmark::State& state) { run(state, mappings, channels, threads); })
+  benchmark::RegisterBenchmark(name, [=](benchmark::State& state) { run(state, c); })
       ->Arg(128)
       ->Arg(1024)
       ->Arg(4096)
@@ -115,19 +135,22 @@ void add(const char* name, void (*run)(benchmark::State&, const Mappings&, int, 
 }
 
 const bool added = [] {
-  add("turned5_plain", time<Plain>, kTurned5, 1);
-  add("turned5_presampled", time<Presampled>, kTurned5, 1);
-  add("turned5_presampled_2_threads", time<Presampled>, kTurned5, 1, 2);
-  add("turned5_in_one_call", time<InOneCall>, kTurned5, 1);
-  add("turned45_plain", time<Plain>, kTurned45, 1);
-  add("turned45_presampled", time<Presampled>, kTurned45, 1);
-  add("turned45_in_one_call", time<InOneCall>, kTurned45, 1);
-  add("unturned_plain", time<Plain>, kUnturned, 1);
-  add("unturned_presampled", time<Presampled>, kUnturned, 1);
-  add("unturned_in_one_call", time<InOneCall>, kUnturned, 1);
-  add("turned5_colour_plain", time<Plain>, kTurned5, 4);
-  add("turned5_colour_presampled", time<Presampled>, kTurned5, 4);
-  add("turned5_colour_in_one_call", time<InOneCall>, kTurned5, 4);
+  add("turned5_plain", time<Plain>, {kTurned5});
+  add("turned5_presampled", time<Presampled>, {kTurned5});
+  add("turned5_presampled_avx2", time<Presampled>, {kTurned5, 1, 1, HWY_AVX2});
+  add("turned5_presampled_2_threads", time<Presampled>, {kTurned5, 1, 2});
+  add("turned5_in_one_call", time<InOneCall>, {kTurned5});
+  add("turned_little_plain", time<Plain>, {kTurnedLittle});
+  add("turned_little_presampled", time<Presampled>, {kTurnedLittle});
+  add("turned45_plain", time<Plain>, {kTurned45});
+  add("turned45_presampled", time<Presampled>, {kTurned45});
+  add("turned45_in_one_call", time<InOneCall>, {kTurned45});
+  add("unturned_plain", time<Plain>, {kUnturned});
+  add("unturned_presampled", time<Presampled>, {kUnturned});
+  add("unturned_in_one_call", time<InOneCall>, {kUnturned});
+  add("turned5_colour_plain", time<Plain>, {kTurned5, 4});
+  add("turned5_colour_presampled", time<Presampled>, {kTurned5, 4});
+  add("turned5_colour_in_one_call", time<InOneCall>, {kTurned5, 4});
   return true;
 }();
 

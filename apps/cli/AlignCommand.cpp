@@ -3,8 +3,10 @@
 #include "AlignModule.h"
 #include "Console.h"
 #include "Failure.h"
+#include "GrowingVolume.h"
 #include "MethodNames.h"
 #include "OutputFiles.h"
+#include "PartialOutput.h"
 #include "Picture.h"
 #include "Stopwatch.h"
 #include "StoredAlignment.h"
@@ -69,7 +71,14 @@ std::string helpOnMethods()
          settingsTable(module.control()) +
          "\nSlices are counted from 0. Each is aligned to its neighbour, from the reference slice upwards "
          "and\n"
-         "then downwards. Ctrl+C stops at once and writes nothing.";
+         "then downwards. Ctrl+C stops at once; what is done is kept in OUTPUT.partial for --resume.";
+}
+
+/// True when a method compares a slice with more than its neighbour: what it knows of the slices before is
+/// gone with the run that has found it.
+bool looksBeyondPairs(const ZxAlignControl& control)
+{
+  return parseInteger(control.getSetting("neighbours")).value_or(1) > 1;
 }
 
 } // namespace
@@ -112,6 +121,12 @@ void AlignCommand::declareSearch(CLI::App& options)
       .add_option("--reference", m_reference,
                   "Slice that stays where it is (default: the one below the middle)")
       ->type_name("N");
+  options
+      .add_option(
+          "--scale", m_scaleText,
+          "Compare slices reduced by whole blocks of pixels, and apply the transforms at full size: 1/4 "
+          "or 0.25 for blocks of 4 x 4; steps in pixels are those of the reduced slices (default: 1)")
+      ->type_name("F");
   options.add_flag("--no-rotation", m_noRotation, "Shift slices only (the same as --set rotation=off)");
   options.add_option("--iterations", m_iterations, "The same as --set iterations=N, see below")
       ->type_name("N");
@@ -152,6 +167,8 @@ void AlignCommand::declareOutputs(CLI::App& options)
   options.add_flag("--transforms-only", m_transformsOnly,
                    "Do not resample: the output is the table of transforms when its name ends in .csv, else "
                    "the input with the alignment stored in it");
+  options.add_flag("--resume", m_resume,
+                   "Go on after the last pair and the last slice of a stopped run, from OUTPUT.partial");
   options.add_option("--report", m_report, "Write a report of every pair as JSON")->type_name("FILE.json");
   options
       .add_option("--picture", m_picture,
@@ -169,6 +186,9 @@ bool AlignCommand::writesTable() const { return m_transformsOnly && hasEnding(m_
 void AlignCommand::check(const io::VolumeInfo& info) const
 {
   const ZxDims& dims = info.shape.dims;
+  requireMemory(info.shape, "The");
+  requireMemory(m_resample.outputShape(info.shape), "Aligned");
+  if (m_scale.enlargement() > 1) throw Failure("--scale makes slices smaller: it is 1/2, 1/3 and so on.");
   if (m_transformsOnly && m_resample.hasLabels())
     throw Failure("--labels needs the resampling that --transforms-only leaves out.");
   if (!m_picture.empty() && !hasEnding(m_picture, ".png"))
@@ -191,31 +211,93 @@ void AlignCommand::announce(const io::VolumeInfo& info, OutputFiles& files) cons
     files.announceFile(m_output);
   else
     files.announceVolume(m_output, m_transformsOnly ? info.shape : m_resample.outputShape(info.shape));
+  files.announceFolder(PartialOutput::nameFor(m_output));
   m_resample.announceLabels(m_input, info.shape, files);
   for (const std::string* path : {&m_report, &m_picture})
     if (!path->empty()) files.announceFile(*path);
 }
 
-void AlignCommand::connect(AlignModule& module, ZxField3& volume, const io::VolumeInfo& info,
-                           Console& console) const
+AlignCommand::Stack AlignCommand::open(const io::VolumeInfo& info) const
 {
-  if (m_startFrom.empty() && hasAlignment(volume.parameters()))
-    console.remark(isAligned(volume.parameters())
+  Stack stack{info, m_input.open(), {}, {}, {}};
+  stack.compared = stack.volume;
+  if (m_mask.empty()) return stack;
+  const WorkingPhase phase("Reading " + m_mask);
+  stack.mask = io::openLabels({m_mask});
+  return stack;
+}
+
+void AlignCommand::connect(AlignModule& module, Stack& stack, Console& console)
+{
+  const ZxParamBundle& parameters = stack.volume->parameters();
+  if (m_startFrom.empty() && hasAlignment(parameters))
+    console.remark(isAligned(parameters)
                        ? m_input.name() + " has been aligned before; its slices start where they are."
                        : "The alignment stored in " + m_input.name() + " is the start.");
-  module.connectInput(volume);
-  setStart(module, info);
+  using Window = AlignModule::Window;
+  const WorkingPhase phase("Reading " + m_input.name());
+  module.connectInput(*stack.volume, m_window.empty() && m_scale.isOne() ? Window::OfInput : Window::Later);
+  setStart(module, stack.info);
   if (!m_landmarks.empty()) {
     const std::string problem = module.control().setLandmarksFrom(m_landmarks);
     if (!problem.empty()) throw io::Error(problem);
   }
-  if (!m_mask.empty()) {
-    const WorkingPhase phase("Reading " + m_mask);
-    const McHandle<ZxUniformLabelField3> mask = io::readLabels({m_mask});
-    module.connect("mask", *mask);
-  }
-  setOptions(module, info.shape, console);
-  m_resample.prepare(module, info.shape);
+  if (!m_scale.isOne()) connectReduced(module, stack, console);
+  if (stack.mask) connectMask(module, stack);
+  setOptions(module, stack.info.shape, console);
+  m_resample.prepare(module, stack.info.shape);
+}
+
+void AlignCommand::connectReduced(AlignModule& module, Stack& stack, Console& console) const
+{
+  ZxAlignControl& control = module.control();
+  const ZxDims& full = stack.info.shape.dims;
+  std::vector<ZxAlignTransform> transforms = control.transforms();
+  stack.landmarks = control.landmarks();
+  stack.compared =
+      McHandle<ZxField3>(dynamic_cast<ZxField3*>(control.reduced(stack.volume, m_scale.reduction()).get()));
+  if (!stack.compared)
+    throw Failure("--scale " + m_scale.text() + " leaves nothing of slices of " + std::to_string(full.width) +
+                  " x " + std::to_string(full.height) + " pixels.");
+  // What is stored refers to slices of full size.
+  stack.compared->parameters() = stack.volume->parameters();
+  for (const char* name : {"AlignTransform", "AlignPoints", "AlignIsApplied"})
+    stack.compared->parameters().remove(name);
+  module.connectInput(*stack.compared,
+                      m_window.empty() ? AlignModule::Window::OfInput : AlignModule::Window::Later);
+  const ZxDims& reduced = stack.compared->getLattice()->getDims();
+  for (ZxAlignTransform& transform : transforms) transform = m_scale.toReduced(transform, full, reduced);
+  control.setTransforms(transforms);
+  std::vector<std::vector<ZxAlignPoint>> landmarks = stack.landmarks;
+  for (std::vector<ZxAlignPoint>& points : landmarks)
+    for (ZxAlignPoint& point : points) point = m_scale.toReduced(point);
+  if (!control.setLandmarks(landmarks))
+    console.remark("The landmarks stored in " + m_input.name() +
+                   " are not as many on every slice; they are not used.");
+}
+
+void AlignCommand::connectMask(AlignModule& module, Stack& stack) const
+{
+  if (!m_scale.isOne()) stack.mask = module.control().reduced(stack.mask, m_scale.reduction());
+  module.connect("mask", *stack.mask);
+}
+
+void AlignCommand::applyAtFullSize(AlignModule& module, const Stack& stack, AlignReport& report) const
+{
+  if (m_scale.isOne()) return;
+  ZxAlignControl& control = module.control();
+  const ZxDims &full = stack.info.shape.dims, &reduced = stack.compared->getLattice()->getDims();
+  for (ZxAlignTransform& transform : report.transforms) transform = m_scale.toFull(transform, reduced, full);
+  for (ZxAlignPairResult& pair : report.pairs) pair.transform = m_scale.toFull(pair.transform, reduced, full);
+  passConfidence(stack.compared->parameters(), stack.volume->parameters());
+  const std::string rotationStep = control.getSetting("rotation-step");
+  const float min = module.windowMin(), max = module.windowMax();
+  module.connectInput(*stack.volume, AlignModule::Window::Later);
+  control.setTransforms(report.transforms);
+  control.setLandmarks(stack.landmarks);
+  // What the slices were compared with, for the report and the picture.
+  module.set("rotation-step", rotationStep);
+  module.setWindow(min, max);
 }
 
 void AlignCommand::setStart(AlignModule& module, const io::VolumeInfo& info) const
@@ -257,21 +339,77 @@ void AlignCommand::setOptions(AlignModule& module, const ZxLatticeShape& shape, 
   module.setWindow(windowValue(m_window[0]), windowValue(m_window[1]));
 }
 
-void AlignCommand::align(AlignModule& module, int method, AlignReport& report, Console& console) const
+RunFacts AlignCommand::facts(AlignModule& module, const AlignReport& report) const
+{
+  RunFacts facts = {
+      {"the command", "align"}, {"the version", ZXALIGN_VERSION}, {"the method", report.method}};
+  m_input.addFacts(facts);
+  facts.emplace_back("--scale", report.scale);
+  for (const ZxAlignSetting& setting : module.control().settings())
+    facts.emplace_back(setting.name, module.control().getSetting(setting.name));
+  facts.emplace_back("the reference slice", std::to_string(report.reference));
+  facts.emplace_back("the window", shortest(module.windowMin()) + " to " + shortest(module.windowMax()));
+  facts.emplace_back("--transforms-only", m_transformsOnly ? "on" : "off");
+  const std::pair<const char*, const std::string&> files[] = {
+      {"--mask", m_mask}, {"--start-from", m_startFrom}, {"--landmarks", m_landmarks}};
+  for (const auto& [option, path] : files) {
+    facts.emplace_back(option, path);
+    addFileFacts(path, facts);
+  }
+  m_resample.addFacts(facts);
+  return facts;
+}
+
+int AlignCommand::takeUp(AlignModule& module, const Stack& stack, PartialOutput& partial,
+                         Console& console) const
 {
   ZxAlignControl& control = module.control();
-  report.reference = m_reference.value_or(control.referenceSlice());
+  const RunState& state = partial.state();
+  const auto pairs = static_cast<int>(state.pairs.size());
+  if (pairs == 0) return 0;
+  const bool isWhole = pairs == control.numSlices() - 1;
+  if (!isWhole && (!state.pairsAlone || looksBeyondPairs(control))) {
+    console.remark("The method looks at more than a pair at a time: all pairs are aligned again.");
+    partial.forgetPairs();
+    return 0;
+  }
+  if (!control.setTransforms(state.transforms))
+    throw Failure("What is kept of the stopped run is damaged; leave out --resume to start anew.");
+  stack.compared->parameters() = state.parameters;
+  if (state.changesParameters) stack.compared->touch();
+  return pairs;
+}
+
+void AlignCommand::align(AlignModule& module, int method, const Stack& stack, AlignReport& report,
+                         PartialOutput& partial, Console& console) const
+{
+  ZxAlignControl& control = module.control();
   const int total = control.numSlices() - 1;
   const Stopwatch watch;
-  const int done = control.alignAll(method, report.reference,
-                                    [&](const ZxAlignPairResult& pair) { report.pairs.push_back(pair); });
+  const int before = takeUp(module, stack, partial, console);
+  const int done =
+      before + control.alignRest(before, method, report.reference, [&](const ZxAlignPairResult& pair) {
+        partial.pairDone(pair, control.transforms(), *stack.compared);
+      });
   report.seconds.aligning = watch.seconds();
   if (ZxWorkArea::getTheWorkArea()->wasInterrupted())
-    throw Stopped("Stopped after " + std::to_string(done) + " of " + std::to_string(total) +
-                  " pairs; nothing was written.");
+    throw Stopped("Stopped after " + std::to_string(done) + " of " + std::to_string(total) + " pairs");
   if (done < total) throw Failure(console.reason("The stack could not be aligned."));
+  partial.alignmentDone();
+  report.pairs = partial.state().pairs;
   report.transforms = control.transforms();
+  for (const ZxAlignPairResult& pair : report.pairs)
+    report.confidences.push_back(confidenceOf(stack.compared->parameters(), pair.pair.editable));
+  remarkOnParameters(stack, console);
   console.remarks();
+}
+
+void AlignCommand::remarkOnParameters(const Stack& stack, Console& console) const
+{
+  if (m_scale.isOne() && stack.volume->isUnsaved())
+    console.remark("The method has changed what is stored with " + m_input.name() +
+                   " (an alignment stored there is gone); the file itself stays as it is unless it is the "
+                   "output.");
 }
 
 void AlignCommand::compareWithTruthTable(AlignReport& report) const
@@ -301,54 +439,63 @@ std::vector<std::pair<std::string, std::string>> AlignCommand::effectiveOptions(
   return options;
 }
 
-void AlignCommand::writeVolumes(AlignModule& module, ZxField3& volume, const AlignReport& report,
-                                OutputFiles& files) const
+McHandle<ZxSpatialData> AlignCommand::writeVolumes(AlignModule& module, const Stack& stack,
+                                                   AlignReport& report, OutputFiles& files,
+                                                   PartialOutput& partial, Console& console) const
 {
   if (writesTable()) {
     files.write(m_output, [&](const std::string& path) {
       writeTransformTable(report.transforms, report.dimensions.width, report.dimensions.height, path);
     });
-    return;
+    return {};
   }
-  const ZxSpatialData& aligned = m_transformsOnly ? volume : *module.result();
-  files.write(m_output, [&](const std::string& path) { io::writeVolume(aligned, path); });
+  if (m_transformsOnly) {
+    module.storeAlignment();
+    growVolume(files, partial, "volume", m_output, stack.volume, console);
+    return {};
+  }
+  m_resample.settle(module, stack.info.shape);
+  McHandle<ZxSpatialData> aligned = module.alignedVolume();
+  passConfidence(stack.volume->parameters(), aligned->parameters());
+  report.seconds.resampling = growVolume(files, partial, "volume", m_output, aligned, console);
   if (m_resample.hasLabels())
-    files.write(m_resample.labelsOutput(),
-                [&](const std::string& path) { io::writeVolume(*module.labelResult(), path); });
+    report.seconds.resampling +=
+        growVolume(files, partial, "labels", m_resample.labelsOutput(), module.alignedLabels(), console);
+  return aligned;
 }
 
-void AlignCommand::write(AlignModule& module, ZxField3& volume, AlignReport& report, OutputFiles& files) const
+void AlignCommand::writePictureOf(AlignModule& module, const Stack& stack, const AlignReport& report,
+                                  const McHandle<ZxSpatialData>& aligned, OutputFiles& files) const
+{
+  PictureInput picture;
+  picture.title = stack.volume->getLabel().str();
+  picture.before = stack.volume->getLattice();
+  if (aligned) picture.after = aligned->getLattice();
+  picture.transforms = report.transforms;
+  picture.pairs = report.pairs;
+  picture.windowMin = module.windowMin();
+  picture.windowMax = module.windowMax();
+  files.write(m_picture, [&](const std::string& path) { writePicture(picture, path); });
+}
+
+void AlignCommand::write(AlignModule& module, const Stack& stack, AlignReport& report, OutputFiles& files,
+                         PartialOutput& partial, Console& console) const
 {
   const Stopwatch watch;
   const WorkingPhase phase("Writing " + m_output);
-  writeVolumes(module, volume, report, files);
-  if (!m_picture.empty()) {
-    PictureInput picture;
-    picture.title = volume.getLabel().str();
-    picture.before = volume.getLattice();
-    if (!m_transformsOnly) picture.after = module.result()->getLattice();
-    picture.transforms = report.transforms;
-    picture.pairs = report.pairs;
-    picture.windowMin = module.windowMin();
-    picture.windowMax = module.windowMax();
-    files.write(m_picture, [&](const std::string& path) { writePicture(picture, path); });
-  }
-  report.seconds.writing = watch.seconds();
+  const McHandle<ZxSpatialData> aligned = writeVolumes(module, stack, report, files, partial, console);
+  report.options = effectiveOptions(module);
+  if (!m_picture.empty()) writePictureOf(module, stack, report, aligned, files);
+  report.seconds.writing = watch.seconds() - report.seconds.resampling;
   report.seconds.total =
       report.seconds.reading + report.seconds.aligning + report.seconds.resampling + report.seconds.writing;
   if (!m_report.empty()) files.write(m_report, [&](const std::string& path) { writeReport(report, path); });
   files.commit();
+  partial.remove();
 }
 
-void AlignCommand::run(Console& console)
+AlignReport AlignCommand::newReport(AlignModule& module, int method, const io::VolumeInfo& info) const
 {
-  AlignModule module(console, m_plugIns);
-  const int method = findMethod(module.control(), m_method);
-  const io::VolumeInfo info = m_input.info();
-  OutputFiles files;
-  announce(info, files);
-  check(info);
-
   AlignReport report;
   report.version = ZXALIGN_VERSION;
   report.inputs = m_input.paths();
@@ -356,31 +503,37 @@ void AlignCommand::run(Console& console)
   report.dimensions = info.shape.dims;
   report.type = typeName(info.shape);
   report.method = methodName(module.control(), method);
+  report.scale = m_scale.text();
+  return report;
+}
 
+void AlignCommand::run(Console& console)
+{
+  AlignModule module(console, m_plugIns);
+  const int method = findMethod(module.control(), m_method);
+  if (!m_scaleText.empty()) m_scale = SliceScale::of(m_scaleText, "--scale");
+  const io::VolumeInfo info = m_input.info();
+  OutputFiles files;
+  announce(info, files);
+  check(info);
+  using Start = PartialOutput::Start;
+  PartialOutput partial(m_output, m_resume ? Start::Resume : Start::Anew, console);
+
+  AlignReport report = newReport(module, method, info);
   const Stopwatch reading;
-  const McHandle<ZxField3> volume = m_input.read();
-  connect(module, *volume, info, console);
-  report.seconds.reading = reading.seconds();
-  forgetConfidence(volume->parameters());
-  align(module, method, report, console);
-  for (const ZxAlignPairResult& pair : report.pairs)
-    report.confidences.push_back(confidenceOf(volume->parameters(), pair.pair.editable));
-  if (volume->isUnsaved())
-    console.remark("The method has changed what is stored with " + m_input.name() +
-                   " (an alignment stored there is gone); the file itself stays as it is unless it is the "
-                   "output.");
-  compareWithTruthTable(report);
-
-  const Stopwatch resampling;
-  if (!m_transformsOnly) {
-    m_resample.resample(module, info.shape);
-    passConfidence(volume->parameters(), module.result()->parameters());
-    report.seconds.resampling = resampling.seconds();
-  } else if (!writesTable()) {
-    module.storeAlignment();
-  }
-  report.options = effectiveOptions(module);
-  write(module, *volume, report, files);
+  partial.guard([&] {
+    Stack stack = open(info);
+    connect(module, stack, console);
+    for (const McHandle<ZxField3>* field : {&stack.volume, &stack.compared})
+      forgetConfidence((*field)->parameters());
+    report.reference = m_reference.value_or(module.control().referenceSlice());
+    partial.describe(facts(module, report));
+    report.seconds.reading = reading.seconds();
+    align(module, method, stack, report, partial, console);
+    applyAtFullSize(module, stack, report);
+    compareWithTruthTable(report);
+    write(module, stack, report, files, partial, console);
+  });
   console.summary(summaryOf(report));
   if (report.truth) console.summary(describe(*report.truth));
 }

@@ -6,7 +6,14 @@
 #include "zx/ZxObjectPool.h"
 #include "zx/ZxPackage.h"
 
+#include <array>
+
 namespace cli {
+namespace {
+
+constexpr const char* kDataWindow = "DataWindow";
+
+} // namespace
 
 AlignModule::AlignModule(Console& console, const PlugInOptions& plugIns) : m_console(console)
 {
@@ -37,13 +44,19 @@ Port& AlignModule::port(const char* name) const
   return *found;
 }
 
-void AlignModule::connectInput(ZxSpatialData& input)
+void AlignModule::connectInput(ZxSpatialData& input, Window window)
 {
   const std::string name = input.getLabel().str();
+  const bool hasWindow = input.parameters().findReals(kDataWindow, 2, std::array<double, 2>{}.data());
+  // With a window of its own nobody looks for the range of the values.
+  const bool lendsWindow = window == Window::Later && !hasWindow;
+  if (lendsWindow) input.parameters().setReals(kDataWindow, {0.0, 255.0});
   m_module->portData.connect(&input);
   m_module->fire();
+  if (lendsWindow) input.parameters().remove(kDataWindow);
+  if (ZxWorkArea::getTheWorkArea()->wasInterrupted()) throw Stopped("Stopped while reading " + name);
   if (!m_module->portData.isConnected() || m_control->numSlices() == 0)
-    throw Failure(m_console.reason("The volume " + name + " cannot be aligned."));
+    throw Failure(name + ": " + m_console.reason("The volume cannot be aligned."));
   m_console.remarks();
 }
 
@@ -89,24 +102,18 @@ void AlignModule::storeAlignment()
   if (isAligned(parameters)) parameters.setNum("AlignIsApplied", 0);
 }
 
-void AlignModule::resample()
+McHandle<ZxSpatialData> AlignModule::alignedVolume()
 {
-  constexpr int resampleButton = 1;
-  const bool hasLabels = port<ZxConnection>("LabelField").isConnected();
-  port<ZxPortButtonList>("action").hit(resampleButton);
-  m_module->fire();
-  if (ZxWorkArea::getTheWorkArea()->wasInterrupted())
-    throw Stopped("Stopped while resampling; nothing was written.");
-  if (!result() || (hasLabels && !labelResult()))
-    throw Failure(m_console.reason("The volume could not be resampled."));
-  m_console.remarks();
+  McHandle<ZxSpatialData> volume = m_control->alignedVolume();
+  if (!volume) throw Failure(m_console.reason("The volume could not be resampled."));
+  return volume;
 }
 
-ZxSpatialData* AlignModule::result() const { return dynamic_cast<ZxSpatialData*>(m_module->getResult(0)); }
-
-ZxSpatialData* AlignModule::labelResult() const
+McHandle<ZxSpatialData> AlignModule::alignedLabels()
 {
-  return dynamic_cast<ZxSpatialData*>(m_module->getResult(1));
+  McHandle<ZxSpatialData> labels = m_control->alignedLabels();
+  if (!labels) throw Failure(m_console.reason("The label field could not be resampled."));
+  return labels;
 }
 
 } // namespace cli

@@ -26,8 +26,13 @@ public:
 
   ZxAlignControl& control() noexcept { return *m_control; }
 
+  /// Where the grey values come from that count as black and white.
+  enum class Window {
+    OfInput, ///< stored with it, or its range, for which all of it is read
+    Later    ///< setWindow() follows, or nobody compares slices
+  };
   /// Connects the volume to be aligned. Shows what the module has to say about it.
-  void connectInput(ZxSpatialData& input);
+  void connectInput(ZxSpatialData& input, Window window = Window::OfInput);
   /// Connects something that belongs to the input ("mask", "LabelField", "reference").
   void connect(const char* port, ZxSpatialData& data);
 
@@ -40,12 +45,10 @@ public:
 
   /// Writes the transforms into the parameters of the input.
   void storeAlignment();
-  /// Resamples the input, and the label field when one is connected, with the transforms as they are. Throws
-  /// Stopped when the user stopped it.
-  void resample();
-  /// What resample() has made; null before it.
-  ZxSpatialData* result() const;
-  ZxSpatialData* labelResult() const;
+  /// The input, and the connected label field, under the transforms and settings as they are; their slices
+  /// are made when they are read.
+  McHandle<ZxSpatialData> alignedVolume();
+  McHandle<ZxSpatialData> alignedLabels();
 
 private:
   template <class Port>

@@ -98,6 +98,7 @@ Json reportJson(const AlignReport& report)
                  {"slices", report.dimensions.slices}}},
                {"type", report.type},
                {"method", report.method},
+               {"scale", report.scale},
                {"reference", report.reference},
                {"interrupted", report.interrupted}};
   json["totals"] = totalsJson(report);

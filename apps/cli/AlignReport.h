@@ -20,12 +20,14 @@ struct AlignReport {
   /// The options and settings in effect, name and value as text, in the order of the manual. The number of
   /// threads is no part of them: it changes no result.
   std::vector<std::pair<std::string, std::string>> options;
-  ZxDims dimensions;                    ///< of the input
-  std::string type;                     ///< of the input's voxels, e.g. "uint8", "RGBA uint8"
-  std::string method;                   ///< its name
-  int reference = 0;                    ///< slice that all others are aligned to
-  bool interrupted = false;             ///< stopped by the user before the last pair
-  std::vector<ZxAlignPairResult> pairs; ///< in the order in which they were aligned
+  ZxDims dimensions;        ///< of the input
+  std::string type;         ///< of the input's voxels, e.g. "uint8", "RGBA uint8"
+  std::string method;       ///< its name
+  std::string scale = "1";  ///< of the slices that were compared, against the input: "1/4"
+  int reference = 0;        ///< slice that all others are aligned to
+  bool interrupted = false; ///< stopped by the user before the last pair
+  /// In the order in which they were aligned; transforms are those of slices of full size.
+  std::vector<ZxAlignPairResult> pairs;
   /// Of the pairs, where the method has judged itself; as many as pairs, or none.
   std::vector<std::optional<PairConfidence>> confidences;
   std::vector<ZxAlignTransform> transforms; ///< of all slices, as they are at the end

@@ -31,10 +31,16 @@ io::ReadOptions InputOptions::readOptions() const
 
 io::VolumeInfo InputOptions::info() const { return io::readInfo(m_paths, readOptions()); }
 
-McHandle<ZxField3> InputOptions::read() const
+McHandle<ZxField3> InputOptions::open() const
 {
   const WorkingPhase phase("Reading " + name());
-  return io::readVolume(m_paths, readOptions());
+  return io::openVolume(m_paths, readOptions());
+}
+
+void InputOptions::addFacts(RunFacts& facts) const
+{
+  facts.emplace_back("--pad", m_pad ? "on" : "off");
+  for (const std::string& path : m_paths) addFileFacts(path, facts);
 }
 
 std::string typeName(const ZxLatticeShape& shape)

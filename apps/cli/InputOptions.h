@@ -1,5 +1,6 @@
 #pragma once
 
+#include "RunState.h"
 #include "io/Volume.h"
 
 #include <string>
@@ -22,7 +23,10 @@ public:
   std::string name() const;
 
   io::VolumeInfo info() const;
-  McHandle<ZxField3> read() const;
+  /// The volume with its voxels left in their files where that is possible.
+  McHandle<ZxField3> open() const;
+  /// Adds what decides about the volume that is read.
+  void addFacts(RunFacts& facts) const;
 
 private:
   std::vector<std::string> m_paths;

@@ -106,7 +106,8 @@ OutputFiles::~OutputFiles() { removeStaged(); }
 void OutputFiles::removeStaged() noexcept
 {
   std::error_code ignored;
-  for (const Staged& s : m_staged) fs::remove_all(s.folder, ignored);
+  for (const Staged& s : m_staged)
+    if (s.isOurs) fs::remove_all(s.folder, ignored);
   m_staged.clear();
 }
 
@@ -195,6 +196,18 @@ void OutputFiles::write(const std::string& path, const std::function<void(const 
 {
   const fs::path folder = folderOf(path);
   m_staged.push_back({makeStagingFolder(folder, path), folder, parametersOf(path)});
+  writeStaged(path, writer);
+}
+
+void OutputFiles::grow(const std::string& path, const fs::path& folder,
+                       const std::function<void(const std::string&)>& writer)
+{
+  m_staged.push_back({folder, folderOf(path), parametersOf(path), false});
+  writeStaged(path, writer);
+}
+
+void OutputFiles::writeStaged(const std::string& path, const std::function<void(const std::string&)>& writer)
+{
   const std::string staged = (m_staged.back().folder / nameOf(path)).string();
   try {
     writer(staged);

@@ -31,12 +31,19 @@ public:
 
   /// Announces a volume, its name as io::writeVolume() takes it. Throws Failure when it cannot be written.
   void announceVolume(const std::string& path, const ZxLatticeShape& shape);
+  /// Announces the folder of what is kept of a volume when the command is stopped: no output may have that
+  /// name. Throws Failure.
+  void announceFolder(const std::string& path) { refuseTwice(path); }
   /// Announces a plain file. Throws Failure.
   void announceFile(const std::string& path);
 
   /// Writes an announced output: calls the function with the name to write to. Sentences of io::Error name
   /// the target instead of that name.
   void write(const std::string& path, const std::function<void(const std::string&)>& writer);
+  /// The same for a volume that grows in a folder of the caller's, on the disk of its target: the function
+  /// finds there what it has written before, and what has not been committed stays.
+  void grow(const std::string& path, const std::filesystem::path& folder,
+            const std::function<void(const std::string&)>& writer);
   /// Moves everything into place. Throws Failure, which says what is in place already.
   void commit();
 
@@ -49,7 +56,9 @@ private:
     std::filesystem::path folder; ///< hidden, beside the target
     std::filesystem::path target; ///< the folder of the target
     std::string parameters; ///< below both: where the parameters of a volume go when its file holds none
+    bool isOurs = true;     ///< the folder goes with this object
   };
+  void writeStaged(const std::string& path, const std::function<void(const std::string&)>& writer);
   void refuseTwice(const std::string& path);
   void refuseForeignData(const std::string& path);
   void refuseInputs(const std::string& path, bool volume) const;

@@ -3,6 +3,7 @@
 #include "SlicePlacement.h"
 #include "io/Error.h"
 #include "mc/McRound.h"
+#include "zx/ZxWorkArea.h"
 
 #include <algorithm>
 #include <cmath>
@@ -37,15 +38,15 @@ void setVoxel(PictureCut& cut, std::size_t pixel, const std::byte* voxel, McPrim
   });
 }
 
-PictureCut cutBox(ZxLattice& lattice, const ZxBox3i& box, int width)
+/// Fills the row of a cut that a slice has in it with a line of the slice's voxels.
+void cutLine(PictureCut& cut, ZxLattice& lattice, const ZxBox3i& line)
 {
-  PictureCut cut = emptyCut(lattice, width);
   const ZxLatticeShape& shape = lattice.shape();
-  std::vector<std::byte> voxels(box.size.voxels() * shape.voxelBytes());
-  if (!lattice.readBox(box, voxels.data())) throw io::Error("The volume for the picture cannot be read.");
-  for (std::size_t i = 0; i < box.size.voxels(); ++i)
-    setVoxel(cut, i, voxels.data() + i * shape.voxelBytes(), shape.primType);
-  return cut;
+  std::vector<std::byte> voxels(line.size.voxels() * shape.voxelBytes());
+  if (!lattice.readBox(line, voxels.data())) throw io::Error("The volume for the picture cannot be read.");
+  const std::size_t first = static_cast<std::size_t>(line.z) * static_cast<std::size_t>(cut.width);
+  for (std::size_t i = 0; i < line.size.voxels(); ++i)
+    setVoxel(cut, first + i, voxels.data() + i * shape.voxelBytes(), shape.primType);
 }
 
 /// The bytes of a slice, copied where they are not in memory.
@@ -96,8 +97,14 @@ QRgb greyPixel(float value, const GreyWindow& window)
 PictureCuts cutStack(ZxLattice& lattice)
 {
   const ZxDims& dims = lattice.getDims();
-  return {cutBox(lattice, {0, dims.height / 2, 0, {dims.width, 1, dims.slices}}, dims.width),
-          cutBox(lattice, {dims.width / 2, 0, 0, {1, dims.height, dims.slices}}, dims.height)};
+  PictureCuts cuts{emptyCut(lattice, dims.width), emptyCut(lattice, dims.height)};
+  // Slice by slice: the lines of one slice come from what has been read of it.
+  for (int k = 0; k < dims.slices; ++k) {
+    if (ZxWorkArea::getTheWorkArea()->wasInterrupted(1)) throw io::Interrupted();
+    cutLine(cuts.alongX, lattice, {0, dims.height / 2, k, {dims.width, 1, 1}});
+    cutLine(cuts.alongY, lattice, {dims.width / 2, 0, k, {1, dims.height, 1}});
+  }
+  return cuts;
 }
 
 PictureCuts cutThroughTransforms(ZxLattice& lattice, std::span<const ZxAlignTransform> transforms)
@@ -108,6 +115,7 @@ PictureCuts cutThroughTransforms(ZxLattice& lattice, std::span<const ZxAlignTran
   const int slices = std::min(shape.dims.slices, static_cast<int>(transforms.size()));
   std::vector<std::byte> buffer;
   for (int k = 0; k < slices; ++k) {
+    if (ZxWorkArea::getTheWorkArea()->wasInterrupted(1)) throw io::Interrupted();
     const std::byte* bytes = sliceBytes(lattice, k, buffer);
     const SlicePlacement placement(transforms[static_cast<std::size_t>(k)], shape.dims.width,
                                    shape.dims.height);

@@ -29,10 +29,12 @@ struct PictureCuts {
   PictureCut alongY;
 };
 
-/// Cuts a volume as it is. Throws io::Error when it cannot be read.
+/// Cuts a volume as it is, slice after slice. Throws io::Error when it cannot be read, io::Interrupted when
+/// it was stopped.
 PictureCuts cutStack(ZxLattice& lattice);
 
-/// Cuts a volume as its slices lie after the transforms, nearest neighbour, in the size of the volume.
+/// Cuts a volume as its slices lie after the transforms, nearest neighbour, in the size of the volume. Throws
+/// alike.
 PictureCuts cutThroughTransforms(ZxLattice& lattice, std::span<const ZxAlignTransform> transforms);
 
 /// Grey values shown black and white.

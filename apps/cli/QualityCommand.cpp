@@ -41,7 +41,7 @@ void QualityCommand::declare(CLI::App& options)
                  "slice was left as it was.");
 }
 
-std::vector<PairQuality> QualityCommand::measure(AlignModule& module) const
+std::vector<PairQuality> QualityCommand::measure(AlignModule& module, Console& console) const
 {
   const WorkingPhase phase("Comparing slices");
   ZxWorkArea* area = ZxWorkArea::getTheWorkArea();
@@ -52,7 +52,9 @@ std::vector<PairQuality> QualityCommand::measure(AlignModule& module) const
     if (area->wasInterrupted(1))
       throw Stopped("Stopped after " + std::to_string(lower) + " of " + std::to_string(count) + " pairs.");
     area->setProgressFraction(static_cast<float>(lower) / static_cast<float>(count));
-    pairs.push_back({lower, m_mask.empty() ? control.pairQuality(lower) : control.maskedPairQuality(lower)});
+    const double quality = m_mask.empty() ? control.pairQuality(lower) : control.maskedPairQuality(lower);
+    if (quality < 0.0) throw Failure(console.reason("A slice of " + m_input.name() + " cannot be read."));
+    pairs.push_back({lower, quality});
   }
   return pairs;
 }
@@ -75,15 +77,15 @@ void QualityCommand::run(Console& console)
   AlignModule module(console);
   const ZxDims dims = m_input.info().shape.dims;
   if (!m_mask.empty()) requireSameDims("mask", m_mask, io::readInfo({m_mask}).shape.dims, m_input, dims);
-  const McHandle<ZxField3> volume = m_input.read();
+  const McHandle<ZxField3> volume = m_input.open();
   module.connectInput(*volume);
   if (!m_mask.empty()) {
-    const McHandle<ZxUniformLabelField3> mask = io::readLabels({m_mask});
+    const McHandle<ZxUniformLabelField3> mask = io::openLabels({m_mask});
     module.connect("mask", *mask);
   }
   if (!m_window.empty()) module.setWindow(m_window[0], m_window[1]);
 
-  std::vector<PairQuality> pairs = measure(module);
+  std::vector<PairQuality> pairs = measure(module, console);
   markWorstTenth(pairs);
   if (m_sorted)
     std::stable_sort(pairs.begin(), pairs.end(),

@@ -29,7 +29,7 @@ public:
   void run(Console& console) override;
 
 private:
-  std::vector<PairQuality> measure(AlignModule& module) const;
+  std::vector<PairQuality> measure(AlignModule& module, Console& console) const;
   /// What a method has said about the pair, or nothing.
   static std::string remarkOn(const ZxParamBundle& parameters, int lower);
 

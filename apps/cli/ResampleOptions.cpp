@@ -79,12 +79,31 @@ void ResampleOptions::announceLabels(const InputOptions& input, const ZxLatticeS
   files.announceVolume(m_labelsOutput, outputShape(info.shape));
 }
 
-void ResampleOptions::prepare(AlignModule& module, const ZxLatticeShape& input) const
+void requireMemory(const ZxLatticeShape& shape, const char* whose)
+{
+  constexpr std::uint64_t slices = 12; // of input, output and what lies between them
+  if (shape.sliceBytes() <= zxAvailableMemory() / slices) return;
+  throw Failure(std::string(whose) + " slices of " + std::to_string(shape.dims.width) + " x " +
+                std::to_string(shape.dims.height) + " pixels are too large for the free memory.");
+}
+
+void ResampleOptions::addFacts(RunFacts& facts) const
+{
+  facts.emplace_back("--size",
+                     m_size.size() == 2 ? std::to_string(m_size[0]) + " " + std::to_string(m_size[1]) : "");
+  facts.emplace_back("--auto-size", m_autoSize ? "on" : "off");
+  facts.emplace_back("--background", m_background);
+  facts.emplace_back("--interpolation", m_interpolation);
+  facts.emplace_back("--labels", m_labels);
+  facts.emplace_back("--labels-out", m_labelsOutput);
+  if (hasLabels()) addFileFacts(m_labels, facts);
+}
+
+void ResampleOptions::prepare(AlignModule& module, const ZxLatticeShape& input)
 {
   if (hasLabels()) {
     const WorkingPhase phase("Reading " + m_labels);
-    const McHandle<ZxUniformLabelField3> labels = io::readLabels({m_labels});
-    module.connect("LabelField", *labels);
+    m_labelField = io::openLabels({m_labels});
   }
   module.setInterpolation(m_interpolation == "nearest" ? Interpolation::Nearest : Interpolation::Linear);
   setBackground(module, input.numDataVars == 4);
@@ -114,16 +133,14 @@ void ResampleOptions::setSize(AlignModule& module) const
   if (m_autoSize) module.set("automatic-origin", "on");
 }
 
-void ResampleOptions::resample(AlignModule& module, const ZxLatticeShape& input) const
+void ResampleOptions::settle(AlignModule& module, const ZxLatticeShape& input) const
 {
   setSize(module);
   ZxLatticeShape output = input;
   output.dims.width = parseInteger(module.control().getSetting("width")).value_or(output.dims.width);
   output.dims.height = parseInteger(module.control().getSetting("height")).value_or(output.dims.height);
-  if (output.bytes() > zxAvailableMemory())
-    throw Failure("The aligned volume of " + sizeName(output.dims) +
-                  " voxels does not fit into the free memory.");
-  module.resample();
+  requireMemory(output, "Aligned");
+  if (m_labelField) module.connect("LabelField", *m_labelField);
 }
 
 } // namespace cli

@@ -14,6 +14,9 @@ namespace cli {
 
 class OutputFiles;
 
+/// Refuses, before it is tried, work on slices of which a dozen does not fit into the free memory.
+void requireMemory(const ZxLatticeShape& shape, const char* whose);
+
 /// How the aligned volume is made: the options that the commands align and resample share.
 class ResampleOptions {
 public:
@@ -29,11 +32,14 @@ public:
   /// Checks the label field against the input and announces its output. Only its header is read.
   void announceLabels(const InputOptions& input, const ZxLatticeShape& inputShape, OutputFiles& files) const;
 
-  /// Connects the label field and sets interpolation and background.
-  void prepare(AlignModule& module, const ZxLatticeShape& input) const;
-  /// Sets the size of the output, which --auto-size takes from the transforms as they are, and resamples.
-  /// Refuses a volume that does not fit into memory.
-  void resample(AlignModule& module, const ZxLatticeShape& input) const;
+  /// Adds what decides about the aligned volume.
+  void addFacts(RunFacts& facts) const;
+
+  /// Opens the label field and sets interpolation and background.
+  void prepare(AlignModule& module, const ZxLatticeShape& input);
+  /// Sets the size of the output, which --auto-size takes from the transforms as they are, and connects the
+  /// label field. Refuses slices that do not fit into memory.
+  void settle(AlignModule& module, const ZxLatticeShape& input) const;
 
 private:
   void setBackground(AlignModule& module, bool colour) const;
@@ -45,6 +51,7 @@ private:
   std::string m_interpolation = "linear";
   std::string m_labels;
   std::string m_labelsOutput;
+  McHandle<ZxUniformLabelField3> m_labelField;
 };
 
 } // namespace cli

@@ -40,21 +40,27 @@ std::string parseRow(std::string_view row, std::size_t slice, ZxAlignTransform& 
 /// Stands in a remark between the centre and the size of the slices.
 constexpr std::string_view kSizeMark = " of slices of ";
 
-/// Refuses a table whose remarks state another slice size: its transforms turn about another centre. Tables
-/// without such a remark fit any size.
-void checkStatedSize(const std::string& path, int width, int height)
+std::string sizeText(int width, int height) { return std::to_string(width) + " x " + std::to_string(height); }
+
+/// "512 x 512" out of the remarks of a table; empty when they do not say.
+std::string statedSizeText(const std::string& path)
 {
   std::ifstream in(path);
   for (std::string line; std::getline(in, line) && line.starts_with('#');) {
     const std::size_t mark = line.find(kSizeMark);
     if (mark == std::string::npos) continue;
-    const std::string stated =
-        line.substr(mark + kSizeMark.size(), line.find(" pixels", mark) - mark - kSizeMark.size());
-    const std::string present = std::to_string(width) + " x " + std::to_string(height);
-    if (stated != present)
-      throw io::Error("The table " + path + " is for slices of " + stated + " pixels, not of " + present +
-                      ".");
+    return line.substr(mark + kSizeMark.size(), line.find(" pixels", mark) - mark - kSizeMark.size());
   }
+  return {};
+}
+
+/// Refuses a table whose remarks state another slice size: its transforms turn about another centre. Tables
+/// without such a remark fit any size.
+void checkStatedSize(const std::string& path, int width, int height)
+{
+  const std::string stated = statedSizeText(path), present = sizeText(width, height);
+  if (!stated.empty() && stated != present)
+    throw io::Error("The table " + path + " is for slices of " + stated + " pixels, not of " + present + ".");
 }
 
 } // namespace
@@ -85,6 +91,15 @@ void writeTransformTable(std::span<const ZxAlignTransform> transforms, int width
   out << transformTableText(transforms, width, height);
   out.close();
   if (!out) throw io::Error(path + " could not be written: " + std::strerror(errno) + ".");
+}
+
+ZxDims statedSize(const std::string& path)
+{
+  const std::string text = statedSizeText(path);
+  const std::size_t cross = text.find(" x ");
+  if (cross == std::string::npos) return {};
+  return {parseInteger(text.substr(0, cross)).value_or(0), parseInteger(text.substr(cross + 3)).value_or(0),
+          0};
 }
 
 std::vector<ZxAlignTransform> readTransformTable(const std::string& path, int width, int height)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zx/ZxBox3.h"
 #include "zxalign/ZxAlignControl.h"
 
 #include <span>
@@ -19,6 +20,10 @@ std::string transformTableText(std::span<const ZxAlignTransform> transforms, int
 /// Writes the table to a file. What stood there is replaced. Throws io::Error.
 void writeTransformTable(std::span<const ZxAlignTransform> transforms, int width, int height,
                          const std::string& path);
+
+/// The size of the slices that a table is for, 0 x 0 where its remarks do not state it. Slices are not
+/// counted.
+ZxDims statedSize(const std::string& path);
 
 /// Reads a table for slices of width x height pixels (0: of any size). Throws io::Error when its remarks
 /// state another size, and, naming the line, where a row is not what is expected: slices not from 0 in order,

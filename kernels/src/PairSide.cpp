@@ -83,6 +83,40 @@ private:
 
 #else
 
+// Points from a place on that lie side by side in one row; the steps are those of Path::Runs.
+HWY_INLINE int runLength(const PairSide& s, Place p, int n)
+{
+  const auto x = static_cast<int>(p.x & 0xffff), y = static_cast<int>(p.y & 0xffff);
+  const auto lost = static_cast<int>(65536 - s.m.m11), down = static_cast<int>(s.m.m12);
+  if (lost > 0) n = std::min(n, x / lost + 1);
+  if (down > 0) n = std::min(n, (65535 - y) / down + 1);
+  if (down < 0) n = std::min(n, y / -down + 1);
+  return n;
+}
+
+// Copies at least n bytes, and whole vectors where the image has them.
+HWY_INLINE void copyRun(const PairSide& s, const std::uint8_t* from, std::ptrdiff_t n, std::uint8_t* to)
+{
+  const hn::ScalableTag<std::uint8_t> d;
+  if (HWY_UNLIKELY(s.end - from < n + kSlack)) {
+    std::memcpy(to, from, static_cast<std::size_t>(n));
+    return;
+  }
+  const auto size = static_cast<std::ptrdiff_t>(hn::Lanes(d));
+  for (std::ptrdiff_t k = 0; k < n; k += size) hn::StoreU(hn::LoadU(d, from + k), d, to + k);
+}
+
+HWY_INLINE void fetchRuns(const PairSide& s, Place p, int n, std::uint8_t* out)
+{
+  for (int k = 0; k < n;) {
+    const Place first = moved(s, p, k);
+    const int run = runLength(s, first, n - k);
+    // What is copied too much is written over by the next run.
+    copyRun(s, pixelAt(s, first), std::ptrdiff_t{run} * s.pixelBytes, out + std::ptrdiff_t{k} * s.pixelBytes);
+    k += run;
+  }
+}
+
 // The lowest column and row that a block of points touches; all of them lie in the image.
 struct Corner {
   std::uint32_t x, y; // 16.16
@@ -275,6 +309,7 @@ HWY_INLINE void fetchGathered(const PairSide& s, Place p, int n, std::uint8_t* o
 
 HWY_INLINE void fetch(const PairSide& s, Place p, int n, std::uint8_t* out)
 {
+  if (s.path == PairSide::Path::Runs) return fetchRuns(s, p, n, out);
   if (n < kPairBlock || s.path == PairSide::Path::Plain) return fetchPlain(s, p, n, out);
   if (s.path == PairSide::Path::Gathered)
     return kGathers ? fetchGathered(s, p, n, out) : fetchPlain(s, p, n, out);
@@ -373,12 +408,14 @@ std::uint64_t sumRows(const PairSide& a, const PairSide& b, const RowSpan* spans
 
 void fetchRow(const PairSide& s, int row, RowSpan span, std::uint8_t* out)
 {
-  const Place p = placeOf(s, row, span.begin);
-  if (s.path == PairSide::Path::Row)
-    std::memcpy(out, pixelAt(s, p),
-                static_cast<std::size_t>(span.size()) * static_cast<std::size_t>(s.pixelBytes));
-  else
-    fetch(s, p, span.size(), out);
+  alignas(64) std::uint8_t buffer[kChunk + kSlack];
+  const int chunk = kChunk / s.pixelBytes;
+  for (int column = span.begin; column < span.end; column += chunk) {
+    const int n = std::min(chunk, span.end - column);
+    const auto bytes = static_cast<std::size_t>(n) * static_cast<std::size_t>(s.pixelBytes);
+    std::memcpy(out, pixelsOf(s, placeOf(s, row, column), n, buffer), bytes);
+    out += bytes;
+  }
 }
 
 } // namespace kernels::HWY_NAMESPACE
@@ -394,6 +431,9 @@ HWY_EXPORT(fetchRow);
 
 // Rows that a block of points may touch until looking up every point by itself becomes faster.
 constexpr std::int64_t kMostBlockRows = 12;
+
+// The steepest step, in 1/65536, for which runs are copied: 16 pixels, or 64 of one byte.
+constexpr std::int64_t kMostRunStep = 4096;
 
 // The last point of a block.
 constexpr std::int64_t last = kPairBlock - 1;
@@ -411,6 +451,10 @@ PairSide::PairSide(const PairImage& image, const Affine16& mapping, int channels
   const std::int64_t stepY = m.m12 < 0 ? -m.m12 : m.m12;
   if (stepX > 65536 || stepY > 65536) return;
   path = Path::Gathered;
+  if (m.m11 > 65536 - kMostRunStep && stepY <= kMostRunStep / (pixelBytes == 1 ? 4 : 1)) {
+    path = Path::Runs;
+    return;
+  }
   const std::int64_t rows = 1 + ((last * stepY + 65535) >> 16);
   if (pixelBytes != 1 || rows > kMostBlockRows) return;
   path = Path::Turned;

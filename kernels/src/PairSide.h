@@ -17,6 +17,7 @@ struct PairSide {
   /// How the pixels of a row of the grid lie in the image.
   enum class Path {
     Row,      ///< side by side in one row
+    Runs,     ///< side by side in long runs, each a row or a column further than the one before
     Turned,   ///< every block of points within kPairBlock columns of a few rows
     Gathered, ///< no two points further apart than a pixel
     Plain     ///< anywhere
@@ -54,7 +55,7 @@ private:
 std::uint64_t sumPairRows(const PairSide& a, const PairSide& b, const RowSpan* spans, int rowBegin,
                           int rowEnd);
 
-/// Writes the pixels of a row of the grid, one after the other. `out` has room for 64 bytes more.
+/// Writes the pixels of a row of the grid, one after the other.
 void fetchPairRow(const PairSide& side, int row, RowSpan span, std::uint8_t* out);
 
 } // namespace kernels

@@ -2,20 +2,30 @@
 
 #include "kernels/Parallel.h"
 
+#include "ColumnRange.h"
+#include "ResampleSpan.h"
+
 #include "mc/McRound.h"
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 
 namespace kernels {
 
 namespace {
 
-// Index of trunc(position + 0.5) within 0 ... size - 1, or -1.
-std::int64_t nearestWithin(double position, int size)
+// The columns of a row whose position truncates to a pixel of the slice: towards zero, hence from above -1
+// on.
+ColumnRange columnsReached(const RowPositions& row, int width, int height)
 {
-  const double moved = position + 0.5;
-  return moved > -1.0 && moved < size ? mc::truncToInt64(moved) : -1;
+  if (!row.isFinite()) return {};
+  const auto above = [](double v) { return v > -1.0; };
+  const auto below = [](int size) { return [size](double v) { return v < size; }; };
+  const ColumnRange inX = columnsInside(
+      {0, width}, row.inverse.m11 >= 0.0, [&row](int i) { return row.xAt(i); }, above, below(width));
+  return columnsInside(
+      inX, row.inverse.m12 >= 0.0, [&row](int i) { return row.yAt(i); }, above, below(height));
 }
 
 } // namespace
@@ -23,13 +33,20 @@ std::int64_t nearestWithin(double position, int size)
 void projectSlice(const std::uint8_t* slice, int width, int height, const Affine& inverse,
                   std::uint8_t* image)
 {
+  const SliceBytes bytes{slice, static_cast<std::size_t>(width), static_cast<std::size_t>(height), 1, 1};
+  const SpanFunction lookUp = spanFunction(Element::UInt8, SpanRule::Copy, bytes);
   forRows(0, height, rowGrain(width), [&](int rowBegin, int rowEnd) {
+    constexpr int piece = 1024;
+    std::array<std::uint8_t, piece> found;
     for (int y = rowBegin; y < rowEnd; ++y) {
+      const RowPositions row{inverse, 0.0, static_cast<double>(y), 0.5};
+      const ColumnRange columns = columnsReached(row, width, height);
       std::uint8_t* const out = image + std::int64_t{y} * width;
-      for (int x = 0; x < width; ++x) {
-        const std::int64_t ix = nearestWithin(inverse.mapX(x, y), width);
-        const std::int64_t iy = nearestWithin(inverse.mapY(x, y), height);
-        if (ix >= 0 && iy >= 0) out[x] = std::max(out[x], slice[iy * width + ix]);
+      for (int x = columns.begin; x < columns.end; x += piece) {
+        const int end = std::min(x + piece, columns.end);
+        lookUp(bytes, row, {x, end}, found.data());
+        std::transform(out + x, out + end, found.begin(), out + x,
+                       [](std::uint8_t a, std::uint8_t b) { return std::max(a, b); });
       }
     }
   });

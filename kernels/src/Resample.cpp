@@ -4,6 +4,7 @@
 
 #include "ColumnRange.h"
 #include "ResampleSpan.h"
+#include "StoredValue.h"
 
 #include "mc/McRound.h"
 
@@ -19,16 +20,6 @@ namespace kernels {
 
 namespace {
 
-// The rule of every stored value.
-template <class T>
-T storedAs(float v)
-{
-  if constexpr (std::is_floating_point_v<T>)
-    return static_cast<T>(v);
-  else
-    return mc::roundHalfEven<T>(v);
-}
-
 template <class T>
 constexpr Element elementOf()
 {
@@ -40,19 +31,11 @@ constexpr Element elementOf()
   if constexpr (std::is_same_v<T, std::uint16_t>) return Element::UInt16;
 }
 
-bool isFinite(const Affine& m)
-{
-  for (const double c : {m.m11, m.m12, m.m21, m.m22, m.dx, m.dy})
-    if (!std::isfinite(c)) return false;
-  return true;
-}
-
 // The columns of a row that the slice reaches; empty ranges begin at 0.
 ColumnRange columnsReached(const ResampleFrame& frame, const RowPositions& row, int beyond)
 {
   const Affine& m = frame.inverse;
-  // A product that overflows makes a position infinite or not a number; neither is inside.
-  if (!isFinite(m) || !std::isfinite(m.m21 * row.y) || !std::isfinite(m.m22 * row.y)) return {};
+  if (!row.isFinite()) return {};
   const auto inX = columnsInside(
       {0, frame.outWidth}, m.m11, [&row](int i) { return row.xAt(i); }, frame.width - beyond);
   const auto columns = columnsInside(

@@ -1,5 +1,7 @@
 #include "ResampleSpan.h"
 
+#include "StoredValue.h"
+
 #include "mc/McRound.h"
 
 #include <algorithm>
@@ -19,16 +21,6 @@
 namespace kernels {
 
 namespace {
-
-// The rule of every stored value.
-template <class T>
-T storedAs(float v)
-{
-  if constexpr (std::is_floating_point_v<T>)
-    return static_cast<T>(v);
-  else
-    return mc::roundHalfEven<T>(v);
-}
 
 template <class T>
 float valueAt(const std::uint8_t* bytes)

@@ -4,6 +4,7 @@
 
 #include "ColumnRange.h"
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
@@ -29,6 +30,14 @@ struct RowPositions {
   Affine inverse;
   double left = 0.0, y = 0.0, shift = 0.0;
 
+  /// False where the positions may be infinite or no numbers; none of them is inside a slice then.
+  bool isFinite() const noexcept
+  {
+    const Affine& m = inverse;
+    for (const double c : {m.m11, m.m12, m.m21, m.m22, m.dx, m.dy, m.m21 * y, m.m22 * y})
+      if (!std::isfinite(c)) return false;
+    return true;
+  }
   double xAt(int column) const noexcept
   {
     return inverse.mapX(static_cast<double>(column) - left, y) + shift;

@@ -53,14 +53,14 @@ void SampledComparison::start(const SampledReference& reference, const PairImage
 std::uint64_t SampledComparison::sumOfBand(int place) const
 {
   const auto band = static_cast<int>(std::int64_t{place} * m_bandStep % m_bands);
-  const int rowBegin = band * SampledReference::bandRows;
-  const int rowEnd = std::min(rowBegin + SampledReference::bandRows, m_reference->gridHeight());
+  const int rowBegin = band * m_reference->bandRows();
+  const int rowEnd = std::min(rowBegin + m_reference->bandRows(), m_reference->gridHeight());
   return sumPairRows(m_reference->side(), *m_side, m_spans.get() + rowBegin, rowBegin, rowEnd);
 }
 
 std::uint64_t SampledComparison::add(int begin, int end, std::uint64_t limit)
 {
-  const int grain = rowGrain(m_reference->gridWidth() * SampledReference::bandRows);
+  const int grain = rowGrain(m_reference->gridWidth() * m_reference->bandRows());
   if (end - begin <= grain) {
     for (int place = begin; place < end && m_squares < limit; ++place) m_squares += sumOfBand(place);
     return m_squares;

@@ -36,6 +36,11 @@ int statusOf(pid_t child)
     const rlimit limit{bytes, bytes};
     setrlimit(RLIMIT_FSIZE, &limit);
   }
+  if (run.largestMemory >= 0) {
+    const auto bytes = static_cast<rlim_t>(run.largestMemory);
+    const rlimit limit{bytes, bytes};
+    setrlimit(RLIMIT_AS, &limit);
+  }
   std::vector<char*> arguments;
   std::string program = ZX_TEST_PROGRAM;
   arguments.push_back(program.data());
@@ -50,12 +55,25 @@ int statusOf(pid_t child)
 
 Outcome run(const Run& run)
 {
+  return runUntil(
+      run, [] { return false; }, 0);
+}
+
+Outcome runUntil(const Run& run, const std::function<bool()>& condition, int signal)
+{
   const Folder output;
   const std::string out = output.file("out"), err = output.file("err");
   const pid_t child = fork();
   if (child == 0) {
     if (!std::freopen(out.c_str(), "w", stdout) || !std::freopen(err.c_str(), "w", stderr)) _exit(127);
     become(run);
+  }
+  siginfo_t ended{};
+  while (signal != 0 && waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+         ended.si_pid == 0) {
+    if (!condition()) continue;
+    kill(child, signal);
+    break;
   }
   Outcome outcome;
   outcome.status = statusOf(child);

@@ -13,6 +13,7 @@ struct Run {
   std::map<std::string, std::string> environment; ///< beside or instead of what the test has
   std::string folder;                             ///< working folder
   long largestFile = -1;                          ///< limit of a file's size in bytes; -1 for none
+  long largestMemory = -1;                        ///< limit of the address space in bytes; -1 for none
 };
 
 struct Outcome {
@@ -27,6 +28,10 @@ Outcome run(const Run& run);
 /// Runs the program on a terminal of its own and sends it the interruption of Ctrl+C as soon as its output
 /// holds the text. What it prints is in Outcome::out.
 Outcome runInterrupted(const Run& run, const std::string& at);
+
+/// Runs the program and sends it a signal as soon as the condition holds, which is asked again and again. It
+/// may end before that.
+Outcome runUntil(const Run& run, const std::function<bool()>& condition, int signal);
 
 /// A new folder that is removed with its contents.
 class Folder {

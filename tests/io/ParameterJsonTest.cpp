@@ -1,4 +1,4 @@
-#include "ParameterJson.h"
+#include "io/ParameterJson.h"
 
 #include "io/Error.h"
 

@@ -2,6 +2,7 @@
 
 #include "support/Random.h"
 #include "support/Threads.h"
+#include "support/VectorTargets.h"
 
 #include <gtest/gtest.h>
 
@@ -21,7 +22,10 @@ TEST(Projection, KeepsTheLargerValueOfTheMovedSlice)
                                       {-1, 0, 0, 1, 260, 2.5},
                                       {c, s, -s, c, 40.3, -30.7},
                                       {nan, 0, 0, 1, 0, 0},
-                                      {1e300, 0, 0, 1e300, 0, 0}};
+                                      {0, 1, -1, 0, 200, -3},
+                                      {-c, s, s, c, 240.1, -60.9},
+                                      {1e300, 0, 0, 1e300, 0, 0},
+                                      {1e308, 1e308, 1e308, 1e308, -1e308, 1e308}};
   for (const kernels::Affine& m : mappings) {
     auto expected = before;
     for (int y = 0; y < h; ++y)
@@ -32,11 +36,13 @@ TEST(Projection, KeepsTheLargerValueOfTheMovedSlice)
         auto& value = expected[countOf(y, w) + static_cast<std::size_t>(x)];
         value = std::max(value, slice[static_cast<std::size_t>(iy) * w + static_cast<std::size_t>(ix)]);
       }
-    for (const int threads : {1, 3}) {
-      auto image = before;
-      withThreads(threads, [&] { kernels::projectSlice(slice.data(), w, h, m, image.data()); });
-      EXPECT_EQ(image, expected) << "m11 " << m.m11 << " dx " << m.dx;
-    }
+    forEachVectorTarget([&] {
+      for (const int threads : {1, 3}) {
+        auto image = before;
+        withThreads(threads, [&] { kernels::projectSlice(slice.data(), w, h, m, image.data()); });
+        EXPECT_EQ(image, expected) << "m11 " << m.m11 << " dx " << m.dx;
+      }
+    });
   }
 }
 

@@ -121,3 +121,34 @@ TEST(LeastSquaresSearch, EqualsThePlainSearchOnThousandsOfPairs)
                 [&] { moves += expectPlainResult(anyCase(seed), seed); });
   EXPECT_GT(moves, static_cast<int>(pairs) * 2);
 }
+
+// One placement at full size is several pieces of work; a stop between them leaves it out.
+TEST(LeastSquaresSearch, AsksForAStopWithinLargeImages)
+{
+  Random random(77);
+  Case c{2300, 1900, 1, {}, {}, {}, {}, {7, -5, 0.4f, false}};
+  for (int y = 0; y < c.height; ++y)
+    for (int x = 0; x < c.width; ++x) {
+      c.reference.push_back(blend(c, x / 8, y / 8, 0, random));
+      c.editable.push_back(blend(c, (x + 3) / 8, (y - 2) / 8, 0, random));
+    }
+  c.settings.maxIterations = 14;
+  c.settings.resamplingLevels = 3;
+  EXPECT_GT(expectPlainResult(c, 77), 2);
+
+  int asked = 0;
+  LeastSquaresSearch whole(c.pair(), c.settings, c.referencePlace, c.editablePlace);
+  ASSERT_EQ(whole.allocate(), 0u);
+  whole.run([&] { return ++asked, false; });
+  EXPECT_GT(asked, 14 * 2); // more than once for every iteration and every pass
+  float before = 0;
+  for (int stop = asked - 3; stop <= asked; ++stop) {
+    int left = stop;
+    LeastSquaresSearch search(c.pair(), c.settings, c.referencePlace, c.editablePlace);
+    ASSERT_EQ(search.allocate(), 0u);
+    search.run([&] { return --left <= 0; });
+    EXPECT_GE(search.quality(), before);
+    before = search.quality();
+  }
+  EXPECT_LE(before, whole.quality());
+}

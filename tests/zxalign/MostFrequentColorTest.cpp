@@ -24,6 +24,7 @@ TEST(MostFrequentColor, FindsTheFullestBin)
 {
   EXPECT_EQ(mostFrequent<std::int16_t>({-300, 5, -7, 5, -7, -7}), Color{-7});
   EXPECT_EQ(mostFrequent<std::uint16_t>({65535, 4, 4, 65535, 9}), Color{4}); // the first of equal ones
+  EXPECT_EQ(mostFrequent<std::uint8_t>({255, 3, 3, 255, 0, 7, 3, 255}), Color{3});
   EXPECT_EQ(mostFrequent<float>({0.25f, 3.25f, 3.25f, 1.25f}), Color{3.25f});
   const float inf = std::numeric_limits<float>::infinity();
   const float nan = std::numeric_limits<float>::quiet_NaN();

@@ -284,3 +284,41 @@ TEST_F(ZxAlignResamplerTest, StopsWhereItIsInterrupted)
   EXPECT_EQ(values<std::uint8_t>(1)[91], 9);
   EXPECT_EQ(module->getAppliedLabelSlices()[0].translationX, 0.0f);
 }
+
+// On demand the same voxels come as from a result in memory, whole, in parts and in any order; what the
+// module becomes later does not show.
+TEST_F(ZxAlignResamplerTest, ComputesTheSameVolumeOnDemand)
+{
+  module->setSetting("most-frequent-background", "on");
+  connect(module->portData, makeField<std::int16_t>(kDims, 1, greyAt));
+  connect(module->portLabelField, makeLabels<std::uint16_t>(kDims, greyAt));
+  transformAll();
+  setSize(18, 11);
+  press(1);
+  const Lines told = console.take();
+  const auto volume = module->alignedVolume(), labels = module->alignedLabels();
+  EXPECT_EQ(valuesOf<std::uint16_t>(*labels->getLattice()), values<std::uint16_t>(1));
+  transformAll(true);
+  setSize(5, 5);
+  module->setSetting("most-frequent-background", "off");
+  EXPECT_EQ(valuesOf<std::int16_t>(*volume->getLattice()), values<std::int16_t>());
+  EXPECT_EQ(console.take(), told);
+  std::vector<std::int16_t> part(3 * 2 * 2), wanted;
+  ASSERT_TRUE(volume->getLattice()->readBox({7, 4, 1, {3, 2, 2}}, part.data()));
+  for (const int k : {1, 2})
+    for (const int y : {4, 5})
+      for (const int x : {7, 8, 9})
+        wanted.push_back(values<std::int16_t>()[countOf(18, 11 * k) + countOf(18, y) + countOf(x, 1)]);
+  EXPECT_EQ(part, wanted);
+  for (const int slot : {0, 1}) {
+    const ZxSpatialData& lazy = slot ? *labels : *volume;
+    EXPECT_EQ(lazy.getLabel(), result(slot)->getLabel());
+    EXPECT_EQ(lazy.getTypeId().name(), result(slot)->getTypeId().name());
+    EXPECT_EQ(lazy.getLattice()->getBoundingBox().xmax, result(slot)->getLattice()->getBoundingBox().xmax);
+    EXPECT_EQ(ZxFileGeometry::of(lazy).origin[0], ZxFileGeometry::of(*result(slot)).origin[0]);
+    EXPECT_NE(lazy.parameters().findBundle("AlignTransform"), nullptr);
+  }
+  work.interruptAtQuery(work.getNumQueries() + 1);
+  std::vector<std::int16_t> slice(countOf(18, 11));
+  EXPECT_FALSE(volume->getLattice()->readSlice(2, slice.data()));
+}

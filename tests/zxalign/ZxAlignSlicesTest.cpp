@@ -285,6 +285,16 @@ TEST_F(ZxAlignSlicesTest, RunsOverTheWholeStack)
   for (const int bad : {-1, 3}) EXPECT_EQ(module->pairQuality(bad), 0.0);
   work.interruptAtQuery(1);
   EXPECT_EQ(module->alignAll(1, 1, {}), 0);
+  work.interruptAtQuery(0);
+
+  // Where an earlier run has ended the rest goes on.
+  std::vector<ZxAlignPair> rest;
+  const auto take = [&](const ZxAlignPairResult& r) { rest.push_back(r.pair); };
+  setTransform(3, {});
+  EXPECT_EQ(module->alignRest(1, 1, 1, take), 2);
+  EXPECT_EQ(rest, (std::vector<ZxAlignPair>{{3, 2, 1}, {0, 1, -1}}));
+  EXPECT_TRUE(isAt(3, SliceXForm(-2.0f, 0, 0, false)));
+  EXPECT_EQ(module->alignRest(3, 1, 1, take) + module->alignRest(9, 1, 1, take), 0);
 }
 
 TEST_F(ZxAlignSlicesTest, TellsQualityInsideTheMaskAlone)

@@ -19,10 +19,11 @@ constexpr std::uint64_t pointsPerTask = std::uint64_t{1} << 15;
 constexpr std::size_t largestBatch = 1024;
 constexpr std::uint32_t firstRank = std::numeric_limits<std::uint32_t>::max();
 
-// Bands of a grid of this width with about this many points; at least one.
-int bandsOf(std::uint64_t points, int width)
+// Bands with about this many points; at least one.
+int bandsOf(std::uint64_t points, const kernels::SampledReference& reference)
 {
-  const auto perBand = static_cast<std::uint64_t>(width) * kernels::SampledReference::bandRows;
+  const auto perBand =
+      static_cast<std::uint64_t>(reference.gridWidth()) * static_cast<std::uint64_t>(reference.bandRows());
   return static_cast<int>(std::max<std::uint64_t>(1, points / std::max<std::uint64_t>(1, perBand)));
 }
 
@@ -89,7 +90,7 @@ void PlacementSearch::setPair(const ImagePair& pair, const SliceXForm& reference
   m_reference.sample({pair.reference, pair.width, pair.height}, inverse16(reference, pair.width, pair.height),
                      pair.width, pair.height, pair.channels);
   m_compared.clear();
-  makeSlots();
+  m_slots.resize(1); // The first has room for every image.
 }
 
 std::uint64_t PlacementSearch::points() const
@@ -98,11 +99,10 @@ std::uint64_t PlacementSearch::points() const
                                         static_cast<std::uint64_t>(m_pair.height));
 }
 
-// The first slot has room for every image; what memory does not suffice for is compared one by one there.
-void PlacementSearch::makeSlots()
+// Where memory does not suffice for more, placements are compared one by one.
+void PlacementSearch::makeSlots(std::size_t wanted)
 {
-  const auto wanted = std::clamp<std::size_t>(pointsPerPiece / points(), 1, largestBatch);
-  m_slots.resize(1);
+  wanted = std::min(wanted, std::clamp<std::size_t>(pointsPerPiece / points(), 1, largestBatch));
   while (m_slots.size() < wanted) {
     m_slots.emplace_back();
     if (m_slots.back().comparison.reserve(m_pair.height)) continue;
@@ -116,20 +116,18 @@ float PlacementSearch::qualityOf(std::uint64_t squares, std::uint64_t count) con
   return alignmentQuality({squares, count}, m_pair.channels, points());
 }
 
-void PlacementSearch::start(Slot& slot, const SliceXForm& editable) const
+void PlacementSearch::start(Slot& slot, const SliceXForm& editable, Again again) const
 {
   slot.mapping = inverse16(editable, m_pair.width, m_pair.height);
-  slot.isNew = !m_compared.contains(slot.mapping);
-  if (slot.isNew)
+  slot.isCompared = again == Again::No && m_compared.contains(slot.mapping);
+  if (!slot.isCompared)
     slot.comparison.start(m_reference, {m_pair.editable, m_pair.width, m_pair.height}, slot.mapping);
 }
 
 float PlacementSearch::qualityOf(const SliceXForm& editable)
 {
   Slot& slot = m_slots.front();
-  start(slot, editable);
-  if (!slot.isNew)
-    slot.comparison.start(m_reference, {m_pair.editable, m_pair.width, m_pair.height}, slot.mapping);
+  start(slot, editable, Again::Yes);
   return qualityOf(slot.comparison.add(0, slot.comparison.bands()), slot.comparison.count());
 }
 
@@ -137,6 +135,7 @@ std::optional<PlacementSearch::Found> PlacementSearch::findBest(Placements place
                                                                 const StopQuery& stop)
 {
   Best best(least);
+  makeSlots(placements.size());
   for (std::size_t begin = 0; begin < placements.size(); begin += m_slots.size()) {
     const std::size_t n = std::min(m_slots.size(), placements.size() - begin);
     if (stop() || !compareBatch(placements.subspan(begin, n), begin, best, stop)) break;
@@ -149,13 +148,13 @@ std::optional<PlacementSearch::Found> PlacementSearch::findBest(Placements place
 bool PlacementSearch::compareBatch(Placements placements, std::size_t firstIndex, Best& best,
                                    const StopQuery& stop)
 {
-  const int bandsPerPiece = bandsOf(pointsPerPiece, m_pair.width);
+  const int bandsPerPiece = bandsOf(pointsPerPiece, m_reference);
   for (int band = 0; band < m_reference.bands(); band += bandsPerPiece) {
     if (band > 0 && stop()) return false;
     const int bandEnd = std::min(band + bandsPerPiece, m_reference.bands());
     forTasks(placements.size(), points(), [&](std::size_t k) {
-      if (band == 0) start(m_slots[k], placements[k]);
-      if (m_slots[k].isNew) compareBands(m_slots[k].comparison, firstIndex + k, band, bandEnd, best);
+      if (band == 0) start(m_slots[k], placements[k], Again::No);
+      if (!m_slots[k].isCompared) compareBands(m_slots[k].comparison, firstIndex + k, band, bandEnd, best);
     });
   }
   return true;

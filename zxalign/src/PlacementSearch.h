@@ -72,13 +72,14 @@ private:
   struct Slot {
     kernels::SampledComparison comparison;
     kernels::Affine16 mapping;
-    bool isNew = true; // false: compared before
+    bool isCompared = false; // before, in another batch
   };
   using Placements = std::span<const SliceXForm>;
 
   std::uint64_t points() const;
-  void makeSlots();
-  void start(Slot& slot, const SliceXForm& editable) const;
+  void makeSlots(std::size_t wanted);
+  enum class Again { No, Yes };
+  void start(Slot& slot, const SliceXForm& editable, Again again) const;
   bool compareBatch(Placements placements, std::size_t firstIndex, Best& best, const StopQuery& stop);
   void compareBands(kernels::SampledComparison& comparison, std::size_t index, int bandBegin, int bandEnd,
                     Best& best) const;

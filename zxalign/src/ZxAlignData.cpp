@@ -160,13 +160,15 @@ void ZxAlignData::mapSlice(Role role)
   McDArray<unsigned char>& grey = editable ? m_editableImage : m_referenceImage;
   std::optional<SliceXForm>& projection = editable ? m_editableProjection : m_referenceProjection;
   projection.reset();
+  bool& isRead = editable ? m_editableIsRead : m_referenceIsRead;
+  isRead = true;
   if (m_module->usesMaxIntProjection()) {
     int first = 0, last = 0;
     projectionRange(role, first, last);
     project(first, last, grey);
     projection = m_module->getSlice(slice);
   } else {
-    mapNormally(slice, grey, editable ? m_editableColour : m_referenceColour);
+    isRead = mapNormally(slice, grey, editable ? m_editableColour : m_referenceColour);
   }
 }
 
@@ -176,11 +178,12 @@ SliceMapping ZxAlignData::mapping() const
   return {m_lattice, m_mask, window.getValue(0), window.getValue(1)};
 }
 
-void ZxAlignData::mapNormally(int slice, McDArray<unsigned char>& grey, McDArray<unsigned char>& colour)
+bool ZxAlignData::mapNormally(int slice, McDArray<unsigned char>& grey, McDArray<unsigned char>& colour)
 {
   // The message comes without the mutex: a console may repaint, and what it shows may want the mutex.
-  if (!::mapSlice(mapping(), slice, m_mutex, m_rawSlice.data(), grey.data(), colour.data()))
-    tellUnreadable(slice);
+  const bool isRead = ::mapSlice(mapping(), slice, m_mutex, m_rawSlice.data(), grey.data(), colour.data());
+  if (!isRead) tellUnreadable(slice);
+  return isRead;
 }
 
 void ZxAlignData::projectionRange(Role role, int& first, int& last) const

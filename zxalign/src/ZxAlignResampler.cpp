@@ -1,6 +1,6 @@
 #include "ZxAlignResampler.h"
 
-#include "AlignmentMatrix.h"
+#include "ResampledVoxels.h"
 #include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
 #include "zxalign/ZxAlignData.h"
@@ -21,26 +21,22 @@ bool endWrite(ZxLattice& output, int k)
   return false;
 }
 
-bool holdsLabels(const ZxLattice& lattice)
-{
-  return dynamic_cast<const ZxLabelLattice*>(&lattice) != nullptr;
-}
-
 } // namespace
 
 ZxAlignResampler::ZxAlignResampler(ZxAlignSlices& module)
   : m_module(module), m_data(module.sliceData()), m_inputData(m_data.getSpatialData()),
-    m_input(*m_data.getLattice()), m_inputIsLabels(holdsLabels(m_input)),
-    m_width(module.alignSettings().outputWidth), m_height(module.alignSettings().outputHeight)
+    m_input(*m_data.getLattice()), m_inputIsLabels(holdsLabels(m_input)), m_how(module, bordersOf())
 {
-  const ZxDims& dims = m_input.getDims();
-  if (module.alignSettings().automaticOrigin) {
-    int x[2], y[2];
-    module.calculateOrigin(x, y, 0, 0);
-    m_borders = {x[0], x[1], y[0], y[1]};
-  } else {
-    m_borders = centredBorders(dims, m_width, m_height);
-  }
+}
+
+OutputBorders ZxAlignResampler::bordersOf() const
+{
+  const ZxAlignSettings& settings = m_module.alignSettings();
+  if (!settings.automaticOrigin)
+    return centredBorders(m_input.getDims(), settings.outputWidth, settings.outputHeight);
+  int x[2], y[2];
+  m_module.calculateOrigin(x, y, 0, 0);
+  return {x[0], x[1], y[0], y[1]};
 }
 
 void ZxAlignResampler::run(bool reuse)
@@ -50,12 +46,30 @@ void ZxAlignResampler::run(bool reuse)
   describeResult(*result);
   const ZxWorkingPhase phase("Resampling");
   if (resampleImage(*result->getLattice()) == Outcome::Stopped) return;
-  if (m_inputIsLabels) {
-    result->parameters() = *m_data.getParameters();
-    storeGeometry(*m_data.getSpatialData(), result->parameters());
-  }
+  inheritParameters(*result);
   m_module.setResult(0, result.get());
   if (m_module.portLabelField.isConnected()) resampleLabels(reuse);
+}
+
+McHandle<ZxSpatialData> ZxAlignResampler::volumeOnDemand()
+{
+  if (m_how.width() < 1 || m_how.height() < 1) return {};
+  McHandle<ZxSpatialData> result = createResult(std::make_unique<ResampledVoxels>(
+      m_inputData, m_how, ResampledVoxels::Kind::Image, m_input.getDims().slices));
+  describeResult(*result);
+  inheritParameters(*result);
+  return result;
+}
+
+McHandle<ZxSpatialData> ZxAlignResampler::labelsOnDemand()
+{
+  const McHandle<ZxSpatialData> input = labelField();
+  if (!input) return {};
+  McHandle<ZxUniformLabelField3> result =
+      createLabels(*input, std::make_unique<ResampledVoxels>(input, m_how, ResampledVoxels::Kind::Labels,
+                                                             m_input.getDims().slices));
+  describeLabels(*input, *result);
+  return result;
 }
 
 McHandle<ZxSpatialData> ZxAlignResampler::obtainResult(bool reuse)
@@ -65,7 +79,7 @@ McHandle<ZxSpatialData> ZxAlignResampler::obtainResult(bool reuse)
     McHandle<ZxSpatialData> existing = existingResult(failed);
     if (existing || failed) return existing;
   }
-  McHandle<ZxSpatialData> result = createResult();
+  McHandle<ZxSpatialData> result = createResult(ZxLattice::createMemory(resultShape()));
   if (!result) msg()->printf("Error creating result");
   return result;
 }
@@ -82,32 +96,37 @@ McHandle<ZxSpatialData> ZxAlignResampler::existingResult(bool& failed)
     msg()->printf("No result lattice.");
   } else if (lattice->getNumDataVars() != m_input.getNumDataVars()) {
     msg()->printf("Result lattice has different number of data variables.");
-  } else if (lattice->getDims() != ZxDims{m_width, m_height, m_input.getDims().slices} ||
-             lattice->primType() != m_input.primType() || holdsLabels(*lattice) != m_inputIsLabels) {
+  } else if (lattice->getDims() != resultShape().dims || lattice->primType() != m_input.primType() ||
+             holdsLabels(*lattice) != m_inputIsLabels) {
     msg()->printf("Previous result has different dimensions. Cannot reuse it.");
     failed = false;
   } else {
     failed = false;
-    lattice->setBoundingBox(outputBox(m_input.getDims(), m_input.getBoundingBox(), m_width, m_height));
+    lattice->setBoundingBox(
+        outputBox(m_input.getDims(), m_input.getBoundingBox(), m_how.width(), m_how.height()));
     return McHandle<ZxSpatialData>(result);
   }
   return {};
 }
 
-McHandle<ZxSpatialData> ZxAlignResampler::createResult()
+ZxLatticeShape ZxAlignResampler::resultShape() const
 {
   ZxLatticeShape shape = m_input.shape();
-  shape.dims.width = m_width;
-  shape.dims.height = m_height;
-  const ZxBox3f box = outputBox(m_input.getDims(), m_input.getBoundingBox(), m_width, m_height);
+  shape.dims.width = m_how.width();
+  shape.dims.height = m_how.height();
+  return shape;
+}
+
+McHandle<ZxSpatialData> ZxAlignResampler::createResult(std::unique_ptr<ZxVoxelSource> voxels)
+{
+  if (!voxels) return {};
+  const ZxBox3f box = outputBox(m_input.getDims(), m_input.getBoundingBox(), m_how.width(), m_how.height());
   if (m_inputIsLabels) {
-    auto labels = ZxLabelLattice3::create(shape);
-    if (!labels) return {};
+    auto labels = std::make_unique<ZxLabelLattice3>(resultShape(), std::move(voxels));
     labels->setBoundingBox(box);
     return McHandle<ZxSpatialData>(new ZxUniformLabelField3(std::move(labels)));
   }
-  auto lattice = ZxLattice3::create(shape);
-  if (!lattice) return {};
+  auto lattice = std::make_unique<ZxLattice3>(resultShape(), std::move(voxels));
   lattice->setBoundingBox(box);
   return McHandle<ZxSpatialData>(ZxField3::create(std::move(lattice)));
 }
@@ -122,36 +141,29 @@ void ZxAlignResampler::describeResult(ZxSpatialData& result)
   result.touch();
 }
 
+void ZxAlignResampler::inheritParameters(ZxSpatialData& result)
+{
+  if (!m_inputIsLabels) return;
+  result.parameters() = *m_data.getParameters();
+  storeGeometry(*m_data.getSpatialData(), result.parameters());
+}
+
 void ZxAlignResampler::storeGeometry(const ZxSpatialData& input, ZxParamBundle& parameters) const
 {
   // The output's first voxel lies a border before the input's.
   ZxFileGeometry geometry = ZxFileGeometry::of(input);
-  geometry.origin[0] -= m_borders.left * geometry.voxelSize[0];
-  geometry.origin[1] -= m_borders.top * geometry.voxelSize[1];
+  geometry.origin[0] -= m_how.borders().left * geometry.voxelSize[0];
+  geometry.origin[1] -= m_how.borders().top * geometry.voxelSize[1];
   geometry.store(parameters);
-}
-
-int ZxAlignResampler::bandRows() const
-{
-  // About 10 ms of work: often enough to stop at once, seldom enough to cost nothing.
-  constexpr int pixelsPerBand = 1 << 20;
-  return std::max(1, pixelsPerBand / m_width);
 }
 
 void ZxAlignResampler::showProgress(int k, int row)
 {
-  const double rows = static_cast<double>(k) * m_height + row;
+  const double rows = static_cast<double>(k) * m_how.height() + row;
   // The slices of the labels follow those of the image.
   const int passes = m_module.portLabelField.isConnected() ? 2 : 1;
-  const double all = static_cast<double>(m_input.getDims().slices) * passes * m_height;
+  const double all = static_cast<double>(m_input.getDims().slices) * passes * m_how.height();
   ZxWorkArea::getTheWorkArea()->setProgressFraction(static_cast<float>(rows / all));
-}
-
-kernels::ResampleFrame ZxAlignResampler::frameOf(int k, int width, int height) const
-{
-  QTransform inverse;
-  m_module.getSlice(k).getInverseMatrix(inverse, sliceCentre(width), sliceCentre(height));
-  return {width, height, m_width, m_height, m_borders.left, m_borders.top, toAffine(inverse)};
 }
 
 ZxAlignResampler::Outcome ZxAlignResampler::resampleImage(ZxLattice& output)
@@ -172,75 +184,56 @@ ZxAlignResampler::Outcome ZxAlignResampler::resampleSlice(int k, ZxLattice& outp
     if (source) msg()->printf("Slice %d of the result cannot be written.", k);
     return Outcome::Stopped;
   }
-  const ZxDims& dims = m_input.getDims();
-  const kernels::ResampleFrame frame = frameOf(k, dims.width, dims.height);
-  const std::vector<float> background = backgroundOf(k, source);
-  const bool linear = m_module.portResampleMethod.getValue() == 1 && !m_inputIsLabels;
-  const auto interpolation = linear ? kernels::Interpolation::Linear : kernels::Interpolation::Nearest;
-  const int band = bandRows();
-  for (int row = 0; row < m_height; row += band) {
-    const int end = std::min(row + band, m_height);
-    mcVisit(m_input.primType(), [&](auto zero) {
-      using T = decltype(zero);
-      kernels::resampleRows(frame, reinterpret_cast<const T*>(source), m_input.getNumDataVars(),
-                            interpolation, background.data(), static_cast<T*>(target), row, end);
-    });
-    showProgress(k, end);
-    if (ZxWorkArea::getTheWorkArea()->wasInterrupted(1)) return Outcome::Stopped;
-  }
-  return endWrite(output, k) ? Outcome::Done : Outcome::Stopped;
+  const std::vector<float> background =
+      m_how.background(k, source, m_input.shape(), SliceResampling::Tell::Yes);
+  const bool whole =
+      m_how.image(m_how.frame(k, m_input.getDims()), m_input, source, background, target, [&](int rows) {
+        showProgress(k, rows);
+        return !ZxWorkArea::getTheWorkArea()->wasInterrupted(1);
+      });
+  return whole && endWrite(output, k) ? Outcome::Done : Outcome::Stopped;
 }
 
-std::vector<float> ZxAlignResampler::backgroundOf(int k, const unsigned char* source)
+McHandle<ZxSpatialData> ZxAlignResampler::labelField() const
 {
-  const ZxAlignSettings& settings = m_module.alignSettings();
-  const int channels = m_input.getNumDataVars();
-  std::vector<float> background(static_cast<std::size_t>(std::max(channels, 4)), 0.0f);
-  if (channels == 1)
-    background[0] = settings.background;
-  else
-    std::copy(settings.backgroundColour, settings.backgroundColour + 4, background.begin());
-  if (!settings.mostFrequentBackground) return background;
-
-  const ZxDims& dims = m_input.getDims();
-  McDArray<float> color;
-  m_module.computeMostFrequentColor(source, dims.width, dims.height, channels, m_input.primType(), color);
-  std::copy(color.begin(), color.end(), background.begin());
-  const auto value = [&](std::size_t i) { return static_cast<double>(background[i]); };
-  if (channels == 1)
-    msg()->printf("Background color slice %d: %.0f", k, value(0));
-  else if (!color.isEmpty())
-    msg()->printf("Background color slice %d: %.0f %.0f %.0f %.0f", k, value(0), value(1), value(2),
-                  value(3));
-  return background;
+  McHandle<ZxSpatialData> input(m_module.portLabelField.getSpatialData()); // Pending events may drop it.
+  if (input && dynamic_cast<ZxLabelLattice*>(input->getLattice())) return input;
+  msg()->printf("No input LabelLattice or no output LabelLattice.");
+  return {};
 }
 
 void ZxAlignResampler::resampleLabels(bool reuse)
 {
-  const McHandle<ZxSpatialData> input(
-      m_module.portLabelField.getSpatialData()); // Pending events may drop it.
-  auto* labels = input ? dynamic_cast<ZxLabelLattice*>(input->getLattice()) : nullptr;
-  if (!labels) return msg()->printf("No input LabelLattice or no output LabelLattice.");
+  const McHandle<ZxSpatialData> input = labelField();
+  if (!input) return;
   const McHandle<ZxUniformLabelField3> result = obtainLabels(*input, reuse);
   if (!result) return;
   ZxWorkArea::getTheWorkArea()->setProgressText("Realigning Labels...");
-  ZxParamBundle& parameters = result->parameters();
-  m_module.saveTransform(parameters, m_module.m_slices);
-  parameters.merge(input->parameters());
-  storeGeometry(*m_inputData, parameters); // Labels lie where the voxels lie that they name.
-  result->setLabel(ZxData::composeLabel(input->getLabel(), "align"));
-  parameters.setNum("AlignIsApplied", 1);
-  result->touch();
+  describeLabels(*input, *result);
   m_module.setResult(1, result.get());
-  if (resampleLabelSlices(*labels, *result->getLattice()) == Outcome::Stopped) return;
+  if (resampleLabelSlices(*input->getLattice(), *result->getLattice()) == Outcome::Stopped) return;
   m_module.m_appliedLabelSlices = m_module.m_slices;
+}
+
+void ZxAlignResampler::describeLabels(const ZxSpatialData& input, ZxSpatialData& result)
+{
+  ZxParamBundle& parameters = result.parameters();
+  m_module.saveTransform(parameters, m_module.m_slices);
+  parameters.merge(input.parameters());
+  storeGeometry(*m_inputData, parameters); // Labels lie where the voxels lie that they name.
+  result.setLabel(ZxData::composeLabel(input.getLabel(), "align"));
+  parameters.setNum("AlignIsApplied", 1);
+  result.touch();
+}
+
+ZxLatticeShape ZxAlignResampler::labelShape(const ZxSpatialData& input) const
+{
+  return {resultShape().dims, 1, input.getLattice()->primType(), ZxCoordType::Uniform};
 }
 
 McHandle<ZxUniformLabelField3> ZxAlignResampler::obtainLabels(const ZxSpatialData& input, bool reuse)
 {
-  const ZxLatticeShape shape{
-      {m_width, m_height, m_input.getDims().slices}, 1, input.getLattice()->primType(), ZxCoordType::Uniform};
-  const ZxBox3f box = outputBox(m_input.getDims(), m_input.getBoundingBox(), m_width, m_height);
+  const ZxLatticeShape shape = labelShape(input);
   if (reuse) {
     ZxData* data = m_module.getResult(1);
     auto* result = dynamic_cast<ZxUniformLabelField3*>(data);
@@ -250,17 +243,24 @@ McHandle<ZxUniformLabelField3> ZxAlignResampler::obtainLabels(const ZxSpatialDat
     }
     ZxLattice& existing = *result->getLattice();
     if (existing.getDims() == shape.dims && existing.primType() == shape.primType) {
-      existing.setBoundingBox(box);
+      existing.setBoundingBox(
+          outputBox(m_input.getDims(), m_input.getBoundingBox(), m_how.width(), m_how.height()));
       return McHandle<ZxUniformLabelField3>(result);
     }
     msg()->printf("Previous result has different dimensions. Cannot reuse it.");
   }
-  auto lattice = ZxLabelLattice3::create(shape);
-  if (!lattice) {
-    msg()->printf("Error creating result Label Lattice.");
-    return {};
-  }
-  lattice->setBoundingBox(box);
+  McHandle<ZxUniformLabelField3> result = createLabels(input, ZxLattice::createMemory(shape));
+  if (!result) msg()->printf("Error creating result Label Lattice.");
+  return result;
+}
+
+McHandle<ZxUniformLabelField3> ZxAlignResampler::createLabels(const ZxSpatialData& input,
+                                                              std::unique_ptr<ZxVoxelSource> voxels)
+{
+  if (!voxels) return {};
+  auto lattice = std::make_unique<ZxLabelLattice3>(labelShape(input), std::move(voxels));
+  lattice->setBoundingBox(
+      outputBox(m_input.getDims(), m_input.getBoundingBox(), m_how.width(), m_how.height()));
   return mcMake<ZxUniformLabelField3>(std::move(lattice));
 }
 
@@ -278,15 +278,9 @@ ZxAlignResampler::Outcome ZxAlignResampler::resampleLabelSlices(ZxLattice& input
       msg()->printf("Slice %d of the labels cannot be %s.", k, target ? "read" : "written");
       return Outcome::Stopped;
     }
-    const kernels::ResampleFrame frame = frameOf(k, dims.width, dims.height);
-    mcVisit(input.primType(), [&](auto zero) {
-      using T = decltype(zero);
-      if constexpr (std::is_integral_v<T>)
-        kernels::resampleLabelRows(frame, reinterpret_cast<const T*>(source.data()), static_cast<T*>(target),
-                                   0, m_height);
-    });
+    SliceResampling::labels(m_how.frame(k, dims), input.primType(), source.data(), target);
     if (!endWrite(output, k)) return Outcome::Stopped;
-    showProgress(m_input.getDims().slices + k, m_height);
+    showProgress(m_input.getDims().slices + k, m_how.height());
     if (workArea->wasInterrupted(1)) return Outcome::Stopped;
   }
   return Outcome::Done;

@@ -1,47 +1,54 @@
 #pragma once
 
-#include "AlignmentGeometry.h"
-#include "kernels/Resample.h"
+#include "SliceResampling.h"
 #include "zx/ZxField3.h"
 
-#include <vector>
+#include <memory>
 
 class ZxAlignData;
 class ZxAlignSlices;
 
-/// One run of the resampling: makes the aligned volume and, when a label field is connected, the aligned
-/// labels, from the module's input, transforms and settings.
+/// One resampling: makes the aligned volume and, when a label field is connected, the aligned labels, from
+/// the module's input, transforms and settings as they are when this object is made.
 class ZxAlignResampler {
 public:
   explicit ZxAlignResampler(ZxAlignSlices& module);
-  /// reuse writes into the module's existing results where they fit.
+  /// Resamples into results of the module; reuse writes into the existing ones where they fit.
   void run(bool reuse);
+  /// The same results with slices that are computed when they are read. Of the labels none, after a message,
+  /// without a label field.
+  McHandle<ZxSpatialData> volumeOnDemand();
+  McHandle<ZxSpatialData> labelsOnDemand();
 
 private:
   enum class Outcome { Done, Stopped };
 
   McHandle<ZxSpatialData> obtainResult(bool reuse);
   McHandle<ZxSpatialData> existingResult(bool& failed);
-  McHandle<ZxSpatialData> createResult();
+  ZxLatticeShape resultShape() const;
+  McHandle<ZxSpatialData> createResult(std::unique_ptr<ZxVoxelSource> voxels);
   void describeResult(ZxSpatialData& result);
+  /// The parameters of labels are those of the input's labels.
+  void inheritParameters(ZxSpatialData& result);
   Outcome resampleImage(ZxLattice& output);
   Outcome resampleSlice(int k, ZxLattice& output);
-  std::vector<float> backgroundOf(int k, const unsigned char* source);
+  McHandle<ZxSpatialData> labelField() const;
   void resampleLabels(bool reuse);
   McHandle<ZxUniformLabelField3> obtainLabels(const ZxSpatialData& input, bool reuse);
+  ZxLatticeShape labelShape(const ZxSpatialData& input) const;
+  McHandle<ZxUniformLabelField3> createLabels(const ZxSpatialData& input,
+                                              std::unique_ptr<ZxVoxelSource> voxels);
+  void describeLabels(const ZxSpatialData& input, ZxSpatialData& result);
   Outcome resampleLabelSlices(ZxLattice& input, ZxLattice& output);
-  kernels::ResampleFrame frameOf(int k, int width, int height) const;
+  OutputBorders bordersOf() const;
   void showProgress(int k, int row);
   /// Where the output of an input lies in the frame of the input's file.
   void storeGeometry(const ZxSpatialData& input, ZxParamBundle& parameters) const;
-  int bandRows() const;
 
   ZxAlignSlices& m_module;
   ZxAlignData& m_data;
   McHandle<ZxSpatialData> m_inputData; // Pending events may drop the module's own hold on it.
   ZxLattice& m_input;
   bool m_inputIsLabels;
-  OutputBorders m_borders;
-  int m_width; // of the output
-  int m_height;
+  SliceResampling m_how;
 };

@@ -7,7 +7,9 @@
 #include "AlignmentStorage.h"
 #include "LandmarkTable.h"
 #include "MostFrequentColor.h"
+#include "ReducedVoxels.h"
 #include "RigidFit.h"
+#include "ZxAlignResampler.h"
 #include "mc/McRound.h"
 #include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
@@ -18,10 +20,13 @@
 #include "zxalign/ZxAutoAlignMethodFabrique.h"
 #include "zxalign/ZxDefaultAlignmentEvaluator.h"
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
 namespace {
+
+constexpr double unreadable = -1.0; // the quality of a pair that could not be read
 
 void shift(SliceInfo& slice, float dx, float dy)
 {
@@ -379,6 +384,16 @@ bool ZxAlignSlices::setLandmarks(std::span<const std::vector<ZxAlignPoint>> land
   return true;
 }
 
+std::vector<std::vector<ZxAlignPoint>> ZxAlignSlices::landmarks() const
+{
+  std::vector<std::vector<ZxAlignPoint>> all;
+  for (int k = 0; k < numSlices(); ++k) {
+    std::vector<ZxAlignPoint>& points = all.emplace_back();
+    for (const QPoint& p : getSlice(k).landmarks) points.push_back({p.x(), p.y()});
+  }
+  return all;
+}
+
 std::string ZxAlignSlices::setLandmarksFrom(const std::string& fileName)
 {
   if (numSlices() == 0) return "There is no input whose landmarks " + fileName + " could hold.";
@@ -399,6 +414,7 @@ void ZxAlignSlices::selectPair(const ZxAlignPair& pair)
 
 bool ZxAlignSlices::alignPair(const ZxAlignPair& pair, int method, ZxAlignPairResult& result)
 {
+  if (!m_data->isPairReadable()) return false;
   result.pair = pair;
   result.qualityBefore = static_cast<double>(computeQuality());
   const ZxAlignTransform before = toControl(getSlice(pair.editable));
@@ -409,29 +425,31 @@ bool ZxAlignSlices::alignPair(const ZxAlignPair& pair, int method, ZxAlignPairRe
   return true;
 }
 
-int ZxAlignSlices::alignPairs(const std::vector<ZxAlignPair>& pairs, int method, const SelectPair& select,
-                              const PairDone& done)
+int ZxAlignSlices::alignPairs(const std::vector<ZxAlignPair>& pairs, int firstPair, int method,
+                              const SelectPair& select, const PairDone& done)
 {
   using Clock = std::chrono::steady_clock;
   ZxWorkArea* workArea = ZxWorkArea::getTheWorkArea();
   const ZxWorkingPhase phase("");
-  int count = 0;
-  for (const ZxAlignPair& pair : pairs) {
+  const auto first = static_cast<std::size_t>(std::max(firstPair, 0));
+  std::size_t next = first;
+  for (; next < pairs.size(); ++next) {
+    const ZxAlignPair& pair = pairs[next];
     const Clock::time_point start = Clock::now();
     select(pair);
     workArea->setProgressText("Aligning slice %d with %d", pair.editable, pair.reference);
-    workArea->setProgressFraction((static_cast<float>(count) + 0.5f) / static_cast<float>(pairs.size()));
+    workArea->setProgressFraction((static_cast<float>(next) + 0.5f) / static_cast<float>(pairs.size()));
     ZxAlignPairResult result;
     const bool aligned = done ? alignPair(pair, method, result) : doLayout(method) != 0;
     if (!aligned || workArea->wasInterrupted(1)) break;
     result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
     if (done) done(result);
-    ++count;
   }
-  return count;
+  return static_cast<int>(next - std::min(first, next));
 }
 
-int ZxAlignSlices::runOverStack(int method, int reference, const SelectPair& select, const PairDone& done)
+int ZxAlignSlices::runOverStack(int method, int reference, const SelectPair& select, const PairDone& done,
+                                int firstPair)
 {
   if (isRunning()) return 0;
   std::vector<ZxAlignPair> pairs = alignmentOrder(reference, numSlices());
@@ -440,7 +458,7 @@ int ZxAlignSlices::runOverStack(int method, int reference, const SelectPair& sel
   int count = 0;
   withoutPasses([&] {
     m_stackRuns = true;
-    count = alignPairs(pairs, method, select, done);
+    count = alignPairs(pairs, firstPair, method, select, done);
     m_stackRuns = false;
   });
   return count;
@@ -448,11 +466,16 @@ int ZxAlignSlices::runOverStack(int method, int reference, const SelectPair& sel
 
 int ZxAlignSlices::alignAll(int method, int reference, const PairDone& done)
 {
+  return alignRest(0, method, reference, done);
+}
+
+int ZxAlignSlices::alignRest(int firstPair, int method, int reference, const PairDone& done)
+{
   // A run needs these two; the user finds them as they were.
   const bool transformAll = std::exchange(m_transformAll, true);
   const bool fixReference = std::exchange(m_fixReference, false);
   const int count = runOverStack(
-      method, reference, [this](const ZxAlignPair& pair) { selectPair(pair); }, done);
+      method, reference, [this](const ZxAlignPair& pair) { selectPair(pair); }, done, firstPair);
   m_transformAll = transformAll;
   m_fixReference = fixReference;
   return count;
@@ -462,13 +485,14 @@ double ZxAlignSlices::pairQuality(int lower)
 {
   if (lower < 0 || lower + 1 >= numSlices()) return 0.0;
   selectPair({lower + 1, lower, +1});
-  return static_cast<double>(computeQuality());
+  return m_data->isPairReadable() ? static_cast<double>(computeQuality()) : unreadable;
 }
 
 double ZxAlignSlices::maskedPairQuality(int lower)
 {
   if (lower < 0 || lower + 1 >= numSlices()) return 0.0;
   selectPair({lower + 1, lower, +1});
+  if (!m_data->isPairReadable()) return unreadable;
   const ZxDims& dims = m_data->getDims();
   const bool colour = m_data->isColorField();
   std::vector<unsigned char> mask0 = maskBytes(m_data->getMaskBitfield(lower), dims.slicePixels());
@@ -480,6 +504,22 @@ double ZxAlignSlices::maskedPairQuality(int lower)
   evaluator->setMask0(mask0.empty() ? nullptr : mask0.data());
   evaluator->setMask1(mask1.empty() ? nullptr : mask1.data());
   return static_cast<double>(evaluator->quality(getSlice(lower), getSlice(lower + 1), 0));
+}
+
+McHandle<ZxSpatialData> ZxAlignSlices::alignedVolume()
+{
+  return m_data->getLattice() ? ZxAlignResampler(*this).volumeOnDemand() : McHandle<ZxSpatialData>();
+}
+
+McHandle<ZxSpatialData> ZxAlignSlices::alignedLabels()
+{
+  const bool has = m_data->getLattice() && portLabelField.isConnected();
+  return has ? ZxAlignResampler(*this).labelsOnDemand() : McHandle<ZxSpatialData>();
+}
+
+McHandle<ZxSpatialData> ZxAlignSlices::reduced(const McHandle<ZxSpatialData>& data, int factor) const
+{
+  return ReducedVoxels::reduce(data, factor);
 }
 
 bool ZxAlignSlices::saveAlignment()

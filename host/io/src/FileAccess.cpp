@@ -24,7 +24,7 @@ ZxFileOutcome outcomeOf(F f)
 
 McHandle<ZxSpatialData> readAs(const ZxReadRequest& request)
 {
-  ReadOptions options;
+  ReadOptions options{.tooLarge = TooLarge::LeaveInFile};
   if (request.unequalSlices == ZxUnequalSlices::PadToLargest)
     options.unequalSlices = UnequalSlices::PadToLargest;
   switch (request.as) {

@@ -24,9 +24,17 @@ class VolumeReader {
 public:
   virtual ~VolumeReader() = default;
   const VolumeInfo& info() const noexcept { return m_info; }
-  /// Reads slice k (counted from 0) in the type of info().shape into dst. Slices are asked for in rising
-  /// order. Throws Error when the data are damaged or short.
+  /// Reads slice k (counted from 0) in the type of info().shape into dst. Throws Error when the data are
+  /// damaged or short.
   virtual void readSlice(int k, void* dst) = 0;
+  /// True when any slice can be read for about the cost of that slice; else slices are to be asked for in
+  /// rising order.
+  virtual bool readsInAnyOrder() const { return m_info.shape.dims.slices == 1; }
+  /// Reads some rows of slice k from row y on, all of them inside the slice. False, with dst unspecified,
+  /// when that would be no cheaper than the whole slice. Throws Error like readSlice().
+  virtual bool readRows(int, int, int, void*) { return false; }
+  /// Throws Error when the file that holds slice k is known to have changed since it was opened.
+  virtual void checkUnchanged(int) {}
   /// Size of slice k. Where slices differ info().shape has the largest width and height, and readSlice()
   /// gives each in its own size.
   virtual SliceSize sliceSize(int) const { return {m_info.shape.dims.width, m_info.shape.dims.height}; }
@@ -61,6 +69,13 @@ public:
   /// Polls the work area between slices. Throws Error, also when the disk is full.
   virtual void write(const ZxSpatialData& data, const std::string& target,
                      const std::string& temporary) const = 0;
+  /// Writes the volume straight under its name and takes over the slices that an earlier call has left there
+  /// whole, as far as the format can tell (see continueVolume()). Returns their number. Throws Error.
+  virtual int continueWriting(const ZxSpatialData& data, const std::string& path) const
+  {
+    write(data, path, path);
+    return 0;
+  }
 };
 
 std::unique_ptr<Format> makeTiffFormat();

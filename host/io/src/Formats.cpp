@@ -3,11 +3,12 @@
 #include "ByteStream.h"
 #include "FileError.h"
 #include "FormatNames.h"
-#include "ParameterJson.h"
+#include "io/ParameterJson.h"
 #include "SliceWriter.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <fstream>
 #include <system_error>
 #include <vector>
@@ -108,6 +109,14 @@ void writeText(const std::string& text, const std::string& target, const std::st
   OutputFile file(path, target);
   file.write(text);
   file.close();
+}
+
+void writeParameters(const ZxSpatialData& data, const std::string& path)
+{
+  const std::string parameters = parametersText(data);
+  if (!parameters.empty()) return writeText(parameters, path, path);
+  std::error_code error;
+  std::filesystem::remove(path, error);
 }
 
 } // namespace io

@@ -29,4 +29,7 @@ std::string readText(const std::string& path);
 /// Writes a text. Throws Error that names target.
 void writeText(const std::string& text, const std::string& target, const std::string& path);
 
+/// Writes the parameters of data straight to a file, or removes the file where there are none.
+void writeParameters(const ZxSpatialData& data, const std::string& path);
+
 } // namespace io

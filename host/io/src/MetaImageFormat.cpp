@@ -1,3 +1,4 @@
+#include "Continuation.h"
 #include "DataFileName.h"
 #include "FileError.h"
 #include "Format.h"
@@ -190,6 +191,7 @@ public:
   bool holdsParameters() const noexcept override { return true; }
   void write(const ZxSpatialData& data, const std::string& target,
              const std::string& temporary) const override;
+  int continueWriting(const ZxSpatialData& data, const std::string& path) const override;
 };
 
 } // namespace
@@ -233,6 +235,16 @@ void MetaImageFormat::write(const ZxSpatialData& data, const std::string& target
   file.write(headerText(data, pair ? fileName(withEnding(target, ".raw")) : "LOCAL"));
   if (!pair) writeVoxels(data, target, file);
   file.close();
+}
+
+int MetaImageFormat::continueWriting(const ZxSpatialData& data, const std::string& path) const
+{
+  if (!hasEnding(path, ".mhd")) {
+    const std::string header = headerText(data, "LOCAL");
+    return continueVoxels(data, path, std::as_bytes(std::span(header)));
+  }
+  const std::string voxels = withEnding(path, ".raw");
+  return continueVoxelsBeside(data, path, headerText(data, fileName(voxels)), voxels);
 }
 
 std::unique_ptr<Format> makeMetaImageFormat() { return std::make_unique<MetaImageFormat>(); }

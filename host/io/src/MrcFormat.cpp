@@ -1,8 +1,10 @@
 #include "BinaryHeader.h"
+#include "Continuation.h"
 #include "FileError.h"
 #include "Format.h"
 #include "FormatNames.h"
 #include "Geometry.h"
+#include "PlainFile.h"
 #include "RawVolumeReader.h"
 #include "SliceWriter.h"
 
@@ -160,31 +162,42 @@ struct Statistics {
   float minimum = 0, maximum = -1, mean = -2, deviation = -1; // "not determined" in the format's own words
 };
 
-Statistics statisticsOf(const ZxSpatialData& data, const std::string& target)
-{
-  double low = std::numeric_limits<double>::infinity(), high = -low, sum = 0.0, squares = 0.0, count = 0.0;
-  const auto add = [&](auto zero, std::span<const std::byte> slice) {
-    const auto* values = reinterpret_cast<const decltype(zero)*>(slice.data());
-    for (std::size_t i = 0; i < slice.size() / sizeof zero; ++i) {
+/// Gathers them slice by slice, in the order of the values.
+class StatisticsSum {
+public:
+  /// Values of a type; those that are not finite do not count.
+  void add(McPrimType type, std::span<const std::byte> slice)
+  {
+    mcVisit(type, [&](auto zero) { addValues(zero, slice); });
+  }
+  Statistics result() const
+  {
+    if (m_count == 0.0) return {};
+    const double mean = m_sum / m_count;
+    const double variance = std::max(0.0, m_squares / m_count - mean * mean);
+    return {static_cast<float>(m_low), static_cast<float>(m_high), static_cast<float>(mean),
+            static_cast<float>(std::sqrt(variance))};
+  }
+
+private:
+  template <class T>
+  void addValues(T, std::span<const std::byte> slice)
+  {
+    const auto* values = reinterpret_cast<const T*>(slice.data());
+    for (std::size_t i = 0; i < slice.size() / sizeof(T); ++i) {
       const auto value = static_cast<double>(values[i]);
       if (!std::isfinite(value)) continue;
-      low = std::min(low, value);
-      high = std::max(high, value);
-      sum += value;
-      squares += value * value;
-      count += 1.0;
+      m_low = std::min(m_low, value);
+      m_high = std::max(m_high, value);
+      m_sum += value;
+      m_squares += value * value;
+      m_count += 1.0;
     }
-  };
-  const McPrimType type = data.getLattice()->primType();
-  forEachSlice(data, target, [&](std::span<const std::byte> slice) {
-    mcVisit(type, [&](auto zero) { add(zero, slice); });
-  });
-  if (count == 0.0) return {};
-  const double mean = sum / count;
-  const double variance = std::max(0.0, squares / count - mean * mean);
-  return {static_cast<float>(low), static_cast<float>(high), static_cast<float>(mean),
-          static_cast<float>(std::sqrt(variance))};
-}
+  }
+
+  double m_low = std::numeric_limits<double>::infinity(), m_high = -m_low, m_sum = 0.0, m_squares = 0.0,
+         m_count = 0.0;
+};
 
 std::int32_t modeOf(McPrimType type)
 {
@@ -238,16 +251,64 @@ BinaryHeader headerFor(const ZxSpatialData& data, const Statistics& statistics)
   return header;
 }
 
-void writeSlices(const ZxSpatialData& data, const std::string& target, OutputFile& file)
+/// The type that voxels have in the file.
+McPrimType storedTypeOf(McPrimType type) { return type == McPrimType::UInt8 ? McPrimType::UInt16 : type; }
+
+std::uint64_t storedSliceBytes(const ZxLatticeShape& shape)
 {
-  if (data.getLattice()->primType() != McPrimType::UInt8) return writeVoxels(data, target, file);
+  return shape.dims.slicePixels() * mcSizeOf(storedTypeOf(shape.primType));
+}
+
+/// Writes the slices from the first one on and adds them to their statistics.
+void writeSlices(const ZxSpatialData& data, const std::string& target, OutputFile& file,
+                 StatisticsSum& statistics, int first)
+{
+  const McPrimType type = data.getLattice()->primType();
   std::vector<std::uint16_t> wide;
-  forEachSlice(data, target, [&](std::span<const std::byte> slice) {
+  const auto write = [&](std::span<const std::byte> slice) {
+    statistics.add(type, slice);
+    if (type != McPrimType::UInt8) return file.write(slice);
     wide.resize(slice.size());
     std::transform(slice.begin(), slice.end(), wide.begin(),
                    [](std::byte b) { return std::to_integer<std::uint16_t>(b); });
     file.write(std::as_bytes(std::span(wide)));
-  });
+  };
+  forEachSlice(data, target, write, first);
+}
+
+/// Goes on behind the header and the first slices of a file, so that each slice is asked for once only: the
+/// statistics in the header are known when all have been written, and are put there then.
+void writeBehindHeader(const ZxSpatialData& data, const std::string& target, const std::string& path,
+                       int first)
+{
+  const ZxLatticeShape& shape = data.getLattice()->shape();
+  StatisticsSum statistics;
+  std::vector<std::byte> slice(first > 0 ? storedSliceBytes(shape) : 0);
+  if (first > 0) {
+    const PlainFile before(path);
+    for (int k = 0; k < first; ++k) {
+      throwIfInterrupted();
+      before.readAt(headerBytes + static_cast<std::uint64_t>(k) * slice.size(), slice);
+      statistics.add(storedTypeOf(shape.primType), slice);
+    }
+  }
+  OutputFile file(path, target, OutputFile::Packing::None, OutputFile::Start::AtEnd);
+  writeSlices(data, target, file, statistics, first);
+  file.close();
+  overwrite(path, target, 0, headerFor(data, statistics.result()).bytes());
+}
+
+/// The header of a file that an earlier call has begun when it is the given one but for the statistics, else
+/// the given one.
+std::vector<std::byte> headerToContinue(const std::string& path, const BinaryHeader& wanted)
+{
+  const std::vector<std::byte> found = beginningOf(path, headerBytes);
+  if (found.size() != headerBytes) return wanted.bytes();
+  BinaryHeader header(headerBytes);
+  std::copy(found.begin(), found.end(), header.data());
+  for (const std::size_t place : {at::minimum, at::maximum, at::mean, at::deviation})
+    header.put(place, wanted.get<float>(place));
+  return header.bytes() == wanted.bytes() ? found : wanted.bytes();
 }
 
 /// MRC volumes and image stacks, also packed with gzip.
@@ -266,6 +327,7 @@ public:
   std::string cannotHold(const ZxLatticeShape& shape) const override;
   void write(const ZxSpatialData& data, const std::string& target,
              const std::string& temporary) const override;
+  int continueWriting(const ZxSpatialData& data, const std::string& path) const override;
 };
 
 } // namespace
@@ -324,12 +386,30 @@ std::string MrcFormat::cannotHold(const ZxLatticeShape& shape) const
 void MrcFormat::write(const ZxSpatialData& data, const std::string& target,
                       const std::string& temporary) const
 {
-  const Statistics statistics = statisticsOf(data, target);
-  OutputFile file(temporary, target,
-                  hasEnding(target, ".gz") ? OutputFile::Packing::Gzip : OutputFile::Packing::None);
-  file.write(headerFor(data, statistics).bytes());
-  writeSlices(data, target, file);
+  if (!hasEnding(target, ".gz")) {
+    OutputFile file(temporary, target);
+    file.write(headerFor(data, {}).bytes());
+    file.close();
+    return writeBehindHeader(data, target, temporary, 0);
+  }
+  StatisticsSum statistics;
+  const McPrimType type = data.getLattice()->primType();
+  forEachSlice(data, target, [&](std::span<const std::byte> slice) { statistics.add(type, slice); });
+  OutputFile file(temporary, target, OutputFile::Packing::Gzip);
+  file.write(headerFor(data, statistics.result()).bytes());
+  StatisticsSum again;
+  writeSlices(data, target, file, again, 0);
   file.close();
+}
+
+int MrcFormat::continueWriting(const ZxSpatialData& data, const std::string& path) const
+{
+  if (hasEnding(path, ".gz")) return Format::continueWriting(data, path);
+  const ZxLatticeShape& shape = data.getLattice()->shape();
+  const std::vector<std::byte> header = headerToContinue(path, headerFor(data, {}));
+  const int first = keepWholeSlices(path, header, storedSliceBytes(shape), shape.dims.slices);
+  writeBehindHeader(data, path, path, first);
+  return first;
 }
 
 std::unique_ptr<Format> makeMrcFormat() { return std::make_unique<MrcFormat>(); }

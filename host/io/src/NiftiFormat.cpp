@@ -1,3 +1,4 @@
+#include "Continuation.h"
 #include "DataFileName.h"
 #include "FileError.h"
 #include "Format.h"
@@ -261,6 +262,14 @@ NiftiHeader headerFor(const ZxSpatialData& data)
   return header;
 }
 
+/// All that stands before the voxels.
+std::vector<std::byte> headerBytes(const ZxSpatialData& data)
+{
+  std::vector<std::byte> bytes = headerFor(data).bytes();
+  bytes.resize(bytes.size() + 4); // No extension follows.
+  return bytes;
+}
+
 /// NIfTI-1 and NIfTI-2: .nii, .nii.gz and pairs of .hdr and .img, in both byte orders.
 ///
 /// Rows and slices keep the order of the file. The origin is the position of its first voxel in the file's
@@ -276,6 +285,7 @@ public:
   std::string cannotHold(const ZxLatticeShape& shape) const override;
   void write(const ZxSpatialData& data, const std::string& target,
              const std::string& temporary) const override;
+  int continueWriting(const ZxSpatialData& data, const std::string& path) const override;
 };
 
 } // namespace
@@ -318,11 +328,15 @@ void NiftiFormat::write(const ZxSpatialData& data, const std::string& target,
 {
   const bool packed = hasEnding(target, ".gz");
   OutputFile file(temporary, target, packed ? OutputFile::Packing::Gzip : OutputFile::Packing::None);
-  const NiftiHeader header = headerFor(data);
-  file.write(header.bytes());
-  file.write(std::string(4, '\0')); // no extension follows
+  file.write(headerBytes(data));
   writeVoxels(data, target, file);
   file.close();
+}
+
+int NiftiFormat::continueWriting(const ZxSpatialData& data, const std::string& path) const
+{
+  if (hasEnding(path, ".gz")) return Format::continueWriting(data, path);
+  return continueVoxels(data, path, headerBytes(data));
 }
 
 std::unique_ptr<Format> makeNiftiFormat() { return std::make_unique<NiftiFormat>(); }

@@ -1,3 +1,4 @@
+#include "Continuation.h"
 #include "DataFileName.h"
 #include "FileError.h"
 #include "Format.h"
@@ -334,6 +335,7 @@ public:
   bool holdsParameters() const noexcept override { return true; }
   void write(const ZxSpatialData& data, const std::string& target,
              const std::string& temporary) const override;
+  int continueWriting(const ZxSpatialData& data, const std::string& path) const override;
 };
 
 } // namespace
@@ -378,6 +380,16 @@ void NrrdFormat::write(const ZxSpatialData& data, const std::string& target,
   file.write(headerText(data, detached ? fileName(withEnding(target, ".raw")) : ""));
   if (!detached) writeVoxels(data, target, file);
   file.close();
+}
+
+int NrrdFormat::continueWriting(const ZxSpatialData& data, const std::string& path) const
+{
+  if (!hasEnding(path, ".nhdr")) {
+    const std::string header = headerText(data, "");
+    return continueVoxels(data, path, std::as_bytes(std::span(header)));
+  }
+  const std::string voxels = withEnding(path, ".raw");
+  return continueVoxelsBeside(data, path, headerText(data, fileName(voxels)), voxels);
 }
 
 std::unique_ptr<Format> makeNrrdFormat() { return std::make_unique<NrrdFormat>(); }

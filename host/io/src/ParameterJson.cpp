@@ -1,4 +1,4 @@
-#include "ParameterJson.h"
+#include "io/ParameterJson.h"
 
 #include "FileError.h"
 #include "PercentEncoding.h"

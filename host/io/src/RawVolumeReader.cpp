@@ -2,7 +2,6 @@
 
 #include "DataFileName.h"
 #include "FileError.h"
-#include "NumberStream.h"
 #include "SliceWriter.h"
 
 #include <algorithm>
@@ -37,20 +36,6 @@ std::uint64_t capacity(const DataFile& file, std::size_t valueBytes)
   }
 }
 
-std::unique_ptr<ByteStream> open(const DataFile& file, StoredType type)
-{
-  std::unique_ptr<ByteStream> stream = openBytes(file.path, file.offset, file.packing);
-  stream->skip(file.skip);
-  switch (file.notation) {
-  case Notation::Text:
-    return std::make_unique<TextStream>(std::move(stream), file.path, type);
-  case Notation::Hex:
-    return std::make_unique<HexStream>(std::move(stream), file.path);
-  default:
-    return stream;
-  }
-}
-
 } // namespace
 
 ZxDims checkedDims(const std::string& path, std::int64_t width, std::int64_t height, std::int64_t slices)
@@ -68,6 +53,7 @@ RawVolumeReader::RawVolumeReader(RawVolume volume, VolumeInfo info) : m_volume(s
 {
   m_info = std::move(info);
   checkFiles();
+  m_bytes.emplace(m_volume.files, m_shareBytes, m_volume.voxels.type);
   m_info.shape.dims = m_volume.dims;
   m_info.shape.numDataVars = m_volume.voxels.channels == 1 ? 1 : 4;
   m_info.shape.primType = findType();
@@ -107,11 +93,11 @@ McPrimType RawVolumeReader::findType()
   IntegerRange range;
   for (int k = 0; k < m_volume.dims.slices; ++k) {
     throwIfInterrupted();
-    forEachPart([&](std::byte* voxels, std::size_t, std::size_t count) {
-      m_volume.voxels.extendRange(voxels, count, range);
-    });
+    forEachPart(positionOf(k), m_volume.dims.slicePixels(),
+                [&](std::byte* voxels, std::size_t, std::size_t count) {
+                  m_volume.voxels.extendRange(voxels, count, range);
+                });
   }
-  restart();
   const std::optional<McPrimType> found = smallestTypeFor(range);
   if (!found)
     cannotRead(m_volume.path, "its values of type " + m_volume.voxels.describe() +
@@ -119,58 +105,46 @@ McPrimType RawVolumeReader::findType()
   return *found;
 }
 
-void RawVolumeReader::forEachPart(const std::function<void(std::byte*, std::size_t, std::size_t)>& f)
+void RawVolumeReader::forEachPart(std::uint64_t position, std::size_t all,
+                                  const std::function<void(std::byte*, std::size_t, std::size_t)>& f)
 {
   constexpr std::size_t partBytes = 1 << 20;
   const std::size_t voxelBytes = m_volume.voxels.bytes();
-  const std::size_t all = m_volume.dims.slicePixels(), most = partBytes / voxelBytes;
+  const std::size_t most = partBytes / voxelBytes;
   m_part.resize(std::min(all, most) * voxelBytes);
   for (std::size_t first = 0; first < all; first += most) {
     const std::size_t count = std::min(most, all - first);
-    readStored({m_part.data(), count * voxelBytes});
+    m_bytes->read(position + first * voxelBytes, {m_part.data(), count * voxelBytes});
     f(m_part.data(), first, count);
   }
-  ++m_next;
 }
 
-void RawVolumeReader::restart()
+void RawVolumeReader::readVoxels(std::uint64_t position, std::size_t count, void* dst)
 {
-  m_stream.reset();
-  m_file = 0;
-  m_shareLeft = 0;
-  m_next = 0;
-}
-
-void RawVolumeReader::readStored(std::span<std::byte> bytes)
-{
-  while (!bytes.empty()) {
-    if (m_shareLeft == 0) {
-      m_stream = open(m_volume.files[m_file++], m_volume.voxels.type);
-      m_shareLeft = m_shareBytes;
-    }
-    const std::size_t n = std::min<std::uint64_t>(bytes.size(), m_shareLeft);
-    if (m_stream->read(bytes.data(), n) != n)
-      cannotRead(m_volume.files[m_file - 1].path, "its data end too early");
-    m_shareLeft -= n;
-    bytes = bytes.subspan(n);
-  }
+  const McPrimType type = m_info.shape.primType;
+  const StoredVoxels& voxels = m_volume.voxels;
+  auto* out = static_cast<std::byte*>(dst);
+  if (voxels.isPlain(type)) return m_bytes->read(position, {out, count * voxels.bytes()});
+  const std::size_t voxelBytes = m_info.shape.voxelBytes();
+  forEachPart(position, count, [&](std::byte* stored, std::size_t first, std::size_t n) {
+    voxels.convert(stored, n, type, out + first * voxelBytes);
+  });
 }
 
 void RawVolumeReader::readSlice(int k, void* dst)
 {
-  if (k < m_next) restart();
-  while (m_next < k) forEachPart([](std::byte*, std::size_t, std::size_t) {});
-  const McPrimType type = m_info.shape.primType;
-  const StoredVoxels& voxels = m_volume.voxels;
-  if (voxels.isPlain(type)) {
-    readStored({static_cast<std::byte*>(dst), m_sliceBytes});
-    ++m_next;
-    return;
-  }
-  const std::size_t voxelBytes = m_info.shape.voxelBytes();
-  forEachPart([&](std::byte* stored, std::size_t first, std::size_t count) {
-    voxels.convert(stored, count, type, static_cast<std::byte*>(dst) + first * voxelBytes);
-  });
+  readVoxels(positionOf(k), m_volume.dims.slicePixels(), dst);
 }
+
+bool RawVolumeReader::readRows(int k, int y, int rows, void* dst)
+{
+  if (!m_bytes->inAnyOrder()) return false;
+  const auto width = static_cast<std::size_t>(m_volume.dims.width);
+  const std::uint64_t first = static_cast<std::uint64_t>(y) * width * m_volume.voxels.bytes();
+  readVoxels(positionOf(k) + first, static_cast<std::size_t>(rows) * width, dst);
+  return true;
+}
+
+void RawVolumeReader::checkUnchanged(int k) { m_bytes->checkUnchanged(positionOf(k)); }
 
 } // namespace io

@@ -1,40 +1,16 @@
 #pragma once
 
-#include "ByteStream.h"
 #include "Format.h"
-#include "StoredVoxels.h"
+#include "StoredBytes.h"
 
 #include <cstdint>
 #include <functional>
-#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace io {
-
-/// How the voxels of a data file are written down.
-enum class Notation {
-  Binary,
-  Text, ///< decimal numbers between white space
-  Hex   ///< two digits a byte, white space passed over
-};
-
-/// Where the voxels stand in a data file.
-enum class Place {
-  AtOffset,
-  AtEnd ///< the last voxel ends the file; what stands before is passed over
-};
-
-/// Where voxels are stored: a file from an offset on.
-struct DataFile {
-  std::string path;
-  std::uint64_t offset = 0;
-  Place place = Place::AtOffset;
-  Packing packing = Packing::None;
-  Notation notation = Notation::Binary;
-  std::uint64_t skip = 0; ///< unpacked bytes before the first voxel
-};
 
 /// Which integer types of a file are given the smallest type in memory that holds their values. For types
 /// that have none of their own the values decide anyway.
@@ -60,23 +36,26 @@ public:
   /// files are too short, as far as that shows without unpacking them.
   RawVolumeReader(RawVolume volume, VolumeInfo info);
   void readSlice(int k, void* dst) override;
+  bool readsInAnyOrder() const override { return m_bytes->inAnyOrder(); }
+  bool readRows(int k, int y, int rows, void* dst) override;
+  void checkUnchanged(int k) override;
 
 private:
   void checkFiles();
   McPrimType findType();
-  void restart();
-  void readStored(std::span<std::byte> bytes);
-  /// Reads one slice by parts that need little memory and calls f(stored voxels, index of the first, count).
-  void forEachPart(const std::function<void(std::byte*, std::size_t, std::size_t)>& f);
+  std::uint64_t positionOf(int k) const noexcept { return static_cast<std::uint64_t>(k) * m_sliceBytes; }
+  /// Reads voxels that follow one another, from the first one's position on, in the type of the shape.
+  void readVoxels(std::uint64_t position, std::size_t count, void* dst);
+  /// Reads them as they are stored by parts that need little memory and calls f(stored voxels, index of the
+  /// first, count).
+  void forEachPart(std::uint64_t position, std::size_t count,
+                   const std::function<void(std::byte*, std::size_t, std::size_t)>& f);
 
   RawVolume m_volume;
   std::uint64_t m_sliceBytes = 0;
   std::uint64_t m_shareBytes = 0; ///< of one file
   std::vector<std::byte> m_part;
-  std::unique_ptr<ByteStream> m_stream;
-  std::size_t m_file = 0;        ///< the next one to be opened
-  std::uint64_t m_shareLeft = 0; ///< bytes of the open file
-  int m_next = 0;                ///< slice that the stream stands at
+  std::optional<StoredBytes> m_bytes; ///< there from the checks in the constructor on
 };
 
 } // namespace io

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 #include <limits>
+#include <utility>
 
 namespace io {
 namespace fs = std::filesystem;
@@ -115,7 +116,9 @@ SliceSequence::SliceSequence(const std::vector<std::string>& files) : m_files(fi
 {
   for (std::size_t i = 0; i < files.size(); ++i) {
     if (i % 16 == 0) throwIfInterrupted();
+    m_stamps.push_back(FileStamp::of(files[i]));
     std::unique_ptr<VolumeReader> reader = openFile(files[i]);
+    m_inAnyOrder = m_inAnyOrder && reader->readsInAnyOrder();
     if (i == 0) {
       m_info = reader->info();
       m_info.shape.dims = {};
@@ -141,9 +144,8 @@ void SliceSequence::add(std::size_t file, const VolumeReader& reader)
   m_info.shape.dims.height = std::max(m_info.shape.dims.height, shape.dims.height);
 }
 
-void SliceSequence::readSlice(int k, void* dst)
+VolumeReader& SliceSequence::fileOf(const Slice& slice)
 {
-  const Slice& slice = m_slices[static_cast<std::size_t>(k)];
   const std::string& path = m_files[slice.file];
   if (!m_open || m_openFile != slice.file) {
     m_open = openFile(path);
@@ -152,8 +154,26 @@ void SliceSequence::readSlice(int k, void* dst)
   const ZxLatticeShape& shape = m_open->info().shape;
   const bool same = slice.index < shape.dims.slices && m_open->sliceSize(slice.index) == slice.size &&
                     shape.voxelBytes() == m_info.shape.voxelBytes();
-  if (!same) cannotRead(path, "it has changed since it was looked at");
-  m_open->readSlice(slice.index, dst);
+  if (!same) cannotRead(path, hasChanged);
+  return *m_open;
+}
+
+void SliceSequence::readSlice(int k, void* dst)
+{
+  const Slice& slice = m_slices[static_cast<std::size_t>(k)];
+  fileOf(slice).readSlice(slice.index, dst);
+}
+
+bool SliceSequence::readRows(int k, int y, int rows, void* dst)
+{
+  const Slice& slice = m_slices[static_cast<std::size_t>(k)];
+  return fileOf(slice).readRows(slice.index, y, rows, dst);
+}
+
+void SliceSequence::checkUnchanged(int k)
+{
+  const std::size_t file = m_slices[static_cast<std::size_t>(k)].file;
+  if (!(FileStamp::of(m_files[file]) == m_stamps[file])) cannotRead(m_files[file], hasChanged);
 }
 
 SliceSize SliceSequence::sliceSize(int k) const { return m_slices[static_cast<std::size_t>(k)].size; }
@@ -217,20 +237,55 @@ std::string SequenceTarget::problem(int slices) const
 void SequenceTarget::write(const ZxSpatialData& data, const Format& format) const
 {
   AtomicFiles files(folder);
-  ZxWorkArea* area = ZxWorkArea::getTheWorkArea();
-  const int slices = data.getLattice()->getDims().slices;
-  for (int k = 0; k < slices; ++k) {
-    throwIfInterrupted();
-    if (area->isWorking()) area->setProgressFraction(static_cast<float>(k) / static_cast<float>(slices));
-    const std::string name = pattern.name(k);
-    format.write(*sliceOf(data, k), folder + name, files.temporary(name));
-  }
+  writeSlices(data, 0, [&](const ZxSpatialData& slice, const std::string& name) {
+    format.write(slice, folder + name, files.temporary(name));
+  });
   const std::string beside = text + sidecarEnding;
   const std::string parameters = parametersText(data);
   if (!parameters.empty()) writeText(parameters, folder + beside, files.temporary(beside));
   files.commit(beside);
   std::error_code error;
   if (parameters.empty()) fs::remove(folder + beside, error); // Those of slices that are no more.
+}
+
+int SequenceTarget::continueWriting(const ZxSpatialData& data, const Format& format) const
+{
+  const int first = wholeSlices(data.getLattice()->shape());
+  writeSlices(data, first, [&](const ZxSpatialData& slice, const std::string& name) {
+    format.write(slice, folder + name, folder + name);
+  });
+  writeParameters(data, folder + text + sidecarEnding);
+  return first;
+}
+
+void SequenceTarget::writeSlices(
+    const ZxSpatialData& data, int first,
+    const std::function<void(const ZxSpatialData&, const std::string&)>& writeSlice) const
+{
+  ZxWorkArea* area = ZxWorkArea::getTheWorkArea();
+  const int slices = data.getLattice()->getDims().slices;
+  for (int k = first; k < slices; ++k) {
+    throwIfInterrupted();
+    if (area->isWorking()) area->setProgressFraction(static_cast<float>(k) / static_cast<float>(slices));
+    writeSlice(*sliceOf(data, k), pattern.name(k));
+  }
+}
+
+int SequenceTarget::wholeSlices(ZxLatticeShape shape) const
+{
+  const int slices = std::exchange(shape.dims.slices, 1);
+  std::error_code error;
+  int k = 0;
+  while (k < slices && fs::exists(folder + pattern.name(k), error)) ++k;
+  const int sure = std::max(k - 1, 0);
+  for (k = 0; k < sure; ++k) try {
+      if (openFile(folder + pattern.name(k))->info().shape != shape) break;
+    } catch (const Interrupted&) {
+      throw;
+    } catch (const Error&) { // It is none of ours.
+      break;
+    }
+  return k;
 }
 
 std::optional<std::string> parametersOfSequence(const std::vector<std::string>& files,

@@ -2,7 +2,9 @@
 
 #include "Format.h"
 #include "NumberPattern.h"
+#include "PlainFile.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -25,6 +27,9 @@ class SliceSequence final : public VolumeReader {
 public:
   explicit SliceSequence(const std::vector<std::string>& files);
   void readSlice(int k, void* dst) override;
+  bool readsInAnyOrder() const override { return m_inAnyOrder; }
+  bool readRows(int k, int y, int rows, void* dst) override;
+  void checkUnchanged(int k) override;
   SliceSize sliceSize(int k) const override;
   std::string sliceName(int k) const override;
 
@@ -35,8 +40,12 @@ private:
     SliceSize size;
   };
   void add(std::size_t file, const VolumeReader& reader);
+  /// Opens the file of a slice, unless it is open.
+  VolumeReader& fileOf(const Slice& slice);
 
   std::vector<std::string> m_files;
+  std::vector<FileStamp> m_stamps;
+  bool m_inAnyOrder = true;
   std::vector<Slice> m_slices;
   std::unique_ptr<VolumeReader> m_open;
   std::size_t m_openFile = 0;
@@ -48,6 +57,8 @@ class PaddedReader final : public VolumeReader {
 public:
   explicit PaddedReader(std::unique_ptr<VolumeReader> reader);
   void readSlice(int k, void* dst) override;
+  bool readsInAnyOrder() const override { return m_reader->readsInAnyOrder(); }
+  void checkUnchanged(int k) override { m_reader->checkUnchanged(k); }
 
 private:
   std::unique_ptr<VolumeReader> m_reader;
@@ -69,6 +80,16 @@ struct SequenceTarget {
   /// Empty, or why a sequence of so many slices cannot be written there.
   std::string problem(int slices) const;
   void write(const ZxSpatialData& data, const Format& format) const;
+  /// Writes straight under the final names and takes over the files from slice 0 on that an earlier call has
+  /// written, but for the last one there: it may be written in part. Returns the number of slices taken over.
+  int continueWriting(const ZxSpatialData& data, const Format& format) const;
+
+private:
+  /// Calls writeSlice(slice, name of its file) for the slices from the first one on.
+  void writeSlices(const ZxSpatialData& data, int first,
+                   const std::function<void(const ZxSpatialData&, const std::string&)>& writeSlice) const;
+  /// The slices from 0 on that are there as files of a shape, without the last one.
+  int wholeSlices(ZxLatticeShape shape) const;
 };
 
 /// The file beside the slices that holds the parameters of a sequence, found by the pattern it is called

@@ -25,11 +25,13 @@ void throwIfInterrupted()
   if (ZxWorkArea::getTheWorkArea()->wasInterrupted(1)) throw Interrupted();
 }
 
-OutputFile::OutputFile(const std::string& path, std::string target, Packing packing)
+OutputFile::OutputFile(const std::string& path, std::string target, Packing packing, Start start)
   : m_target(std::move(target))
 {
   errno = 0;
-  m_file = gzopen(path.c_str(), packing == Packing::Gzip ? "wb" : "wbT"); // T: as it is
+  std::string mode = start == Start::Anew ? "wb" : "ab";
+  if (packing == Packing::None) mode += 'T'; // as it is
+  m_file = gzopen(path.c_str(), mode.c_str());
   if (!m_file) cannotWrite(m_target, lastError());
 }
 
@@ -59,7 +61,7 @@ void OutputFile::close()
 }
 
 void forEachSlice(const ZxSpatialData& data, const std::string& target,
-                  const std::function<void(std::span<const std::byte>)>& f)
+                  const std::function<void(std::span<const std::byte>)>& f, int first)
 {
   // Reading a slice does not change the voxels, but a source in a file moves on.
   ZxLattice& lattice = *const_cast<ZxSpatialData&>(data).getLattice();
@@ -67,7 +69,7 @@ void forEachSlice(const ZxSpatialData& data, const std::string& target,
   const int slices = lattice.getDims().slices;
   std::vector<std::byte> buffer;
   ZxWorkArea* area = ZxWorkArea::getTheWorkArea();
-  for (int k = 0; k < slices; ++k) {
+  for (int k = first; k < slices; ++k) {
     throwIfInterrupted();
     // A slice of its own is a step of someone else's work.
     if (area->isWorking() && slices > 1)
@@ -83,9 +85,10 @@ void forEachSlice(const ZxSpatialData& data, const std::string& target,
   }
 }
 
-void writeVoxels(const ZxSpatialData& data, const std::string& target, OutputFile& file)
+void writeVoxels(const ZxSpatialData& data, const std::string& target, OutputFile& file, int first)
 {
-  forEachSlice(data, target, [&](std::span<const std::byte> slice) { file.write(slice); });
+  forEachSlice(
+      data, target, [&](std::span<const std::byte> slice) { file.write(slice); }, first);
 }
 
 void writeVoxels(const ZxSpatialData& data, const std::string& target, const std::string& temporary)

@@ -17,9 +17,12 @@ void throwIfInterrupted();
 class OutputFile {
 public:
   enum class Packing { None, Gzip };
+  enum class Start { Anew, AtEnd };
 
-  /// Creates the file. The messages name the target, which is what the user knows.
-  OutputFile(const std::string& path, std::string target, Packing packing = Packing::None);
+  /// Creates the file, or goes on at the end of the one that is there. The messages name the target, which is
+  /// what the user knows.
+  OutputFile(const std::string& path, std::string target, Packing packing = Packing::None,
+             Start start = Start::Anew);
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
   ~OutputFile();
@@ -33,13 +36,14 @@ private:
   void* m_file;
 };
 
-/// Calls f for every slice of a volume in rising order, as it lies in memory; between slices the work area is
-/// shown the progress and asked for an interruption. Throws Error when a slice cannot be read.
+/// Calls f for every slice of a volume from the first one on in rising order, as it lies in memory; between
+/// slices the work area is shown the progress and asked for an interruption. Throws Error when a slice cannot
+/// be read.
 void forEachSlice(const ZxSpatialData& data, const std::string& target,
-                  const std::function<void(std::span<const std::byte>)>& f);
+                  const std::function<void(std::span<const std::byte>)>& f, int first = 0);
 
-/// Writes all slices to an open file, or to a file of their own.
-void writeVoxels(const ZxSpatialData& data, const std::string& target, OutputFile& file);
+/// Writes all slices from the first one on to an open file, or all of them to a file of their own.
+void writeVoxels(const ZxSpatialData& data, const std::string& target, OutputFile& file, int first = 0);
 void writeVoxels(const ZxSpatialData& data, const std::string& target, const std::string& temporary);
 
 } // namespace io

@@ -67,7 +67,7 @@ const std::byte* TiffDecoder::decodePiece(const TiffPage& page, const TiffPieces
 }
 
 template <class Sink>
-void TiffDecoder::forEachRow(const TiffPage& page, Sink sink)
+void TiffDecoder::forEachRow(const TiffPage& page, Rows wanted, Sink sink)
 {
   if (!TIFFSetSubDirectory(m_file.get(), page.directory)) m_file.fail("a page of it is damaged");
   if (page.compression == COMPRESSION_JPEG)
@@ -75,14 +75,16 @@ void TiffDecoder::forEachRow(const TiffPage& page, Sink sink)
   const TiffPieces pieces = TiffPieces::of(m_file, page);
   const std::uint32_t columns = pieces.columns(page);
   for (std::uint32_t i = 0; i < pieces.perPlane * page.planes(); ++i) {
-    const std::byte* data = decodePiece(page, pieces, i);
     const std::uint32_t inPlane = i % pieces.perPlane;
     const std::size_t x = std::size_t{inPlane % columns} * pieces.width;
     const std::size_t y = std::size_t{inPlane / columns} * pieces.height;
+    if (y >= wanted.end() || y + pieces.height <= wanted.first) continue;
+    const std::byte* data = decodePiece(page, pieces, i);
     const std::size_t count = std::min<std::size_t>(pieces.width, page.width - x);
     const std::size_t rows = std::min<std::size_t>(pieces.height, page.height - y);
     const auto plane = static_cast<std::uint16_t>(i / pieces.perPlane);
-    for (std::size_t r = 0; r < rows; ++r) sink(data + r * pieces.rowBytes, x, y + r, count, plane);
+    const std::size_t from = std::max(y, wanted.first) - y, to = std::min(y + rows, wanted.end()) - y;
+    for (std::size_t r = from; r < to; ++r) sink(data + r * pieces.rowBytes, x, y + r, count, plane);
   }
 }
 
@@ -100,16 +102,17 @@ std::byte* TiffDecoder::unpacked(const TiffPage& page, const std::byte* row, std
   return m_row.data();
 }
 
-void TiffDecoder::decode(const TiffPage& page, McPrimType type, void* dst)
+void TiffDecoder::decode(const TiffPage& page, std::size_t first, std::size_t rows, McPrimType type,
+                         void* dst)
 {
   auto* out = static_cast<std::byte*>(dst);
   const StoredVoxels voxels = page.voxels(m_file.name());
   const bool colour = voxels.channels > 1;
   const std::size_t voxelBytes = colour ? 4 : mcSizeOf(type);
-  if (colour) fillAlpha(out, std::size_t{page.width} * page.height);
-  forEachRow(page,
+  if (colour) fillAlpha(out, page.width * rows);
+  forEachRow(page, {first, rows},
              [&](const std::byte* row, std::size_t x, std::size_t y, std::size_t count, std::uint16_t plane) {
-               std::byte* at = out + (y * page.width + x) * voxelBytes;
+               std::byte* at = out + ((y - first) * page.width + x) * voxelBytes;
                if (colour)
                  placeColour(page, row, count, plane, at);
                else if (voxels.isPlain(type) && !page.isPacked())
@@ -122,9 +125,11 @@ void TiffDecoder::decode(const TiffPage& page, McPrimType type, void* dst)
 void TiffDecoder::extendRange(const TiffPage& page, IntegerRange& range)
 {
   const StoredVoxels voxels = page.voxels(m_file.name());
-  forEachRow(page, [&](const std::byte* row, std::size_t, std::size_t, std::size_t count, std::uint16_t) {
-    voxels.extendRange(unpacked(page, row, count), count, range);
-  });
+  const Rows all{0, page.height};
+  forEachRow(page, all,
+             [&](const std::byte* row, std::size_t, std::size_t, std::size_t count, std::uint16_t) {
+               voxels.extendRange(unpacked(page, row, count), count, range);
+             });
 }
 
 } // namespace io

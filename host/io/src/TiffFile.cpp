@@ -40,6 +40,8 @@ const char* modeText(TiffFile::Mode mode)
     return "rm"; // Not mapped: a file that shrinks must not end the program.
   case TiffFile::Mode::Write:
     return "w";
+  case TiffFile::Mode::Append:
+    return "a";
   default:
     return "w8";
   }

@@ -10,7 +10,7 @@ namespace io {
 /// An open TIFF file. What libtiff has to say of it is kept here instead of being printed.
 class TiffFile {
 public:
-  enum class Mode { Read, Write, WriteBig };
+  enum class Mode { Read, Write, WriteBig, Append };
 
   /// Opens a file; messages name the file as name. Throws Error.
   TiffFile(const std::string& path, Mode mode, std::string name);

@@ -23,6 +23,10 @@ public:
   {
     writeTiff(data, target, temporary);
   }
+  int continueWriting(const ZxSpatialData& data, const std::string& path) const override
+  {
+    return continueTiff(data, path);
+  }
 };
 
 bool TiffFormat::claims(const std::string&, std::span<const std::byte> head) const

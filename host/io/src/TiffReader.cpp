@@ -96,7 +96,8 @@ TiffNotes::TiffNotes(TIFF* tiff)
 }
 
 TiffReader::TiffReader(const std::string& path)
-  : m_file(path, TiffFile::Mode::Read, path), m_fileBytes(fileSize(path)), m_decoder(m_file)
+  : m_file(path, TiffFile::Mode::Read, path), m_fileBytes(fileSize(path)),
+    m_stamp(FileStamp::of(TIFFFileno(m_file.get()))), m_decoder(m_file)
 {
   const TiffNotes first(m_file.get());
   m_info.format = "TIFF";
@@ -255,23 +256,34 @@ McPrimType TiffReader::findType(const StoredVoxels& voxels)
   return *type;
 }
 
-void TiffReader::readSlice(int k, void* dst)
+void TiffReader::readSlice(int k, void* dst) { readRows(k, 0, sliceSize(k).height, dst); }
+
+bool TiffReader::readRows(int k, int y, int rows, void* dst)
 {
-  const auto index = static_cast<std::size_t>(k);
-  if (!m_contiguous) return m_decoder.decode(m_pages[index], m_info.shape.primType, dst);
-  const StoredVoxels voxels = m_pages.front().voxels(m_file.name());
-  const std::size_t pixels = m_info.shape.dims.slicePixels();
-  voxels.convert(readBeyondPage(index).data(), pixels, m_info.shape.primType, dst);
+  const auto index = static_cast<std::size_t>(k), first = static_cast<std::size_t>(y),
+             count = static_cast<std::size_t>(rows);
+  const McPrimType type = m_info.shape.primType;
+  if (!m_contiguous) {
+    m_decoder.decode(m_pages[index], first, count, type, dst);
+    return true;
+  }
+  const TiffPage& page = m_pages.front();
+  page.voxels(m_file.name())
+      .convert(readBeyondPage(index, first, count).data(), count * page.width, type, dst);
+  return true;
 }
 
-std::span<std::byte> TiffReader::readBeyondPage(std::size_t k)
+void TiffReader::checkUnchanged(int)
+{
+  if (!(FileStamp::of(TIFFFileno(m_file.get())) == m_stamp)) cannotRead(m_file.name(), hasChanged);
+}
+
+std::span<std::byte> TiffReader::readBeyondPage(std::size_t k, std::size_t y, std::size_t rows)
 {
   const TiffPage& page = m_pages.front();
-  m_slice.resize(std::size_t{page.width} * page.height * page.samples * page.bits / 8);
-  if (!m_stream.is_open()) m_stream.open(m_file.name(), std::ios::binary);
-  m_stream.seekg(static_cast<std::streamoff>(m_firstByte + k * m_slice.size()));
-  m_stream.read(reinterpret_cast<char*>(m_slice.data()), static_cast<std::streamsize>(m_slice.size()));
-  if (!m_stream) m_file.fail("slice " + std::to_string(k) + " is cut off");
+  const std::size_t rowBytes = std::size_t{page.width} * page.samples * page.bits / 8;
+  m_slice.resize(rowBytes * rows);
+  readAt(TIFFFileno(m_file.get()), m_file.name(), m_firstByte + (k * page.height + y) * rowBytes, m_slice);
   if (TIFFIsByteSwapped(m_file.get())) reverseBytes(m_slice, page.bits / 8);
   return m_slice;
 }

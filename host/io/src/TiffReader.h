@@ -1,9 +1,9 @@
 #pragma once
 
+#include "PlainFile.h"
 #include "TiffDecoder.h"
 #include "TiffDescription.h"
 
-#include <fstream>
 #include <span>
 #include <vector>
 
@@ -23,6 +23,9 @@ class TiffReader final : public VolumeReader {
 public:
   explicit TiffReader(const std::string& path);
   void readSlice(int k, void* dst) override;
+  bool readsInAnyOrder() const override { return true; }
+  bool readRows(int k, int y, int rows, void* dst) override;
+  void checkUnchanged(int k) override;
   SliceSize sliceSize(int k) const override;
   std::string sliceName(int k) const override;
 
@@ -36,17 +39,19 @@ private:
   void checkPage(const TiffPage& page);
   void findShape();
   McPrimType findType(const StoredVoxels& voxels);
-  std::span<std::byte> readBeyondPage(std::size_t k);
+  /// Rows of a slice that has no directory of its own, as they are stored.
+  std::span<std::byte> readBeyondPage(std::size_t k, std::size_t y, std::size_t rows);
+  std::span<std::byte> readBeyondPage(std::size_t k) { return readBeyondPage(k, 0, m_pages.front().height); }
 
   TiffFile m_file;
   std::uint64_t m_fileBytes;
+  FileStamp m_stamp;
   TiffDecoder m_decoder;
   std::vector<TiffPage> m_pages;
   std::vector<std::size_t> m_pageNumbers; ///< of m_pages in the file, counted from 1
   /// Slices that follow the only page without directories of their own, as ImageJ writes above 4 GB; else 0.
   std::size_t m_contiguous = 0;
   std::uint64_t m_firstByte = 0; ///< of these slices
-  std::ifstream m_stream;
   std::vector<std::byte> m_slice;
 };
 

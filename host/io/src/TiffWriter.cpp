@@ -3,6 +3,7 @@
 #include "Geometry.h"
 #include "SliceWriter.h"
 #include "TiffFile.h"
+#include "TiffRemains.h"
 
 #include <algorithm>
 #include <cmath>
@@ -64,25 +65,39 @@ std::uint32_t stripRows(const ZxLatticeShape& shape)
   return static_cast<std::uint32_t>(std::clamp<std::size_t>(stripBytes / rowBytes, 1, height));
 }
 
+/// The fields of whole numbers of a page, except those that follow from them.
+std::vector<TiffField> pageFields(const ZxLatticeShape& shape)
+{
+  const auto samples = static_cast<std::size_t>(shape.numDataVars);
+  const bool colour = shape.numDataVars == 4;
+  std::vector<TiffField> fields = {
+      {TIFFTAG_SUBFILETYPE, static_cast<std::uint64_t>(shape.dims.slices > 1 ? FILETYPE_PAGE : 0)},
+      {TIFFTAG_IMAGEWIDTH, static_cast<std::uint64_t>(shape.dims.width)},
+      {TIFFTAG_IMAGELENGTH, static_cast<std::uint64_t>(shape.dims.height)},
+      {TIFFTAG_SAMPLESPERPIXEL, samples},
+      {TIFFTAG_BITSPERSAMPLE, 8 * mcSizeOf(shape.primType), samples},
+      {TIFFTAG_SAMPLEFORMAT, sampleFormat(shape.primType), samples},
+      {TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG},
+      {TIFFTAG_COMPRESSION, COMPRESSION_NONE},
+      {TIFFTAG_PHOTOMETRIC, static_cast<std::uint64_t>(colour ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK)},
+      {TIFFTAG_ROWSPERSTRIP, stripRows(shape)},
+      {TIFFTAG_RESOLUTIONUNIT, RESUNIT_NONE},
+  };
+  if (colour) fields.push_back({TIFFTAG_EXTRASAMPLES, EXTRASAMPLE_UNASSALPHA});
+  return fields;
+}
+
 void setPageFields(TIFF* tiff, const ZxLatticeShape& shape, const ZxFileGeometry& geometry)
 {
-  TIFFSetField(tiff, TIFFTAG_SUBFILETYPE, shape.dims.slices > 1 ? FILETYPE_PAGE : 0);
-  TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(shape.dims.width));
-  TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(shape.dims.height));
-  TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, shape.numDataVars);
-  TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, static_cast<int>(8 * mcSizeOf(shape.primType)));
-  TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, sampleFormat(shape.primType));
-  TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-  TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
-  TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, shape.numDataVars == 4 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK);
-  TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, stripRows(shape));
-  TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_NONE);
+  for (const TiffField& field : pageFields(shape)) {
+    const auto value = static_cast<std::uint16_t>(field.value);
+    if (field.tag == TIFFTAG_EXTRASAMPLES)
+      TIFFSetField(tiff, field.tag, 1, &value);
+    else
+      TIFFSetField(tiff, field.tag, static_cast<std::uint32_t>(field.value));
+  }
   TIFFSetField(tiff, TIFFTAG_XRESOLUTION, 1.0 / geometry.voxelSize[0]);
   TIFFSetField(tiff, TIFFTAG_YRESOLUTION, 1.0 / geometry.voxelSize[1]);
-  if (shape.numDataVars == 4) {
-    const std::uint16_t alpha = EXTRASAMPLE_UNASSALPHA;
-    TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &alpha);
-  }
 }
 
 void writePixels(const TiffFile& file, const ZxLatticeShape& shape, std::span<const std::byte> slice)
@@ -99,25 +114,43 @@ void writePixels(const TiffFile& file, const ZxLatticeShape& shape, std::span<co
   }
 }
 
+/// Writes the slices from the first one on as further pages.
+void writePages(TiffFile& file, const ZxSpatialData& data, const std::string& target, int first)
+{
+  const ZxLatticeShape& shape = data.getLattice()->shape();
+  const ZxFileGeometry geometry = ZxFileGeometry::of(data);
+  bool isFirst = first == 0;
+  const auto write = [&](std::span<const std::byte> slice) {
+    setPageFields(file.get(), shape, geometry);
+    if (isFirst) {
+      const std::string text = description(geometry, shape.dims.slices);
+      TIFFSetField(file.get(), TIFFTAG_IMAGEDESCRIPTION, text.c_str());
+    }
+    isFirst = false;
+    writePixels(file, shape, slice);
+    if (!TIFFWriteDirectory(file.get())) file.fail("a page cannot be stored");
+  };
+  forEachSlice(data, target, write, first);
+  file.close();
+}
+
 } // namespace
 
 void writeTiff(const ZxSpatialData& data, const std::string& target, const std::string& path)
 {
+  TiffFile file(path, modeFor(data.getLattice()->shape()), target);
+  writePages(file, data, target, 0);
+}
+
+int continueTiff(const ZxSpatialData& data, const std::string& path)
+{
   const ZxLatticeShape& shape = data.getLattice()->shape();
-  const ZxFileGeometry geometry = ZxFileGeometry::of(data);
-  TiffFile file(path, modeFor(shape), target);
-  bool first = true;
-  forEachSlice(data, target, [&](std::span<const std::byte> slice) {
-    setPageFields(file.get(), shape, geometry);
-    if (first) {
-      const std::string text = description(geometry, shape.dims.slices);
-      TIFFSetField(file.get(), TIFFTAG_IMAGEDESCRIPTION, text.c_str());
-    }
-    first = false;
-    writePixels(file, shape, slice);
-    if (!TIFFWriteDirectory(file.get())) file.fail("a page cannot be stored");
-  });
-  file.close();
+  const TiffPlan plan{shape.dims.slices, shape.sliceBytes(), pageFields(shape),
+                      description(ZxFileGeometry::of(data), shape.dims.slices)};
+  const int pages = keepWholePages(path, plan);
+  TiffFile file(path, pages > 0 ? TiffFile::Mode::Append : modeFor(shape), path);
+  writePages(file, data, path, pages);
+  return pages;
 }
 
 } // namespace io

@@ -11,4 +11,8 @@ namespace io {
 /// name the file as target. Throws Error.
 void writeTiff(const ZxSpatialData& data, const std::string& target, const std::string& path);
 
+/// Writes it straight under its name behind the whole pages that an earlier call has left there. Returns
+/// their number. Throws Error.
+int continueTiff(const ZxSpatialData& data, const std::string& path);
+
 } // namespace io

@@ -2,9 +2,10 @@
 
 #include "AtomicFiles.h"
 #include "FileError.h"
+#include "FileVoxelSource.h"
 #include "Formats.h"
 #include "Geometry.h"
-#include "ParameterJson.h"
+#include "io/ParameterJson.h"
 #include "SliceSequence.h"
 #include "SliceWriter.h"
 #include "zx/ZxFileAccess.h"
@@ -130,27 +131,60 @@ const std::string& nameOf(const std::vector<std::string>& inputs)
   return inputs.empty() ? none : inputs.front();
 }
 
-/// Reads all slices into a new lattice and makes it ready for use.
+/// Reads all slices into a lattice.
+void fill(ZxLattice& lattice, Input& input)
+{
+  const int slices = lattice.getDims().slices;
+  ZxWorkArea* area = ZxWorkArea::getTheWorkArea();
+  for (int k = 0; k < slices; ++k) {
+    throwIfInterrupted();
+    if (area->isWorking()) area->setProgressFraction(static_cast<float>(k) / static_cast<float>(slices));
+    void* slice = lattice.beginWrite(k);
+    if (!slice) cannotRead(input.name, "its voxels cannot be kept");
+    input.reader->readSlice(k, slice);
+    if (!lattice.endWrite(k)) cannotRead(input.name, "its voxels cannot be kept");
+  }
+}
+
+/// Where the voxels of what is read are to be.
+enum class Voxels {
+  InMemory,
+  InFile,           ///< where they can stay there
+  InMemoryIfTheyFit ///< else in the file where they can stay there
+};
+
+Voxels placeOf(const ReadOptions& options)
+{
+  return options.tooLarge == TooLarge::LeaveInFile ? Voxels::InMemoryIfTheyFit : Voxels::InMemory;
+}
+
+/// A lattice whose voxels stay in the file.
 template <class Lattice>
-std::unique_ptr<Lattice> readLattice(Input& input)
+std::unique_ptr<Lattice> fileLattice(Input& input)
+{
+  return std::make_unique<Lattice>(input.info.shape,
+                                   std::make_unique<FileVoxelSource>(std::move(input.reader)));
+}
+
+/// A lattice ready for use. What is to be in memory is read now.
+template <class Lattice>
+std::unique_ptr<Lattice> readLattice(Input& input, Voxels voxels)
 {
   const ZxLatticeShape& shape = input.info.shape;
-  std::unique_ptr<Lattice> lattice = Lattice::create(shape);
-  if (!lattice) {
+  const bool canStay = input.reader->readsInAnyOrder();
+  std::unique_ptr<Lattice> lattice;
+  if (voxels == Voxels::InFile && canStay)
+    lattice = fileLattice<Lattice>(input);
+  else if ((lattice = Lattice::create(shape)))
+    fill(*lattice, input);
+  else if (voxels == Voxels::InMemoryIfTheyFit && canStay) {
+    lattice = fileLattice<Lattice>(input);
+    input.info.remarks.push_back("\"" + input.name + "\" stays in its file: it does not fit into memory.");
+  } else {
     cannotRead(input.name, "its " + std::to_string(shape.dims.width) + " x " +
                                std::to_string(shape.dims.height) + " x " + std::to_string(shape.dims.slices) +
                                " voxels do not fit into the free memory of " +
                                std::to_string(zxAvailableMemory() >> 20) + " MB");
-  }
-  ZxWorkArea* area = ZxWorkArea::getTheWorkArea();
-  for (int k = 0; k < shape.dims.slices; ++k) {
-    throwIfInterrupted();
-    if (area->isWorking())
-      area->setProgressFraction(static_cast<float>(k) / static_cast<float>(shape.dims.slices));
-    void* slice = lattice->beginWrite(k);
-    if (!slice) cannotRead(input.name, "its voxels cannot be kept");
-    input.reader->readSlice(k, slice);
-    if (!lattice->endWrite(k)) cannotRead(input.name, "its voxels cannot be kept");
   }
   lattice->setBoundingBox(input.info.geometry.box(shape.dims));
   return lattice;
@@ -171,18 +205,47 @@ bool canBeLabels(const Input& input)
   return shape.numDataVars == 1 && ZxLabelLattice::isLabelType(shape.primType);
 }
 
-McHandle<ZxField3> fieldOf(Input& input)
+/// True for a lattice whose voxels are read from files: their reader has gone over to it.
+bool staysInFile(const Input& input) { return !input.reader; }
+
+McHandle<ZxField3> fieldOf(Input& input, Voxels voxels)
 {
-  McHandle<ZxField3> field = ZxField3::create(readLattice<ZxLattice3>(input));
+  auto lattice = readLattice<ZxLattice3>(input, voxels);
+  McHandle<ZxField3> field;
+  if (staysInFile(input))
+    field = mcMake<ZxExternalData>(std::move(lattice));
+  else
+    field = ZxField3::create(std::move(lattice));
   finish(*field, input);
   return field;
 }
 
-McHandle<ZxUniformLabelField3> labelsOf(Input& input)
+McHandle<ZxUniformLabelField3> labelsOf(Input& input, Voxels voxels)
 {
-  auto field = mcMake<ZxUniformLabelField3>(readLattice<ZxLabelLattice3>(input));
+  auto field = mcMake<ZxUniformLabelField3>(readLattice<ZxLabelLattice3>(input, voxels));
   finish(*field, input);
   return field;
+}
+
+McHandle<ZxField3> readField(const std::vector<std::string>& inputs, const ReadOptions& options,
+                             Voxels voxels)
+{
+  return guarded("read", nameOf(inputs), [&] {
+    Input input = openInput(inputs, options);
+    return fieldOf(input, voxels);
+  });
+}
+
+McHandle<ZxUniformLabelField3> readLabelField(const std::vector<std::string>& inputs,
+                                              const ReadOptions& options, Voxels voxels)
+{
+  return guarded("read", nameOf(inputs), [&] {
+    Input input = openInput(inputs, options);
+    if (!canBeLabels(input)) {
+      cannotRead(input.name, "labels are integers of 8, 16 or 32 bits, not " + input.info.storedType);
+    }
+    return labelsOf(input, voxels);
+  });
 }
 
 /// Where a volume is written: a file, or a sequence.
@@ -274,6 +337,33 @@ void writeSequence(const ZxSpatialData& data, const SequenceTarget& sequence, co
   }
 }
 
+/// Where data are to be written. Throws Error when they cannot be.
+Output checkedOutput(const ZxSpatialData& data, const std::string& path)
+{
+  const ZxLattice* lattice = data.getLattice();
+  if (!lattice || !lattice->isValid()) cannotWrite(path, "there are no voxels to write");
+  Output output(path);
+  const std::string problem = outputProblem(output, lattice->shape(), path);
+  if (!problem.empty()) cannotWrite(path, problem);
+  return output;
+}
+
+int continueFile(const ZxSpatialData& data, const std::string& path, const Format& format)
+{
+  const int slices = format.continueWriting(data, path);
+  if (!format.holdsParameters()) writeParameters(data, parametersBeside(path));
+  return slices;
+}
+
+int continueSequence(const ZxSpatialData& data, const SequenceTarget& sequence, const std::string& target,
+                     const Format& format)
+{
+  std::error_code error;
+  if (createsFolder(target, sequence.folder) && !fs::create_directory(withoutSlash(sequence.folder), error))
+    cannotWrite(target, error.message());
+  return sequence.continueWriting(data, format);
+}
+
 } // namespace
 
 VolumeInfo readInfo(const std::vector<std::string>& inputs, const ReadOptions& options)
@@ -283,21 +373,22 @@ VolumeInfo readInfo(const std::vector<std::string>& inputs, const ReadOptions& o
 
 McHandle<ZxField3> readVolume(const std::vector<std::string>& inputs, const ReadOptions& options)
 {
-  return guarded("read", nameOf(inputs), [&] {
-    Input input = openInput(inputs, options);
-    return fieldOf(input);
-  });
+  return readField(inputs, options, placeOf(options));
+}
+
+McHandle<ZxField3> openVolume(const std::vector<std::string>& inputs, const ReadOptions& options)
+{
+  return readField(inputs, options, Voxels::InFile);
 }
 
 McHandle<ZxUniformLabelField3> readLabels(const std::vector<std::string>& inputs, const ReadOptions& options)
 {
-  return guarded("read", nameOf(inputs), [&] {
-    Input input = openInput(inputs, options);
-    if (!canBeLabels(input)) {
-      cannotRead(input.name, "labels are integers of 8, 16 or 32 bits, not " + input.info.storedType);
-    }
-    return labelsOf(input);
-  });
+  return readLabelField(inputs, options, placeOf(options));
+}
+
+McHandle<ZxUniformLabelField3> openLabels(const std::vector<std::string>& inputs, const ReadOptions& options)
+{
+  return readLabelField(inputs, options, Voxels::InFile);
 }
 
 McHandle<ZxSpatialData> readAnything(const std::vector<std::string>& inputs, const ReadOptions& options)
@@ -307,22 +398,29 @@ McHandle<ZxSpatialData> readAnything(const std::vector<std::string>& inputs, con
     std::string content;
     input.info.parameters.findString(ZxFileAccess::contentParameter, content);
     const bool isLabels = content == ZxFileAccess::labelContent && canBeLabels(input);
-    return isLabels ? McHandle<ZxSpatialData>(labelsOf(input)) : McHandle<ZxSpatialData>(fieldOf(input));
+    const Voxels voxels = placeOf(options);
+    return isLabels ? McHandle<ZxSpatialData>(labelsOf(input, voxels))
+                    : McHandle<ZxSpatialData>(fieldOf(input, voxels));
   });
 }
 
 void writeVolume(const ZxSpatialData& data, const std::string& path)
 {
   guarded("write", path, [&] {
-    const ZxLattice* lattice = data.getLattice();
-    if (!lattice || !lattice->isValid()) cannotWrite(path, "there are no voxels to write");
-    const Output output(path);
-    const std::string problem = outputProblem(output, lattice->shape(), path);
-    if (!problem.empty()) cannotWrite(path, problem);
+    const Output output = checkedOutput(data, path);
     if (output.sequence)
       writeSequence(data, *output.sequence, path, *output.format);
     else
       writeFile(data, path, *output.format);
+  });
+}
+
+int continueVolume(const ZxSpatialData& data, const std::string& path)
+{
+  return guarded("write", path, [&] {
+    const Output output = checkedOutput(data, path);
+    return output.sequence ? continueSequence(data, *output.sequence, path, *output.format)
+                           : continueFile(data, path, *output.format);
   });
 }
 

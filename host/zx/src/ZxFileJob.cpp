@@ -253,8 +253,9 @@ std::unique_ptr<ZxFileJob> ZxFileJob::read(ZxReadRequest request)
     // Whoever looks at the volume asks for its range first, and would have to wait for it.
     float min = 0.0f;
     float max = 0.0f;
-    if (outcome.data && outcome.data->getLattice() && !ZxWorkArea::getTheWorkArea()->wasInterrupted())
-      outcome.data->getLattice()->getRange(min, max);
+    ZxWorkArea* const area = ZxWorkArea::getTheWorkArea();
+    if (outcome.data && outcome.data->getLattice() && !area->wasInterrupted())
+      outcome.data->getLattice()->getRange(min, max, [area](float part) { area->setProgressFraction(part); });
     return outcome;
   });
   return job;

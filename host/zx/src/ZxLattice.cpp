@@ -2,6 +2,7 @@
 
 #include "ZxMemoryVoxels.h"
 #include "zx/ZxMemory.h"
+#include "zx/ZxWorkArea.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,9 +26,17 @@ void widenRange(const T* values, std::size_t n, T& min, T& max)
   }
 }
 
-/// False when a slice could not be read.
+/// True when no value can widen the range any more, which of 8 bits is soon the case.
 template <class T>
-bool rangeOf(ZxLattice& lattice, float& min, float& max)
+bool isWidest(T min, T max)
+{
+  return std::is_integral_v<T> && min == std::numeric_limits<T>::lowest() &&
+         max == std::numeric_limits<T>::max();
+}
+
+/// False when a slice could not be read or the user wants to stop.
+template <class T>
+bool rangeOf(ZxLattice& lattice, const std::function<void(float)>& progress, float& min, float& max)
 {
   const ZxLatticeShape& shape = lattice.shape();
   const std::size_t n = shape.dims.slicePixels() * static_cast<std::size_t>(shape.numDataVars);
@@ -36,11 +45,14 @@ bool rangeOf(ZxLattice& lattice, float& min, float& max)
   T hi = std::numeric_limits<T>::has_infinity ? -std::numeric_limits<T>::infinity()
                                               : std::numeric_limits<T>::lowest();
   std::vector<T> copy;
-  for (int k = 0; k < shape.dims.slices; ++k) {
+  for (int k = 0; k < shape.dims.slices && !isWidest(lo, hi); ++k) {
     const T* values = static_cast<const T*>(lattice.sliceInMemory(k));
     if (!values) {
+      // A volume in a file may be larger than anyone wants to wait for.
+      if (ZxWorkArea::getTheWorkArea()->wasInterrupted()) return false;
       copy.resize(n);
       if (!lattice.readSlice(k, copy.data())) return false;
+      if (progress) progress(static_cast<float>(k + 1) / static_cast<float>(shape.dims.slices));
       values = copy.data();
     }
     widenRange(values, n, lo, hi);
@@ -110,14 +122,14 @@ bool ZxLattice::isValid() const noexcept
   return m_source && d.width > 0 && d.height > 0 && d.slices > 0 && m_shape.numDataVars > 0;
 }
 
-void ZxLattice::getRange(float& min, float& max)
+void ZxLattice::getRange(float& min, float& max, const std::function<void(float)>& progress)
 {
   min = max = 0.0f;
   bool known = m_range.has_value();
   if (known)
     std::tie(min, max) = *m_range;
   else
-    mcVisit(primType(), [&](auto zero) { known = rangeOf<decltype(zero)>(*this, min, max); });
+    mcVisit(primType(), [&](auto zero) { known = rangeOf<decltype(zero)>(*this, progress, min, max); });
   if (known) m_range.emplace(min, max);
 }
 

@@ -3,6 +3,7 @@
 #include "kernels/PairDifference.h"
 #include "kernels/RowSpan.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -15,9 +16,6 @@ struct PairSide;
 /// image can be compared with it (see SampledComparison) and only that other image is walked over.
 class SampledReference {
 public:
-  /// Rows of a band, the unit in which comparisons are made.
-  static constexpr int bandRows = 8;
-
   SampledReference();
   ~SampledReference();
   SampledReference(const SampledReference&) = delete;
@@ -33,7 +31,10 @@ public:
 
   int gridWidth() const noexcept { return m_gridWidth; }
   int gridHeight() const noexcept { return m_gridHeight; }
-  int bands() const noexcept { return (m_gridHeight + bandRows - 1) / bandRows; }
+  /// Rows of a band, the unit in which comparisons are made: enough for neighbouring rows to share what they
+  /// read, few enough for a comparison to be given up soon.
+  int bandRows() const noexcept { return std::max(8, m_gridHeight / 64); }
+  int bands() const noexcept { return (m_gridHeight + bandRows() - 1) / bandRows(); }
   int channels() const noexcept { return m_channels; }
   /// The columns of every row of the grid that lie in the image.
   const RowSpan* spans() const noexcept { return m_spans.get(); }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zx/ZxData.h"
+
 #include <functional>
 #include <span>
 #include <string>
@@ -99,6 +101,9 @@ public:
   /// False, and nothing changes, when there are not as many lists as slices or they differ in length.
   virtual bool setLandmarks(std::span<const std::vector<ZxAlignPoint>> landmarks) = 0;
 
+  /// The landmarks of all slices. Lists of a file may differ in length.
+  virtual std::vector<std::vector<ZxAlignPoint>> landmarks() const = 0;
+
   /// Does that with the landmarks of a table "slice,index,x,y": pixels of the unflipped slice, whole numbers,
   /// one row a landmark in any order, every index on every slice; lines that begin with '#' are remarks.
   /// Empty, or one sentence that names the file, the line and what is wrong.
@@ -106,18 +111,38 @@ public:
 
   /// Aligns every slice to its neighbour with a method, from the reference slice upwards and then downwards.
   /// Calls done after each pair. Reports progress and stops when the work area is interrupted, or, after a
-  /// message, when the method fails: what has been aligned by then stays. Returns the number of pairs done.
+  /// message, when the method fails or a slice cannot be read: what has been aligned by then stays. Returns
+  /// the number of pairs done.
   virtual int alignAll(int method, int reference,
                        const std::function<void(const ZxAlignPairResult&)>& done) = 0;
+  /// The same without the first pairs of that order, which an earlier run has done: its transforms are the
+  /// present ones. A method that looks at no more than its pair then ends as if it had never been stopped.
+  /// Returns the number of pairs done now.
+  virtual int alignRest(int firstPair, int method, int reference,
+                        const std::function<void(const ZxAlignPairResult&)>& done) = 0;
 
   /// Quality (0 to 1) of the pair of slices lower and lower + 1 under their transforms, on all their pixels
-  /// (a connected mask blackens what it excludes).
+  /// (a connected mask blackens what it excludes). -1, after a message, when one of them cannot be read.
   virtual double pairQuality(int lower) = 0;
   /// The same, counting only pixels that the connected mask includes in both slices.
   virtual double maskedPairQuality(int lower) = 0;
 
   /// The smallest output size in pixels that holds every transformed slice whole.
   virtual void minimalSize(int& width, int& height) const = 0;
+  /// The aligned volume, and the aligned label field, that a resampling would make now: described in the same
+  /// way, but each slice is computed when it is read, so that they take the memory of a few slices. They hold
+  /// the input and a copy of transforms and settings; what becomes of the module later does not change them.
+  /// One thread at a time reads them, and nobody else the input meanwhile, unless the input allows that.
+  /// Reading polls the work area: a stop gives false. Empty without an input, or without a label field.
+  virtual McHandle<ZxSpatialData> alignedVolume() = 0;
+  virtual McHandle<ZxSpatialData> alignedLabels() = 0;
+
+  /// A volume or label field with its slices reduced by whole blocks of factor x factor pixels, made when
+  /// they are read: (width / factor) x (height / factor) pixels, of a volume the mean of each block (integers
+  /// truncated), of labels the pixel at its centre (of an even factor the one below and to the right). Holds
+  /// the data, carries their label and none of their parameters. Empty when nothing would be left of a slice.
+  virtual McHandle<ZxSpatialData> reduced(const McHandle<ZxSpatialData>& data, int factor) const = 0;
+
   /// Writes transforms and landmarks into the parameters of the input. False when that is impossible.
   virtual bool saveAlignment() = 0;
 };

@@ -55,6 +55,8 @@ public:
   /// Choose a slice and map it, when it is another one than before.
   void setEditableSlice(int slice);
   void setReferenceSlice(int slice);
+  /// False when the image of one of the two is black because its slice could not be read.
+  bool isPairReadable() const noexcept { return m_editableIsRead && m_referenceIsRead; }
   void setMaskLattice(ZxLabelLattice* mask);
   ZxLabelLattice* getMaskLattice() const noexcept { return m_mask; }
   /// Maps the editable slice, then the reference slice.
@@ -93,7 +95,7 @@ private:
   /// Maps one slice, or the projection that stands for it.
   void mapSlice(Role role);
   void tellUnreadable(int slice) const;
-  void mapNormally(int slice, McDArray<unsigned char>& grey, McDArray<unsigned char>& colour);
+  bool mapNormally(int slice, McDArray<unsigned char>& grey, McDArray<unsigned char>& colour);
   void project(int first, int last, McDArray<unsigned char>& grey);
   void projectionRange(Role role, int& first, int& last) const;
 
@@ -109,6 +111,8 @@ private:
   McDArray<unsigned char> m_rawSlice;
   int m_editableSlice = -1;
   int m_referenceSlice = -1;
+  bool m_editableIsRead = true;
+  bool m_referenceIsRead = true;
   bool m_holdsProjections = false;
   std::optional<SliceXForm> m_editableProjection;
   std::optional<SliceXForm> m_referenceProjection;

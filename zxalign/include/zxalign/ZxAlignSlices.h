@@ -230,18 +230,25 @@ public:
   std::vector<ZxAlignTransform> transforms() const override;
   bool setTransforms(std::span<const ZxAlignTransform> transforms) override;
   bool setLandmarks(std::span<const std::vector<ZxAlignPoint>> landmarks) override;
+  std::vector<std::vector<ZxAlignPoint>> landmarks() const override;
   std::string setLandmarksFrom(const std::string& fileName) override;
   int alignAll(int method, int reference, const std::function<void(const ZxAlignPairResult&)>& done) override;
+  int alignRest(int firstPair, int method, int reference,
+                const std::function<void(const ZxAlignPairResult&)>& done) override;
   /// A run over the whole stack, pair by pair in the order of alignAll(), as the editor makes it: select
   /// makes a pair the current one, and the flags stay as they are. With a fixed reference every slice is
-  /// aligned to that. Returns how many pairs were aligned before the end, a failure, or the user's wish to
-  /// stop.
+  /// aligned to that. The first pairs of the order may be left out. Returns how many pairs were aligned
+  /// before the end, a failure, or the user's wish to stop.
   using SelectPair = std::function<void(const ZxAlignPair&)>;
   using PairDone = std::function<void(const ZxAlignPairResult&)>;
-  int runOverStack(int method, int reference, const SelectPair& select, const PairDone& done = {});
+  int runOverStack(int method, int reference, const SelectPair& select, const PairDone& done = {},
+                   int firstPair = 0);
   double pairQuality(int lower) override;
   double maskedPairQuality(int lower) override;
   void minimalSize(int& width, int& height) const override { calcMinBox(&width, &height); }
+  McHandle<ZxSpatialData> alignedVolume() override;
+  McHandle<ZxSpatialData> alignedLabels() override;
+  McHandle<ZxSpatialData> reduced(const McHandle<ZxSpatialData>& data, int factor) const override;
   bool saveAlignment() override;
 
 private:
@@ -278,7 +285,7 @@ private:
   void selectPair(const ZxAlignPair& pair);
   /// False when the method failed.
   bool alignPair(const ZxAlignPair& pair, int method, ZxAlignPairResult& result);
-  int alignPairs(const std::vector<ZxAlignPair>& pairs, int method, const SelectPair& select,
+  int alignPairs(const std::vector<ZxAlignPair>& pairs, int firstPair, int method, const SelectPair& select,
                  const PairDone& done);
   int runMethod(ZxAutoAlignMethod& method, int mode);
   bool makeEditor();

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -68,8 +69,10 @@ public:
   void unlock() noexcept { --m_locks; }
 
   /// Smallest and largest value over all voxels and data values that are finite. (0, 0) when there is
-  /// none, or when a slice could not be read. Kept until voxels are written: asking again costs nothing.
-  void getRange(float& min, float& max);
+  /// none, when a slice could not be read, or when the work was interrupted while slices were read from a
+  /// file. Kept until voxels are written: asking again costs nothing. While slices are read from a file
+  /// progress is told the part of them that has been read, where it is given.
+  void getRange(float& min, float& max, const std::function<void(float)>& progress = {});
 
 private:
   ZxLatticeShape m_shape;

@@ -1,0 +1,272 @@
+#include "PartialOutput.h"
+
+#include "Console.h"
+#include "Failure.h"
+#include "io/Error.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <new>
+#include <utility>
+
+namespace cli {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr const char* kState = "state.json";
+
+std::string withoutSlash(std::string path)
+{
+  while (path.size() > 1 && path.ends_with('/')) path.pop_back();
+  return path;
+}
+
+std::string contentsOf(const fs::path& path)
+{
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+[[noreturn]] void cannotWrite(const fs::path& path)
+{
+  throw Failure("Cannot write \"" + path.string() + "\": " + std::strerror(errno) + ".");
+}
+
+/// Writes a file beside its target and renames it into place, on the disk before that.
+void writeAtomically(const std::string& text, const fs::path& path)
+{
+  const std::string beside = path.string() + ".new";
+  std::FILE* file = std::fopen(beside.c_str(), "wb");
+  if (!file) cannotWrite(path);
+  bool whole = std::fwrite(text.data(), 1, text.size(), file) == text.size();
+  whole = std::fflush(file) == 0 && whole;
+  whole = fsync(fileno(file)) == 0 && whole;
+  whole = std::fclose(file) == 0 && whole;
+  if (whole && std::rename(beside.c_str(), path.c_str()) == 0) return;
+  const int reason = errno;
+  std::remove(beside.c_str());
+  errno = reason;
+  cannotWrite(path);
+}
+
+dev_t diskOf(const fs::path& folder)
+{
+  struct stat about {};
+  return stat(folder.empty() ? "." : folder.c_str(), &about) == 0 ? about.st_dev : 0;
+}
+
+} // namespace
+
+/// Keeps other processes away from the folder; the system gives it back with the process.
+class PartialOutput::Lock {
+public:
+  explicit Lock(const fs::path& folder) : m_file(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
+  ~Lock()
+  {
+    if (m_file >= 0) close(m_file);
+  }
+  Lock(const Lock&) = delete;
+  Lock& operator=(const Lock&) = delete;
+  /// False when another process has it; file systems without locks let everybody in.
+  bool isOurs() const { return m_file < 0 || flock(m_file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
+
+private:
+  int m_file;
+};
+
+std::string PartialOutput::nameFor(const std::string& output) { return withoutSlash(output) + ".partial"; }
+
+PartialOutput::PartialOutput(const std::string& output, Start start, Console& console)
+  : m_folder(nameFor(output)), m_name(m_folder.string()), m_resumes(start == Start::Resume)
+{
+  lookAt(start, console);
+}
+
+PartialOutput::~PartialOutput() = default;
+
+void PartialOutput::lookAt(Start start, Console& console)
+{
+  std::error_code error;
+  if (!fs::exists(fs::symlink_status(m_folder, error))) {
+    if (start == Start::Resume) throw Failure("There is nothing to resume: " + m_name + " does not exist.");
+    return;
+  }
+  auto lock = std::make_unique<Lock>(m_folder);
+  if (!lock->isOurs()) throw Failure("Another run is at work in " + m_name + ".");
+  std::optional<RunState> state = stateOf(contentsOf(m_folder / kState));
+  if (!state)
+    throw Failure(m_name + " is there and not what a stopped run has left; move it away or choose another "
+                           "output.");
+  if (start == Start::Anew) {
+    console.remark(m_name + " of a stopped run, which --resume would take up, is replaced.");
+    return;
+  }
+  m_state = std::move(*state);
+  m_lock = std::move(lock);
+  m_isOurs = m_isWritten = true;
+}
+
+void PartialOutput::describe(RunFacts facts)
+{
+  // What has been through a file may have lost bytes that no text can hold.
+  RunState asRead;
+  asRead.facts = facts;
+  const std::string difference =
+      m_resumes ? differenceOf(m_state.facts, stateOf(stateText(asRead)).value_or(asRead).facts) : "";
+  if (!difference.empty())
+    throw Failure(m_name + " is of another run: " + difference +
+                  "; give what it was made with, or leave out --resume to start anew.");
+  m_state.facts = std::move(facts);
+}
+
+void PartialOutput::forgetPairs()
+{
+  m_state.pairs.clear();
+  m_state.transforms.clear();
+  m_state.parameters.removeAll();
+  m_state.changesParameters = false;
+  m_state.pairsAlone = true;
+}
+
+void PartialOutput::pairDone(const ZxAlignPairResult& pair, std::vector<ZxAlignTransform> transforms,
+                             const ZxData& data)
+{
+  for (const ZxAlignPairResult& before : m_state.pairs) {
+    const auto k = static_cast<std::size_t>(before.pair.editable);
+    if (!(transforms[k] == m_state.transforms[k])) m_state.pairsAlone = false;
+  }
+  m_state.pairs.push_back(pair);
+  m_state.transforms = std::move(transforms);
+  m_data = &data;
+  m_isWritten = false;
+  m_hasProgress = true;
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point start = Clock::now();
+  if (start < m_nextWrite) return;
+  writeQuietly();
+  // Of a long stack writing takes a while: it shall not take a noticeable part of the time.
+  const Clock::duration taken = Clock::now() - start;
+  m_nextWrite = Clock::now() + std::max<Clock::duration>(std::chrono::seconds(1), 20 * taken);
+}
+
+void PartialOutput::alignmentDone() noexcept
+{
+  if (!m_isWritten) writeQuietly();
+  m_data = nullptr;
+}
+
+fs::path PartialOutput::growingFolder(const char* name, const std::string& path)
+{
+  const bool onOneDisk = diskOf(m_folder.parent_path()) == diskOf(fs::path(withoutSlash(path)).parent_path());
+  // Slices without the state that they belong to would be of no use.
+  if (!onOneDisk || (!m_isWritten && !writeQuietly())) return {};
+  const fs::path folder = m_folder / name;
+  std::error_code error;
+  fs::create_directory(folder, error);
+  return error ? fs::path() : folder;
+}
+
+void PartialOutput::hold()
+{
+  if (m_isOurs) return;
+  // It appears with its state in it, so that nobody ever finds it without.
+  const fs::path parent = m_folder.parent_path();
+  std::string hidden = (parent / (".zxalign-" + std::string(6, 'X'))).string(); // mkdtemp fills it in
+  if (!mkdtemp(hidden.data())) cannotWrite(m_folder);
+  std::error_code error;
+  try {
+    writeAtomically(stateText(m_state), fs::path(hidden) / kState);
+    m_lock = std::make_unique<Lock>(hidden);
+    m_lock->isOurs();
+    fs::remove_all(m_folder); // what an earlier stopped run has left; lookAt() has seen to that
+    fs::rename(hidden, m_folder);
+  } catch (...) {
+    fs::remove_all(hidden, error);
+    throw;
+  }
+  // mkdtemp makes folders for the owner alone; this one is as open as others of the user.
+  const mode_t mask = umask(0);
+  umask(mask);
+  chmod(m_folder.c_str(), 0777 & ~mask);
+  m_isOurs = true;
+}
+
+void PartialOutput::write()
+{
+  if (m_data) {
+    m_state.parameters = m_data->parameters();
+    m_state.changesParameters = m_data->isUnsaved();
+  }
+  if (m_isOurs)
+    writeAtomically(stateText(m_state), m_folder / kState);
+  else
+    hold();
+  m_isWritten = true;
+}
+
+bool PartialOutput::writeQuietly() noexcept
+{
+  try {
+    write();
+    return true;
+  } catch (const std::exception&) {
+    return false; // What is on the disk from before stays; the next attempt may have more luck.
+  }
+}
+
+std::string PartialOutput::tail(bool stopped) noexcept
+{
+  // Without pairs and slices there is nothing that would not come again at once.
+  const bool hasWork = !m_state.pairs.empty() || m_hasSlices || m_resumes;
+  if (hasWork && !m_isWritten) writeQuietly();
+  if (hasWork && m_isOurs && (stopped || m_hasProgress))
+    return "; what is done is kept in " + m_name + ", and --resume takes it up.";
+  if (m_isOurs && !hasWork) remove();
+  return stopped ? "; nothing was written." : ".";
+}
+
+void PartialOutput::guard(const std::function<void()>& work)
+{
+  std::string sentence;
+  bool stopped = false;
+  const auto interrupted = [] { return ZxWorkArea::getTheWorkArea()->wasInterrupted(); };
+  const auto doing = [] {
+    const std::string text = ZxWorkArea::getTheWorkArea()->getProgressText();
+    return text.empty() ? std::string("Stopped") : "Stopped (" + text + ")";
+  };
+  try {
+    return work();
+  } catch (const Stopped& reason) {
+    sentence = reason.what();
+    stopped = true;
+  } catch (const std::bad_alloc&) {
+    sentence = "There is not enough memory";
+  } catch (const std::exception& error) {
+    // A slice whose making was stopped is a failure to those who asked for it.
+    stopped = interrupted();
+    sentence = stopped ? doing() : error.what();
+  }
+  if (sentence.ends_with('.')) sentence.pop_back();
+  sentence += tail(stopped);
+  if (stopped) throw Stopped(sentence);
+  throw Failure(sentence);
+}
+
+void PartialOutput::remove() noexcept
+{
+  std::error_code ignored;
+  if (m_isOurs) fs::remove_all(m_folder, ignored);
+  m_isOurs = m_isWritten = false;
+  m_lock.reset();
+}
+
+} // namespace cli

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "RunState.h"
+#include "zx/ZxData.h"
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <string>
+
+namespace cli {
+
+class Console;
+
+/// The folder OUTPUT.partial: what a run has finished, kept when it is stopped, and taken up by --resume.
+///
+/// It holds state.json (RunState) and the volumes as far as they have been written. It comes into being when
+/// something is finished, takes the place of what an earlier stopped run has left, and is gone when the run
+/// is at its end. One process at a time holds it.
+class PartialOutput {
+public:
+  enum class Start { Anew, Resume };
+
+  /// Looks at what stands there and changes nothing. Throws Failure: nothing to resume, a file or folder that
+  /// is none of ours, another process at work.
+  PartialOutput(const std::string& output, Start start, Console& console);
+  ~PartialOutput();
+  PartialOutput(const PartialOutput&) = delete;
+  PartialOutput& operator=(const PartialOutput&) = delete;
+
+  /// The name of the folder for an output, as the user knows it.
+  static std::string nameFor(const std::string& output);
+
+  /// Says what this run is. Throws Failure, naming what differs, when another one is to be resumed.
+  void describe(RunFacts facts);
+  /// What has been finished before; empty for a new run.
+  const RunState& state() const noexcept { return m_state; }
+  /// Forgets the finished pairs.
+  void forgetPairs();
+  /// A pair is finished, with the transforms of all slices after it. The data's parameters are kept with it;
+  /// they are borrowed until the alignment ends. Written to the disk about once a second.
+  void pairDone(const ZxAlignPairResult& pair, std::vector<ZxAlignTransform> transforms, const ZxData& data);
+  /// The alignment is at its end: writes the state to the disk.
+  void alignmentDone() noexcept;
+
+  /// A folder of this one for a volume to grow in that is to lie under the path. Empty when it could not be
+  /// moved there from here, or nothing can be kept here.
+  std::filesystem::path growingFolder(const char* name, const std::string& path);
+  /// A slice of a volume has been written.
+  void sliceDone() noexcept { m_hasSlices = m_hasProgress = true; }
+
+  /// Does work that can be taken up later. Whatever ends it too early (thrown: Stopped, io::Interrupted,
+  /// anything of the standard library) leaves as Stopped or Failure with a sentence that says what is kept; a
+  /// failure before anything was done says no more than its reason.
+  void guard(const std::function<void()>& work);
+  /// The run is at its end, or has nothing to keep.
+  void remove() noexcept;
+
+private:
+  class Lock;
+  void lookAt(Start start, Console& console);
+  void hold();
+  void write();
+  bool writeQuietly() noexcept;
+  std::string tail(bool stopped) noexcept;
+
+  std::filesystem::path m_folder;
+  std::string m_name; ///< of the folder, for sentences
+  RunState m_state;
+  const ZxData* m_data = nullptr;
+  std::unique_ptr<Lock> m_lock;
+  bool m_resumes = false;
+  bool m_isOurs = false;    ///< the folder on the disk is that of this run
+  bool m_isWritten = false; ///< its state is the present one
+  bool m_hasSlices = false;
+  bool m_hasProgress = false; ///< this run has finished something
+  std::chrono::steady_clock::time_point m_nextWrite{};
+};
+
+} // namespace cli

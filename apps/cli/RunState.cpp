@@ -1,0 +1,144 @@
+#include "RunState.h"
+
+#include "Text.h"
+#include "io/Error.h"
+#include "io/ParameterJson.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <initializer_list>
+#include <nlohmann/json.hpp>
+
+namespace cli {
+namespace fs = std::filesystem;
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* kContent = "stopped run 1"; // the number is that of this layout
+
+constexpr std::string_view kFile = "file ";
+
+void addFile(const std::string& path, RunFacts& facts)
+{
+  struct stat about {};
+  if (stat(path.c_str(), &about) != 0 || !S_ISREG(about.st_mode)) return;
+  facts.emplace_back(std::string(kFile) + path, std::to_string(about.st_size) + " bytes of " +
+                                                    std::to_string(about.st_mtim.tv_sec) + "." +
+                                                    std::to_string(about.st_mtim.tv_nsec));
+}
+
+std::string valueOf(const RunFacts& facts, const std::string& name)
+{
+  const auto found =
+      std::find_if(facts.begin(), facts.end(), [&](const auto& fact) { return fact.first == name; });
+  return found == facts.end() ? std::string() : found->second;
+}
+
+std::string inWords(const std::string& value) { return value.empty() ? "not given" : value; }
+
+Json transformJson(const ZxAlignTransform& t) { return Json::array({t.tx, t.ty, t.angleDegrees, t.flip}); }
+
+ZxAlignTransform transformOf(const Json& json)
+{
+  return {json.at(0).get<float>(), json.at(1).get<float>(), json.at(2).get<float>(), json.at(3).get<bool>()};
+}
+
+Json pairJson(const ZxAlignPairResult& p)
+{
+  return {{"editable", p.pair.editable}, {"reference", p.pair.reference},
+          {"side", p.pair.side},         {"transform", transformJson(p.transform)},
+          {"before", p.qualityBefore},   {"after", p.qualityAfter},
+          {"seconds", p.seconds},        {"changed", p.changed}};
+}
+
+ZxAlignPairResult pairOf(const Json& json)
+{
+  return {{json.at("editable").get<int>(), json.at("reference").get<int>(), json.at("side").get<int>()},
+          transformOf(json.at("transform")),
+          json.at("before").get<double>(),
+          json.at("after").get<double>(),
+          json.at("seconds").get<double>(),
+          json.at("changed").get<bool>()};
+}
+
+RunState stateOf(const Json& json)
+{
+  RunState state;
+  for (const Json& fact : json.at("run")) state.facts.emplace_back(fact.at(0), fact.at(1));
+  for (const Json& pair : json.at("pairs")) state.pairs.push_back(pairOf(pair));
+  for (const Json& transform : json.at("transforms")) state.transforms.push_back(transformOf(transform));
+  state.parameters = io::fromJson(json.at("parameters").dump(), "state.json");
+  state.changesParameters = json.at("changes parameters").get<bool>();
+  state.pairsAlone = json.at("pairs alone").get<bool>();
+  return state;
+}
+
+} // namespace
+
+void addFileFacts(const std::string& path, RunFacts& facts)
+{
+  std::error_code error;
+  if (fs::is_directory(path, error)) {
+    std::vector<std::string> files;
+    for (fs::directory_iterator it(path, error), end; !error && it != end; it.increment(error))
+      files.push_back(it->path().string());
+    std::sort(files.begin(), files.end());
+    for (const std::string& file : files) addFile(file, facts);
+    return;
+  }
+  addFile(path, facts);
+  addFile(path + ".params.json", facts);
+  if (!hasEnding(path, ".nhdr") && !hasEnding(path, ".mhd")) return;
+  for (const char* ending : {".raw", ".raw.gz", ".zraw"})
+    addFile(fs::path(path).replace_extension(ending).string(), facts);
+}
+
+std::string differenceOf(const RunFacts& there, const RunFacts& here)
+{
+  RunFacts all = here; // what is new comes first: it is what the user has just typed
+  all.insert(all.end(), there.begin(), there.end());
+  for (const auto& [name, ignored] : all) {
+    const std::string before = valueOf(there, name), now = valueOf(here, name);
+    if (before == now) continue;
+    if (!name.starts_with(kFile))
+      return name + " is " + inWords(before) + " there and " + inWords(now) + " here";
+    const std::string file = name.substr(kFile.size());
+    if (before.empty()) return file + " was no input of it";
+    return now.empty() ? file + " is no input now" : file + " has changed since";
+  }
+  return {};
+}
+
+std::string stateText(const RunState& state)
+{
+  Json json = {{"program", "zxalign"}, {"content", kContent}};
+  json["run"] = Json::array();
+  for (const auto& [name, value] : state.facts) json["run"].push_back(Json::array({name, value}));
+  json["pairs alone"] = state.pairsAlone;
+  json["changes parameters"] = state.changesParameters;
+  json["pairs"] = Json::array();
+  for (const ZxAlignPairResult& pair : state.pairs) json["pairs"].push_back(pairJson(pair));
+  json["transforms"] = Json::array();
+  for (const ZxAlignTransform& transform : state.transforms)
+    json["transforms"].push_back(transformJson(transform));
+  json["parameters"] = Json::parse(io::toJson(state.parameters));
+  return json.dump(1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+std::optional<RunState> stateOf(const std::string& text)
+{
+  try {
+    const Json json = Json::parse(text);
+    if (json.at("program") != "zxalign" || json.at("content") != kContent) return std::nullopt;
+    return stateOf(json);
+  } catch (const nlohmann::detail::exception&) {
+    return std::nullopt;
+  } catch (const io::Error&) {
+    return std::nullopt;
+  }
+}
+
+} // namespace cli

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "zx/ZxParamBundle.h"
+#include "zxalign/ZxAlignControl.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace cli {
+
+/// What decides about the result of a run, name and value as text: inputs, method, settings, options. Two
+/// runs of equal facts give the same files.
+using RunFacts = std::vector<std::pair<std::string, std::string>>;
+
+/// Adds what tells a file from another one of its name: size and time of change. Of a folder every file in
+/// it, and with a volume the files of its voxels and parameters beside it. Nothing for an empty path.
+void addFileFacts(const std::string& path, RunFacts& facts);
+
+/// Empty when the facts are equal, else what differs: "iterations is 20 there and 10 here".
+std::string differenceOf(const RunFacts& there, const RunFacts& here);
+
+/// How far an alignment run has come: what it takes to go on.
+struct RunState {
+  RunFacts facts;
+  std::vector<ZxAlignPairResult> pairs;     ///< that are finished, in their order
+  std::vector<ZxAlignTransform> transforms; ///< of all slices, after the last of the pairs
+  ZxParamBundle parameters;                 ///< of the input, as the method has left them
+  bool changesParameters = false;           ///< the method has changed them
+  bool pairsAlone = true;                   ///< no pair has moved slices that were finished before it
+};
+
+/// The state as JSON text; numbers read back exactly.
+std::string stateText(const RunState& state);
+/// The state in a text; nothing when it is damaged or something else.
+std::optional<RunState> stateOf(const std::string& text);
+
+} // namespace cli

@@ -1,0 +1,217 @@
+#include "Stacks.h"
+#include "io/Volume.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <random>
+
+namespace {
+
+namespace fs = std::filesystem;
+using test::Outcome;
+using test::readFile;
+using test::run;
+
+using Arguments = std::vector<std::string>;
+
+Arguments with(Arguments arguments, const Arguments& more)
+{
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  return arguments;
+}
+
+/// Bytes of all files below a folder.
+std::uintmax_t sizeOf(const fs::path& folder)
+{
+  std::uintmax_t bytes = 0;
+  std::error_code error; // files come and go
+  for (fs::recursive_directory_iterator it(folder, error), end; !error && it != end; it.increment(error))
+    if (it->is_regular_file(error)) bytes += it->file_size(error);
+  return bytes;
+}
+
+/// Stops runs in the middle and takes them up.
+class Resume : public testing::Test {
+protected:
+  Outcome expectRun(const Arguments& arguments)
+  {
+    const Outcome outcome = run({arguments, {}, folder.path()});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    return outcome;
+  }
+  Outcome expectRefusal(const Arguments& arguments, const std::string& reason)
+  {
+    const auto before = folder.contents();
+    const Outcome outcome = run({arguments, {}, folder.path()});
+    EXPECT_EQ(outcome.status, 1) << testing::PrintToString(arguments);
+    EXPECT_NE(outcome.err.find(reason), std::string::npos) << outcome.err;
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+    EXPECT_EQ(folder.contents(), before);
+    return outcome;
+  }
+  /// All that stands in a folder, without what depends on the clock.
+  std::map<std::string, std::string> filesOf(const std::string& name)
+  {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : fs::recursive_directory_iterator(folder.file(name))) {
+      if (!entry.is_regular_file()) continue;
+      std::string bytes = readFile(entry.path());
+      if (entry.path().extension() == ".json" && entry.path().stem() == "report") {
+        auto report = nlohmann::json::parse(bytes);
+        for (auto& pair : report["pairs"]) pair.erase("seconds");
+        report["totals"].erase("seconds");
+        bytes = report.dump();
+      }
+      files[fs::relative(entry.path(), folder.file(name))] = bytes;
+    }
+    return files;
+  }
+  /// Runs a command in a folder, stopping it again and again by a signal, when what it keeps has grown by a
+  /// random size. Returns how often it was stopped.
+  int runWithStops(const std::string& in, const Arguments& arguments, const std::string& output, int signal,
+                   std::uintmax_t step)
+  {
+    const fs::path partial = folder.file(in + "/" + output + ".partial");
+    int stops = 0;
+    std::uintmax_t limit = 1;
+    for (int attempt = 0; attempt < 50; ++attempt) {
+      const Arguments now = fs::exists(partial) ? with(arguments, {"--resume"}) : arguments;
+      const Outcome outcome = test::runUntil(
+          {now, {}, folder.file(in)}, [&] { return sizeOf(partial) >= limit; }, signal);
+      if (outcome.status == 0) return stops;
+      EXPECT_EQ(outcome.status, signal == SIGKILL ? 128 + SIGKILL : 130) << outcome.err;
+      const bool says = outcome.err.find("kept in " + output + ".partial, and --resume") != std::string::npos;
+      EXPECT_EQ(says, signal != SIGKILL && fs::exists(partial)) << outcome.err;
+      EXPECT_FALSE(fs::exists(folder.file(in + "/" + output)));
+      ++stops;
+      limit = sizeOf(partial) + random() % step;
+    }
+    ADD_FAILURE() << "no end of " << testing::PrintToString(arguments);
+    return stops;
+  }
+  /// Has a command run whole in one folder and stopped in another; both end alike.
+  int expectSameAfterStops(const Arguments& arguments, const std::string& output, int signal,
+                           std::uintmax_t step)
+  {
+    for (const std::string name : {"whole", "stopped"}) {
+      fs::remove_all(folder.file(name));
+      fs::create_directory(folder.file(name));
+    }
+    EXPECT_EQ(run({arguments, {}, folder.file("whole")}).status, 0);
+    const int stops = runWithStops("stopped", arguments, output, signal, step);
+    EXPECT_TRUE(filesOf("stopped") == filesOf("whole")) << testing::PrintToString(arguments);
+    EXPECT_FALSE(fs::exists(folder.file("stopped/" + output + ".partial")));
+    return stops;
+  }
+
+  test::Folder folder;
+  std::mt19937 random{12};
+};
+
+// Killed at once and asked to stop, after any number of slices, in every kind of file.
+TEST_F(Resume, GoesOnAfterTheLastSliceOfEveryFormat)
+{
+  io::writeVolume(*test::noiseField({{601, 499, 12}, 1, McPrimType::UInt8}), folder.file("in.nrrd"));
+  test::writeLabels(folder.file("labels.nrrd"), {601, 499, 12});
+  std::string table = "slice,tx,ty,angle_deg,flip\n";
+  for (int k = 0; k < 12; ++k)
+    table += std::to_string(k) + "," + std::to_string(3 * k) + ",-7.5," + std::to_string(4 * k - 30) + ",0\n";
+  test::writeFile(folder.file("t.csv"), table);
+  int stops = 0, signal = SIGTERM;
+  for (const std::string output : {"a.nrrd", "a.nhdr", "a.mrc", "a.mha", "a.mhd", "a.nii", "a.tif",
+                                   "a_%02d.png", "a_%02d.tif", "slices"}) {
+    const std::string given = output == "slices" ? output + "/" : output;
+    stops += expectSameAfterStops({"resample", "../in.nrrd", "-o", given, "--transforms", "../t.csv",
+                                   "--labels", "../labels.nrrd", "--labels-out", "l.tif"},
+                                  output, signal, 3000000);
+    signal = signal == SIGTERM ? SIGKILL : signal == SIGKILL ? SIGHUP : SIGTERM;
+  }
+  EXPECT_GT(stops, 10);
+}
+
+TEST_F(Resume, GoesOnAfterTheLastPair)
+{
+  test::makePhantom(folder.file("in.nrrd"), 14, 200, {"--truth", folder.file("truth.csv")});
+  int stops = 0;
+  for (const std::string method : {"least-squares", "edges", "gravity"})
+    stops += expectSameAfterStops({"align", "../in.nrrd", "-o", "a.nrrd", "--method", method, "--report",
+                                   "report.json", "--auto-size", "--background", "most-frequent", "--truth",
+                                   "../truth.csv"},
+                                  "a.nrrd", SIGTERM, 3000);
+  stops += expectSameAfterStops({"align", "../in.nrrd", "-o", "a.csv", "--transforms-only", "--scale", "1/2"},
+                                "a.csv", SIGINT, 500);
+  stops += expectSameAfterStops({"align", "../in.nrrd", "-o", "a.mha", "--transforms-only"}, "a.mha", SIGKILL,
+                                3000);
+  EXPECT_GT(stops, 3);
+}
+
+TEST_F(Resume, RefusesWhatItWasNotStoppedWith)
+{
+  test::makePhantom(folder.file("in.nrrd"), 12, 200);
+  test::makePhantom(folder.file("other.nrrd"), 12, 200, {"--seed", "5"});
+  const Arguments align = {"align", "in.nrrd", "-o", "a.nrrd"};
+  expectRefusal(with(align, {"--resume"}), "nothing to resume: a.nrrd.partial does not exist");
+  const std::string partial = folder.file("a.nrrd.partial");
+  const Outcome stopped = test::runUntil(
+      {align, {}, folder.path()}, [&] { return fs::exists(partial); }, SIGTERM);
+  ASSERT_EQ(stopped.status, 130) << stopped.err;
+  expectRefusal(with(align, {"--resume", "--iterations", "20"}), "iterations is 1000 there and 20 here");
+  expectRefusal(with(align, {"--resume", "--method", "gravity"}), "the method is least-squares there");
+  expectRefusal(with(align, {"--resume", "--background", "7"}), "background is 0 there and 7 here");
+  expectRefusal({"align", "other.nrrd", "-o", "a.nrrd", "--resume"}, "other.nrrd was no input of it");
+  expectRefusal({"align", "in.nrrd", "-o", "b.nrrd", "--report", "a.nrrd.partial"}, "regular file");
+  fs::last_write_time(folder.file("in.nrrd"), fs::file_time_type::clock::now());
+  expectRefusal(with(align, {"--resume"}), "in.nrrd has changed since");
+  // Without --resume it starts anew, in the place of what was kept.
+  EXPECT_NE(expectRun(align).err.find("--resume would take up"), std::string::npos);
+  EXPECT_FALSE(fs::exists(partial));
+
+  fs::create_directory(partial);
+  test::writeFile(partial + "/notes.txt", "mine");
+  expectRefusal(align, "not what a stopped run has left");
+  expectRefusal(with(align, {"--resume"}), "not what a stopped run has left");
+}
+
+TEST_F(Resume, KeepsWhatWasWrittenBeforeTheDiskWasFull)
+{
+  test::makePhantom(folder.file("in.nrrd"), 5, 150);
+  for (const std::string output : {"a.nrrd", "a.tif", "a.mrc"}) {
+    const Arguments align = {"align", "in.nrrd", "-o", output, "--report", "r.json"};
+    const Outcome full = run({align, {}, folder.path(), 60000});
+    EXPECT_EQ(full.status, 1);
+    EXPECT_NE(full.err.find("Cannot write \"" + output), std::string::npos) << full.err;
+    EXPECT_NE(full.err.find("kept in " + output + ".partial, and --resume takes it up."), std::string::npos)
+        << full.err;
+    EXPECT_FALSE(fs::exists(folder.file(output)) || fs::exists(folder.file("r.json")));
+    expectRun(with(align, {"--resume"}));
+    expectRun({"align", "in.nrrd", "-o", "whole_" + output});
+    EXPECT_TRUE(test::voxelsOf(folder.file(output)) == test::voxelsOf(folder.file("whole_" + output)));
+    fs::remove(folder.file("r.json"));
+  }
+}
+
+TEST_F(Resume, TwoRunsDoNotShareWhatTheyKeep)
+{
+  test::makePhantom(folder.file("in.nrrd"), 60, 300);
+  const Arguments align = {"align", "in.nrrd", "-o", "a.nrrd"};
+  bool asked = false;
+  Outcome second;
+  const Outcome first = test::runUntil(
+      {align, {}, folder.path()},
+      [&] {
+        if (asked || !fs::exists(folder.file("a.nrrd.partial"))) return false;
+        asked = true;
+        second = run({align, {}, folder.path()});
+        return true;
+      },
+      SIGTERM);
+  ASSERT_TRUE(asked);
+  EXPECT_EQ(first.status, 130);
+  EXPECT_EQ(second.status, 1);
+  EXPECT_NE(second.err.find("Another run is at work in a.nrrd.partial"), std::string::npos) << second.err;
+}
+
+} // namespace
