@@ -12,6 +12,7 @@ add_library(robust_search STATIC
   ${CMAKE_CURRENT_LIST_DIR}/src/Hull.cpp
   ${CMAKE_CURRENT_LIST_DIR}/src/Limits.cpp
   ${CMAKE_CURRENT_LIST_DIR}/src/Pyramid.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/src/ReducedSlice.cpp
   ${CMAKE_CURRENT_LIST_DIR}/src/RigidMotion.cpp
   ${CMAKE_CURRENT_LIST_DIR}/src/RobustSearch.cpp
   ${CMAKE_CURRENT_LIST_DIR}/src/StackSolver.cpp

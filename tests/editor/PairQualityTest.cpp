@@ -178,4 +178,27 @@ TEST_F(QxPairQualityDockTest, TheTableSortsByQualityAndMarksTheWorst)
       << "the table follows an edit";
 }
 
+// A method leaves its outcome with the slice that it matched, with the lower or the upper one of the pair.
+TEST_F(QxPairQualityDockTest, ShowsTheConfidenceOfTheMethodThatMatchedAPair)
+{
+  open();
+  auto* table = child<QTableView>("pairQualityTable");
+  EXPECT_TRUE(table->isColumnHidden(PairQualityModel::ConfidenceColumn)) << "nothing to show";
+  const auto store = [this](const char* slice, int reference, double confidence, const char* reason) {
+    ZxParamBundle& own = *module->sliceData().getParameters()->getBundle("AlignConfidence")->getBundle(slice);
+    own.setNum("reference", reference);
+    own.setReals("confidence", {confidence});
+    own.setString("reason", reason);
+  };
+  store("slice0003", 2, 0.974, "");
+  store("slice0004", 5, 0.124, "hardly anything overlaps");
+  store("slice0001", 3, 0.5, ""); // no neighbours: shown nowhere
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !cell(4, PairQualityModel::ConfidenceColumn).isEmpty(); }));
+  EXPECT_FALSE(table->isColumnHidden(PairQualityModel::ConfidenceColumn));
+  QStringList shown;
+  for (int row = 0; row < 6; ++row) shown << cell(row, PairQualityModel::ConfidenceColumn);
+  EXPECT_EQ(shown, (QStringList{"", "", "0.97", "", "0.12, left", ""}));
+  EXPECT_TRUE(rows()->index(4, 0).data(Qt::ToolTipRole).toString().contains("hardly anything overlaps"));
+}
+
 } // namespace

@@ -1,79 +1,28 @@
-#include "TestSlices.h"
+#include "AlignMethodTest.h"
 #include "mc/McMath.h"
-#include "zx/ZxField3.h"
-#include "zx/ZxInterpreter.h"
-#include "zx/ZxModule.h"
-#include "zx/ZxObjectPool.h"
-#include "zx/ZxPackage.h"
-#include "zxalign/ZxAlignControl.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
 
 namespace {
 
-/// The module with the plug-in, loaded as programs load them, and three slices: one made slice, and twice
-/// what it looks like when it is moved.
-class PhaseCorrelationAlignMethod : public testing::Test {
+/// Three slices: one made slice, and twice what it looks like when it is moved.
+class PhaseCorrelationAlignMethod : public AlignMethodTest {
 protected:
-  static constexpr int width = 203, height = 180;
-
-  static void SetUpTestSuite()
-  {
-    const std::string entry[] = {"Phase", "registerPhaseCorrelation", PLUGIN};
-    const std::string list[] = {ZxInterpreter::makeList(entry)};
-    ZxInterpreter::getTheInterpreter().setVar(kZxAlignPlugInVariable, ZxInterpreter::makeList(list).c_str());
-    ASSERT_EQ(ZxPackage::load("zxalign"), "");
-  }
+  PhaseCorrelationAlignMethod() : AlignMethodTest("PhaseCorrelationAlignMethod", 3) {}
+  static void SetUpTestSuite() { load("Phase", "registerPhaseCorrelation", PLUGIN); }
 
   void SetUp() override
   {
-    m_module = McHandle<ZxCompModule>(
-        dynamic_cast<ZxCompModule*>(ZxObjectPool::getThePool().create("ZxAlignSlices")));
-    ASSERT_TRUE(m_module);
-    control = dynamic_cast<ZxAlignControl*>(m_module.get());
-    for (const ZxAlignControl::Method& method : control->methods())
-      if (method.name == "PhaseCorrelationAlignMethod") id = method.id;
-    ASSERT_GE(id, 4);
-    ZxLatticeShape shape;
-    shape.dims = {width, height, 3};
-    m_volume = ZxField3::create(ZxLattice3::create(shape));
+    AlignMethodTest::SetUp();
     const TestSlice slice = madeSlice(width, height, 11);
     fill(0, slice);
     fill(1, movedSlice(slice, 130, 50, -31, 0));
     fill(2, movedSlice(slice, 130, 50, -31, 0));
-    m_module->portData.connect(m_volume.get());
-    m_module->fire();
-    ASSERT_EQ(control->numSlices(), 3);
-  }
-
-  void TearDown() override
-  {
-    m_module = {};
-    ZxObjectPool::getThePool().clear();
-  }
-
-  void fill(int k, const TestSlice& slice)
-  {
-    auto* out = static_cast<unsigned char*>(m_volume->getLattice()->beginWrite(k));
-    std::copy(slice.pixels.begin(), slice.pixels.end(), out);
-    m_volume->getLattice()->endWrite(k);
+    connect();
   }
 
   static void expectTransform(const ZxAlignTransform& t, double degrees, double tx, double ty)
   {
-    EXPECT_LT(angleBetween(static_cast<double>(t.angleDegrees), degrees), 0.5) << t.angleDegrees;
-    EXPECT_NEAR(static_cast<double>(t.tx), tx, 1.0);
-    EXPECT_NEAR(static_cast<double>(t.ty), ty, 1.0);
+    AlignMethodTest::expectTransform(t, degrees, tx, ty, 0.5, 1.0);
   }
-
-  ZxAlignControl* control = nullptr;
-  int id = 0;
-
-private:
-  McHandle<ZxCompModule> m_module;
-  McHandle<ZxField3> m_volume;
 };
 
 TEST_F(PhaseCorrelationAlignMethod, PutsSlicesOnTheReferenceAndCarriesTheOthersAlong)

@@ -20,9 +20,8 @@ constexpr int kPeaks = 2;
 constexpr int kPolarSide = 192;
 constexpr spectral::PolarGrid kPolarGrid{360, 64, 0.06, 0.8};
 constexpr int kPolarAngles = 4;
-// How many of each side go on: to be verified on the coarsest level, refined there, refined on the next one,
-// and on those after it.
-constexpr std::size_t kVerified = 40, kRefined = 12, kKept = 4, kLast = 2;
+// How many of the sweep's guesses of each side are verified.
+constexpr std::size_t kVerified = 40;
 // Less than this share in common is no match.
 constexpr double kLeastOverlap = 0.2;
 // Candidates nearer than this share of the slice's longer side are one.
@@ -33,6 +32,14 @@ struct Guess {
   RigidMotion motion;
   double height;
 };
+
+/// How many candidates of each side go on: to be refined on the coarsest level, on the next one, and on those
+/// after it.
+struct Numbers {
+  std::size_t coarsest, next, last;
+};
+
+Numbers numbersFor(Effort effort) { return effort == Effort::Full ? Numbers{12, 4, 3} : Numbers{4, 2, 1}; }
 
 /// What both slices are compared with.
 struct Pair {
@@ -207,9 +214,10 @@ RigidMotion refinedOn(Comparison& comparison, const RigidMotion& start, bool tur
 }
 
 std::vector<Candidate> findCandidates(const Pyramid& reference, const Pyramid& moved, const Limits& limits,
-                                      const std::function<bool()>& stopped)
+                                      const std::function<bool()>& stopped, Effort effort)
 {
   const Pair pair{reference, moved, limits};
+  const Numbers numbers = numbersFor(effort);
   const std::size_t coarsest = reference.levels().size() - 1;
   const std::vector<Guess> guesses = guessesOf(pair);
   if (stopped()) return {};
@@ -218,12 +226,12 @@ std::vector<Candidate> findCandidates(const Pyramid& reference, const Pyramid& m
     Comparison comparison(reference.levels()[coarsest], moved.levels()[coarsest], Values::Flat);
     candidates[i] = verified(comparison, guesses[i].motion);
   });
-  sortAndThin(candidates, pair, kRefined);
+  sortAndThin(candidates, pair, numbers.coarsest);
   refineAll(candidates, pair, coarsest, 12);
-  sortAndThin(candidates, pair, kKept);
+  sortAndThin(candidates, pair, numbers.next);
   for (std::size_t level = coarsest; level-- > 0 && hasFlat(pair, level) && !stopped();) {
     refineAll(candidates, pair, level, 6);
-    sortAndThin(candidates, pair, kLast);
+    sortAndThin(candidates, pair, numbers.last);
   }
   if (stopped()) return {};
   return candidates;

@@ -19,6 +19,10 @@ struct Candidate {
 /// How much a match says: its correlation, less where little overlaps.
 double scoreOf(const Match& match);
 
+/// How thoroughly candidates are looked for: well enough to choose one, or to see whether there is a good
+/// one.
+enum class Effort { Full, Glance };
+
 /// The motions under which two slices may match, best first, no two of them alike; all over the circle and
 /// mirrored where the limits allow it.
 ///
@@ -30,7 +34,7 @@ double scoreOf(const Match& match);
 ///
 /// stopped is asked between pieces of the work; nothing is found after it has said yes.
 std::vector<Candidate> findCandidates(const Pyramid& reference, const Pyramid& moved, const Limits& limits,
-                                      const std::function<bool()>& stopped);
+                                      const std::function<bool()>& stopped, Effort effort = Effort::Full);
 
 /// Goes on from a motion on one level of both pyramids until it stands still to within a share of a pixel of
 /// that level.

@@ -13,6 +13,15 @@ namespace {
 constexpr int kBand = 32;
 // A residual of this many standard deviations counts a quarter of one of 0.
 constexpr double kOutlying = 16.0;
+// How much stiffer than the images alone say a slice is against growing: three parts to one, so that a
+// quarter of what they say goes into the growth.
+constexpr double kStiffness = 3.0;
+
+// The unknowns of a step, in this order; gain and offset are those of a channel.
+constexpr std::size_t kTurn = 0, kShiftX = 1, kShiftY = 2, kGrowth = 3, kGain = 4, kOffset = 5, kUnknowns = 6;
+// Where the parts of the sums of a channel begin, behind the upper triangle of the products of the unknowns.
+constexpr std::size_t kResiduals = kUnknowns * (kUnknowns + 1) / 2, kSumX = kResiduals + kUnknowns,
+                      kSumY = kSumX + 1;
 
 double weightOf(const Level& level)
 {
@@ -202,59 +211,72 @@ void Comparison::addRow(std::size_t channel, const Gain& gain, int y, Normal& n)
     const float w = w1[x] * damped * damped;
     const float gx = 0.25f * ((r1[x + 1] - r1[x - 1]) + g * (m1[x + 1] - m1[x - 1]));
     const float gy = 0.25f * ((r2[x] - r0[x]) + g * (m2[x] - m0[x]));
-    const float turn = (gx * uy - gy * (static_cast<float>(x) - cx)) * unit;
-    const std::array<double, 5> j{static_cast<double>(turn), static_cast<double>(gx), static_cast<double>(gy),
-                                  static_cast<double>(m1[x]), 1.0};
+    const float ux = static_cast<float>(x) - cx;
+    const float turn = (gx * uy - gy * ux) * unit, growth = (gx * ux + gy * uy) * unit;
+    const std::array<double, kUnknowns> j{static_cast<double>(turn),  static_cast<double>(gx),
+                                          static_cast<double>(gy),    static_cast<double>(growth),
+                                          static_cast<double>(m1[x]), 1.0};
     std::size_t i = 0;
-    for (std::size_t a = 0; a < 5; ++a) {
+    for (std::size_t a = 0; a < kUnknowns; ++a) {
       const double wj = static_cast<double>(w) * j[a];
-      for (std::size_t b = a; b < 5; ++b) n[i++] += wj * j[b];
-      n[15 + a] += wj * static_cast<double>(residual);
+      for (std::size_t b = a; b < kUnknowns; ++b) n[i++] += wj * j[b];
+      n[kResiduals + a] += wj * static_cast<double>(residual);
     }
+    n[kSumX] += static_cast<double>(w * ux * unit);
+    n[kSumY] += static_cast<double>(w * uy * unit);
   }
 }
 
 namespace {
 
-/// A symmetric system of equations of five unknowns.
+/// A symmetric system of equations.
 struct System {
-  double m[5][5] = {};
-  double v[5] = {};
+  double m[kUnknowns][kUnknowns] = {};
+  double v[kUnknowns] = {};
 };
 
-System systemOf(const std::array<double, 21>& n)
+System systemOf(const std::array<double, 29>& n)
 {
   System s;
   std::size_t i = 0;
-  for (int a = 0; a < 5; ++a) {
-    for (int b = a; b < 5; ++b) s.m[a][b] = s.m[b][a] = n[i++];
-    s.v[a] = n[static_cast<std::size_t>(15 + a)];
+  for (std::size_t a = 0; a < kUnknowns; ++a) {
+    for (std::size_t b = a; b < kUnknowns; ++b) s.m[a][b] = s.m[b][a] = n[i++];
+    s.v[a] = n[kResiduals + a];
   }
   return s;
 }
 
-/// Eliminates the unknowns last ... first from a system, so that the others can be solved alone.
-void eliminate(System& s, int last, int first)
+/// Puts the centre of the growth, which is that of the slice, to the place (x, y) away from it, in the unit
+/// of the growth: an unknown that moves everything by as much back goes with it.
+void growAbout(System& s, double x, double y)
 {
-  for (int k = last; k >= first; --k) {
+  for (std::size_t b = 0; b < kUnknowns; ++b) s.m[kGrowth][b] -= x * s.m[kShiftX][b] + y * s.m[kShiftY][b];
+  for (std::size_t a = 0; a < kUnknowns; ++a) s.m[a][kGrowth] -= x * s.m[a][kShiftX] + y * s.m[a][kShiftY];
+  s.v[kGrowth] -= x * s.v[kShiftX] + y * s.v[kShiftY];
+}
+
+/// Eliminates the unknowns last ... first from a system, so that those before them can be solved alone.
+void eliminate(System& s, std::size_t last, std::size_t first)
+{
+  for (std::size_t k = last + 1; k-- > first;) {
     if (!(s.m[k][k] > 1e-9)) continue;
-    for (int a = 0; a < k; ++a) {
+    for (std::size_t a = 0; a < k; ++a) {
       const double f = s.m[a][k] / s.m[k][k];
-      for (int b = 0; b < k; ++b) s.m[a][b] -= f * s.m[k][b];
+      for (std::size_t b = 0; b < k; ++b) s.m[a][b] -= f * s.m[k][b];
       s.v[a] -= f * s.v[k];
     }
   }
 }
 
-/// The unknowns 0 ... 2 of a system that has no others.
+/// Turn and shift from a system that has no other unknowns.
 std::array<double, 3> solved(System s)
 {
-  eliminate(s, 2, 1);
+  eliminate(s, kShiftY, kShiftX);
   std::array<double, 3> x{};
-  for (int k = 0; k < 3; ++k) {
+  for (std::size_t k = 0; k < 3; ++k) {
     double rest = s.v[k];
-    for (int b = 0; b < k; ++b) rest -= s.m[k][b] * x[static_cast<std::size_t>(b)];
-    x[static_cast<std::size_t>(k)] = s.m[k][k] > 1e-9 ? rest / s.m[k][k] : 0.0;
+    for (std::size_t b = 0; b < k; ++b) rest -= s.m[k][b] * x[b];
+    x[k] = s.m[k][k] > 1e-9 ? rest / s.m[k][k] : 0.0;
   }
   return x;
 }
@@ -274,16 +296,20 @@ RigidMotion Comparison::step(bool turns) const
         addRow(c, gain, y, normal);
       parts[band] = normal;
     });
-    System s = systemOf(total(parts));
-    eliminate(s, 4, 3);
-    const double certainty = gain.certainty;
-    for (int a = 0; a < 3; ++a) {
-      whole.v[a] += certainty * s.v[a];
-      for (int b = 0; b < 3; ++b) whole.m[a][b] += certainty * s.m[a][b];
+    const Normal normal = total(parts);
+    System s = systemOf(normal);
+    const double weight = s.m[kOffset][kOffset];
+    if (weight > 0.0) growAbout(s, normal[kSumX] / weight, normal[kSumY] / weight);
+    eliminate(s, kOffset, kGain);
+    for (std::size_t a = 0; a < kGain; ++a) {
+      whole.v[a] += gain.certainty * s.v[a];
+      for (std::size_t b = 0; b < kGain; ++b) whole.m[a][b] += gain.certainty * s.m[a][b];
     }
   }
+  whole.m[kGrowth][kGrowth] *= 1.0 + kStiffness;
+  eliminate(whole, kGrowth, kGrowth);
   if (!turns)
-    for (int a = 0; a < 3; ++a) whole.m[0][a] = whole.m[a][0] = whole.v[0] = 0.0;
+    for (std::size_t a = 0; a < kUnknowns; ++a) whole.m[kTurn][a] = whole.m[a][kTurn] = whole.v[kTurn] = 0.0;
   // The residual falls where the moved slice follows its own gradient backwards.
   const std::array<double, 3> x = solved(whole);
   const double unit = 2.0 / std::max(m_reference.width, m_reference.height);

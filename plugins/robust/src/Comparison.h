@@ -52,6 +52,10 @@ public:
 
   /// One step of Gauss-Newton on turn and displacement, with gains and offsets of the channels eliminated and
   /// pixels that do not fit weighed down. Returns the motion that follows the present one on the reference.
+  ///
+  /// Tissue grows or shrinks a little from slice to slice. Outlines of uneven contrast would turn that into a
+  /// displacement, so the growth about the middle of what overlaps is an unknown, too, and dropped at the
+  /// end.
   RigidMotion step(bool turns) const;
 
 private:
@@ -62,7 +66,7 @@ private:
     bool counts = false;
   };
   using Sums = std::array<double, 6>;    // of one channel: w, r, m, rr, mm, rm
-  using Normal = std::array<double, 21>; // of one channel: J'J, 5 x 5 upper triangle, J'r, w
+  using Normal = std::array<double, 29>; // of one channel: J'J, 6 x 6 upper triangle; J'r; sums of x and of y
 
   std::size_t bands() const;
   void sampleRow(const RigidMotion& motion, int y);

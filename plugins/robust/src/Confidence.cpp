@@ -3,7 +3,6 @@
 #include "mc/McMath.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace robust {
@@ -17,10 +16,30 @@ constexpr double kApart = 0.02;
 constexpr double kLeastShare = 0.08;
 
 // A runner-up that scores lower by this share may as well be the right one.
-constexpr double kEqual = 0.08;
+constexpr double kEqual = 0.03;
+// A side that is not allowed and scores higher by this share is the right one.
+constexpr double kTurnedOver = 0.08;
+// Slices of fine noisy tissue correlate little when they match: below these log odds, a correlation of 0.23,
+// others say more.
+constexpr double kLeastOdds = -1.2;
+// A lead over the other side that is as good as any larger one.
+constexpr double kClearSide = 0.3;
+// Quarters that agree less than this speak against a match; above it they hardly tell right from wrong.
+constexpr double kAgreeing = 0.4;
+// Of the traits, fitted by logistic regression to pairs with known truth: neighbours, slices far apart,
+// slices that have nothing in common. `robust_tables FOLDER fit` makes them.
+constexpr std::array<double, kTraits> kCoefficients{2.12, 4.02, 3.83, 3.75};
 
-/// 0 where a runner-up is as good, 1 where it is clearly worse.
-double certain(double lead) { return 1.0 - mc::exp(-(lead / kEqual) * (lead / kEqual)); }
+/// 1/2 where a runner-up is as good, 1 where it is worse.
+double oneOfTwo(double lead) { return 1.0 - 0.5 * mc::exp(-(lead / kEqual) * (lead / kEqual)); }
+
+/// 1 where the side that is not allowed is no better, 0 where it is clearly better. Nearly symmetric sections
+/// score a little higher on the wrong side now and then, so that little must not count.
+double notTurned(double lead)
+{
+  const double square = (lead / kTurnedOver) * (lead / kTurnedOver);
+  return mc::exp(-square * square);
+}
 
 std::size_t judgedLevel(const Pyramid& pyramid)
 {
@@ -61,7 +80,7 @@ double agreementOf(Comparison& comparison, const RigidMotion& motion, double sid
 } // namespace
 
 Evidence evidenceFor(const Pyramid& reference, const Pyramid& moved, const RigidMotion& motion,
-                     const std::vector<Candidate>& others)
+                     const std::vector<Candidate>& others, bool bothSides)
 {
   const std::size_t level = judgedLevel(reference);
   Comparison comparison(reference.levels()[level], moved.levels()[level], Values::Flat);
@@ -81,32 +100,43 @@ Evidence evidenceFor(const Pyramid& reference, const Pyramid& moved, const Rigid
     return score > 0.0 ? std::max(0.0, 1.0 - second / score) : 0.0;
   };
   evidence.distinctness = lead(sameSide);
-  evidence.sidedness = lead(otherSide);
+  evidence.sidedness = bothSides ? lead(otherSide) : 1.0;
+  if (!bothSides && score > 0.0) evidence.turnedOver = std::max(0.0, otherSide / score - 1.0);
   comparison.moveTo(motion);
   evidence.agreement = agreementOf(comparison, motion, std::max(reference.width(), reference.height()));
   return evidence;
 }
 
+std::array<double, kTraits> traitsOf(const Evidence& e)
+{
+  const double shared = std::clamp(e.correlation * e.overlap, 0.01, 0.99);
+  return {1.0, std::max(kLeastOdds, mc::log(shared / (1.0 - shared))),
+          -mc::log(std::max(0.05, 1.0 - e.distinctness)), std::min(e.sidedness, kClearSide)};
+}
+
+double clarityOf(const Evidence& e)
+{
+  return oneOfTwo(e.distinctness) * oneOfTwo(e.sidedness) * notTurned(e.turnedOver) *
+         std::min(1.0, e.agreement / kAgreeing);
+}
+
 double confidenceOf(const Evidence& e)
 {
-  // Fitted by logistic regression to pairs with known truth: neighbours, slices far apart, slices that have
-  // nothing in common.
-  const double shared = std::clamp(e.correlation * e.overlap, 0.01, 0.99);
-  const double distinctness = std::min(e.distinctness, 0.98);
-  const double evidence = 3.45 + 2.58 * mc::log(shared / (1.0 - shared)) +
-                          1.18 * mc::log(distinctness / (1.0 - distinctness) + 0.05) + 2.03 * e.agreement;
-  // Where another position or the other side fits as well nothing else helps.
-  return certain(e.distinctness) * certain(e.sidedness) / (1.0 + mc::exp(-evidence));
+  const std::array<double, kTraits> traits = traitsOf(e);
+  double evidence = 0.0;
+  for (std::size_t i = 0; i < kTraits; ++i) evidence += kCoefficients[i] * traits[i];
+  return clarityOf(e) / (1.0 + mc::exp(-evidence));
 }
 
 std::string weaknessOf(const Evidence& e)
 {
-  const std::array<std::pair<double, const char*>, 5> weaknesses{
+  const std::array<std::pair<double, const char*>, 6> weaknesses{
       {{e.overlap / 0.4, "hardly anything overlaps"},
        {e.correlation / 0.25, "the slices hardly resemble each other"},
        {e.distinctness / 0.2, "another position fits nearly as well"},
        {e.sidedness / 0.15, "it fits nearly as well when it is turned over"},
-       {e.agreement / 0.4, "the parts of the slice do not agree"}}};
+       {kTurnedOver / std::max(1e-6, 2.0 * e.turnedOver), "it fits better when it is turned over"},
+       {e.agreement / kAgreeing, "the parts of the slice do not agree"}}};
   return std::min_element(weaknesses.begin(), weaknesses.end())->second;
 }
 

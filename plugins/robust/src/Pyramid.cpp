@@ -1,7 +1,7 @@
 #include "Pyramid.h"
 
 #include "Content.h"
-#include "Parallel.h"
+#include "ReducedSlice.h"
 #include "mc/McRound.h"
 
 #include <algorithm>
@@ -143,18 +143,8 @@ Level levelOf(const Raw& raw, Point centre, double pixel)
   return level;
 }
 
-bool showsSomething(const Level& level)
+Raw rawOf(const SliceImage& slice)
 {
-  return std::any_of(level.plain.begin(), level.plain.end(), [](const Field& channel) {
-    return std::any_of(channel.values.begin(), channel.values.end(), [](float v) { return v != 0.0f; });
-  });
-}
-
-} // namespace
-
-Pyramid::Pyramid(const SliceImage& slice) : m_width(slice.width), m_height(slice.height)
-{
-  if (std::min(slice.width, slice.height) < kLeastSide) return;
   Content content = contentOf(slice);
   Raw raw;
   for (int c = 0; c < (slice.channels == 1 ? 1 : 3); ++c) raw.channels.push_back(channelOf(slice, c));
@@ -166,21 +156,42 @@ Pyramid::Pyramid(const SliceImage& slice) : m_width(slice.width), m_height(slice
   }
   raw.valid = std::move(content.valid);
   raw.relevant = std::move(content.relevant);
-  Point centre{static_cast<double>(slice.width / 2), static_cast<double>(slice.height / 2)};
-  double pixel = 1.0;
+  return raw;
+}
+
+bool showsSomething(const Level& level)
+{
+  return std::any_of(level.plain.begin(), level.plain.end(), [](const Field& channel) {
+    return std::any_of(channel.values.begin(), channel.values.end(), [](float v) { return v != 0.0f; });
+  });
+}
+
+/// The levels from the finest on, whose pixels have a size in pixels of the slice; none when there is nothing
+/// to see.
+std::vector<Level> levelsOf(Raw raw, Point centre, double pixel)
+{
+  std::vector<Level> levels;
   for (;;) {
-    m_levels.push_back(levelOf(raw, centre, pixel));
-    if (!showsSomething(m_levels.back())) {
-      m_levels.clear();
-      return;
-    }
-    if (std::max(raw.valid.width, raw.valid.height) <= kCoarsestSide ||
+    levels.push_back(levelOf(raw, centre, pixel));
+    if (!showsSomething(levels.back())) return {};
+    if (std::max(raw.valid.width, raw.valid.height) <= Pyramid::kCoarsestSide ||
         std::min(raw.valid.width, raw.valid.height) < 2 * kLeastSide)
-      return;
+      return levels;
     raw = halved(raw);
     centre = {(centre.x - 0.5) / 2.0, (centre.y - 0.5) / 2.0};
     pixel *= 2.0;
   }
+}
+
+} // namespace
+
+Pyramid::Pyramid(const SliceImage& slice) : m_width(slice.width), m_height(slice.height)
+{
+  if (std::min(slice.width, slice.height) < kLeastSide) return;
+  const ReducedSlice reduced(slice, kFinestSide);
+  const double factor = reduced.factor(), rim = (factor - 1.0) / 2.0;
+  const Point centre{(slice.width / 2 - rim) / factor, (slice.height / 2 - rim) / factor};
+  m_levels = levelsOf(rawOf(reduced.image()), centre, factor);
 }
 
 } // namespace robust

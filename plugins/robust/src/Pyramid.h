@@ -22,8 +22,13 @@ struct Level {
 };
 
 /// A slice at all resolutions, the finest first, each half as large as the one before.
+///
+/// The finest is the slice itself, or that of at most kFinestSide where it is larger: what a pyramid takes,
+/// some 20 bytes a pixel of that, is bounded, and a tenth of a pixel of the slice is well above what is lost.
 class Pyramid {
 public:
+  /// Longest side in pixels of the finest level.
+  static constexpr int kFinestSide = 2048;
   /// Longest side in pixels up to which a level is the coarsest.
   static constexpr int kCoarsestSide = 96;
   /// Longest side of the levels that have flat values.

@@ -1,70 +1,31 @@
-#include "TestSlices.h"
-#include "zx/ZxField3.h"
+#include "AlignMethodTest.h"
 #include "zx/ZxInterpreter.h"
-#include "zx/ZxModule.h"
-#include "zx/ZxObjectPool.h"
-#include "zx/ZxPackage.h"
-#include "zxalign/ZxAlignControl.h"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 
 namespace {
 
-/// The module with the plug-in, loaded as programs load them, and six slices: one made slice, and what it
-/// looks like when it is moved.
-class RobustAlignMethod : public testing::Test {
+/// Six slices: one made slice, and what it looks like when it is moved.
+class RobustAlignMethod : public AlignMethodTest {
 protected:
-  static constexpr int width = 203, height = 180, slices = 6;
+  static constexpr int slices = 6;
 
-  static void SetUpTestSuite()
-  {
-    const std::string entry[] = {"Robust", "registerRobust", PLUGIN};
-    const std::string list[] = {ZxInterpreter::makeList(entry)};
-    ZxInterpreter::getTheInterpreter().setVar(kZxAlignPlugInVariable, ZxInterpreter::makeList(list).c_str());
-    ASSERT_EQ(ZxPackage::load("zxalign"), "");
-  }
+  RobustAlignMethod() : AlignMethodTest("RobustAlignMethod", slices) {}
+  static void SetUpTestSuite() { load("Robust", "registerRobust", PLUGIN); }
 
   void SetUp() override
   {
-    m_module = McHandle<ZxCompModule>(
-        dynamic_cast<ZxCompModule*>(ZxObjectPool::getThePool().create("ZxAlignSlices")));
-    ASSERT_TRUE(m_module);
-    control = dynamic_cast<ZxAlignControl*>(m_module.get());
-    for (const ZxAlignControl::Method& method : control->methods())
-      if (method.name == "RobustAlignMethod") id = method.id;
-    ASSERT_GE(id, 4);
+    AlignMethodTest::SetUp();
     for (const auto& [name, value] :
          {std::pair{"flip", "off"}, std::pair{"neighbours", "1"}, std::pair{"rotation", "on"}})
       ASSERT_EQ(control->setSetting(name, value), "");
-    ZxLatticeShape shape;
-    shape.dims = {width, height, slices};
-    volume = ZxField3::create(ZxLattice3::create(shape));
     for (int k = 0; k < slices; ++k) fill(k, movedSlice(slice, 40.0 * k, 4.0 * k, -6.0 * k, 0));
-    m_module->portData.connect(volume.get());
-    m_module->fire();
-    ASSERT_EQ(control->numSlices(), slices);
-  }
-
-  void TearDown() override
-  {
-    m_module = {};
-    ZxObjectPool::getThePool().clear();
-  }
-
-  void fill(int k, const TestSlice& content)
-  {
-    auto* out = static_cast<unsigned char*>(volume->getLattice()->beginWrite(k));
-    std::copy(content.pixels.begin(), content.pixels.end(), out);
-    volume->getLattice()->endWrite(k);
+    connect();
   }
 
   static void expectTransform(const ZxAlignTransform& t, double degrees, double tx, double ty)
   {
-    EXPECT_LT(angleBetween(static_cast<double>(t.angleDegrees), degrees), 0.1) << t.angleDegrees;
-    EXPECT_NEAR(static_cast<double>(t.tx), tx, 0.2);
-    EXPECT_NEAR(static_cast<double>(t.ty), ty, 0.2);
+    AlignMethodTest::expectTransform(t, degrees, tx, ty, 0.1, 0.2);
   }
   void expectAligned(int k) const
   {
@@ -82,12 +43,6 @@ protected:
   }
 
   const TestSlice slice = madeSlice(width, height, 11);
-  ZxAlignControl* control = nullptr;
-  McHandle<ZxField3> volume;
-  int id = 0;
-
-private:
-  McHandle<ZxCompModule> m_module;
 };
 
 TEST_F(RobustAlignMethod, AlignsSlicesWhereverTheyLie)

@@ -73,6 +73,15 @@ TEST(RobustSearch, FindsRealSlicesAgainstThemselvesMoved)
   expectFound(ct, 0, 0.6); // a head is nearly symmetric
 }
 
+// Beyond the working size slices are reduced; ragged sizes show whether their centres stay where they are.
+TEST(RobustSearch, FindsSlicesLargerThanItsWorkingSize)
+{
+  const TestSlice slice = madeSlice(2307, 1801, 17), moved = movedSlice(slice, -63.5, 211.3, -90.8, 90);
+  const Pyramid large = pyramid(slice);
+  EXPECT_EQ(large.levels().front().width, 2307 / 2);
+  EXPECT_LT(errorOf(findMotion(large, pyramid(moved), {}), {-63.5, {211.3, -90.8}, false}, slice), 0.1);
+}
+
 // Gain, offset and illumination differ; nothing is left of equal grey values.
 TEST(RobustSearch, DoesNotMindOtherGreyValues)
 {
@@ -152,8 +161,48 @@ TEST(RobustSearch, IsUnsureWhereAnotherPositionFitsAsWell)
   for (int y = 0; y < 200; ++y)
     for (int x = 0; x < 200; ++x) grid.pixels.push_back(x % 20 < 6 || y % 20 < 6 ? 220 : 60);
   const Finding finding = findMotion(pyramid(grid), pyramid(movedSlice(grid, 0, 7, 4, 60)), {});
-  EXPECT_LT(finding.confidence, 0.5);
-  EXPECT_LT(finding.evidence.distinctness, 0.3);
+  EXPECT_LT(finding.confidence, 0.7); // the limit below which a pair is left is 0.75
+  EXPECT_LT(finding.evidence.distinctness, 0.1);
+}
+
+// A section that is nearly symmetric lies mirrored where that is not allowed: it would be forced upon the
+// other one.
+TEST(RobustSearch, IsUnsureOfASliceThatFitsBetterTurnedOver)
+{
+  const TestSlice other = madeSlice(205, 190, 21), turned = mirrored(other);
+  TestSlice section = other;
+  for (std::size_t i = 0; i < section.pixels.size(); ++i)
+    section.pixels[i] = static_cast<unsigned char>((other.pixels[i] * 65 + turned.pixels[i] * 35) / 100);
+  const TestSlice upright = movedSlice(section, 12, 9, -14, 90);
+  const Finding right = findMotion(pyramid(section), pyramid(upright), {});
+  EXPECT_LT(errorOf(right, {12, {9, -14}, false}, section), 0.2);
+  EXPECT_GT(right.confidence, 0.9);
+  const Finding wrong = findMotion(pyramid(section), pyramid(mirrored(upright)), {});
+  EXPECT_LT(wrong.confidence, 0.5);
+  EXPECT_EQ(weaknessOf(wrong.evidence), "it fits better when it is turned over");
+}
+
+// The contrast is on the left, so that growth by 3 % looks like a shift by a pixel and a half to the left
+// there.
+TEST(RobustSearch, TakesLessOfTheGrowthForAShift)
+{
+  const TestSlice tissue = madeSlice(220, 200, 31);
+  TestSlice slice = tissue, grown = tissue;
+  const auto at = [&](double x, double y) {
+    const int column = static_cast<int>(x), row = static_cast<int>(y);
+    const double fx = x - column, fy = y - row;
+    const unsigned char* p = &tissue.pixels[static_cast<std::size_t>(row * 220 + column)];
+    const double value = (p[0] * (1 - fx) + p[1] * fx) * (1 - fy) + (p[220] * (1 - fx) + p[221] * fx) * fy;
+    return 90 + (value - 90) * (x < 110 ? 1.0 : 0.35);
+  };
+  for (int y = 0; y < 200; ++y)
+    for (int x = 0; x < 220; ++x) {
+      const auto i = static_cast<std::size_t>(y * 220 + x);
+      slice.pixels[i] = static_cast<unsigned char>(at(std::min(x, 218), std::min(y, 198)));
+      grown.pixels[i] = static_cast<unsigned char>(at(110 + (x - 110) / 1.03, 100 + (y - 100) / 1.03));
+    }
+  const RigidMotion motion = refined(pyramid(slice), pyramid(grown), {}, true);
+  EXPECT_LT(std::abs(motion.shift.x), 1.0);
 }
 
 TEST(RobustSearch, StopsWhenItIsAskedTo)

@@ -1,17 +1,35 @@
 #include "zxalign/PairQualities.h"
 
+#include "zx/ZxParamBundle.h"
 #include "zx/ZxWorkArea.h"
+#include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignSlices.h"
 
 #include <QGuiApplication>
 
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 
 namespace {
 
 constexpr std::chrono::milliseconds watchInterval{200};
+
+/// The confidence with which a slice was matched with another one.
+std::optional<PairConfidence> confidenceOf(const ZxParamBundle& all, int slice, int other)
+{
+  char name[24];
+  std::snprintf(name, sizeof name, "slice%04d", slice);
+  const ZxParamBundle* own = all.findBundle(name);
+  PairConfidence confidence;
+  int reference = -1;
+  if (!own || !own->findNums("reference", 1, &reference) || reference != other ||
+      !own->findReals("confidence", 1, &confidence.value))
+    return std::nullopt;
+  own->findString("reason", confidence.reason);
+  return confidence;
+}
 
 } // namespace
 
@@ -55,8 +73,30 @@ void PairQualities::look()
     m_last = -1; // What was changed is near the present pair.
   }
   if (isOther) Q_EMIT reset();
+  lookAtConfidences();
   lookAtCurrent();
   computeNext();
+}
+
+bool PairQualities::hasConfidences() const noexcept
+{
+  return std::any_of(m_pairs.begin(), m_pairs.end(),
+                     [](const Pair& pair) { return pair.confidence.has_value(); });
+}
+
+void PairQualities::lookAtConfidences()
+{
+  const ZxParamBundle* parameters = count() > 0 ? m_module.sliceData().getParameters() : nullptr;
+  const ZxParamBundle* all = parameters ? parameters->findBundle("AlignConfidence") : nullptr;
+  for (int lower = 0; lower < count(); ++lower) {
+    std::optional<PairConfidence> now;
+    if (all) now = confidenceOf(*all, lower + 1, lower);
+    if (all && !now) now = confidenceOf(*all, lower, lower + 1);
+    Pair& pair = m_pairs[static_cast<std::size_t>(lower)];
+    if (pair.confidence == now) continue;
+    pair.confidence = std::move(now);
+    Q_EMIT changed(lower);
+  }
 }
 
 void PairQualities::lookAtCurrent()

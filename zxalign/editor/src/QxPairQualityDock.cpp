@@ -99,6 +99,7 @@ void QxPairQualityDock::showState()
   if (known < count) text += tr(" %1 of %2 pairs are up to date.").arg(known).arg(count);
   m_state->setText(text);
   m_worst->setEnabled(worst >= 0);
+  m_table->setColumnHidden(PairQualityModel::ConfidenceColumn, !m_qualities.hasConfidences());
 }
 
 void QxPairQualityDock::showCurrent(int lower)

@@ -7,9 +7,18 @@
 #include <QTimer>
 
 #include <optional>
+#include <string>
 #include <vector>
 
 class ZxAlignSlices;
+
+/// How sure an automatic method was of a pair when it matched it last.
+struct PairConfidence {
+  double value = 0.0; ///< 0 to 1
+  std::string reason; ///< why the pair was left as it was, a clause; empty when it was aligned
+
+  bool operator==(const PairConfidence&) const = default;
+};
 
 /// The quality of every pair of neighbouring slices of a module, computed in the background.
 ///
@@ -30,6 +39,14 @@ public:
   int count() const noexcept { return static_cast<int>(m_pairs.size()); }
   /// 0 to 1; the one before, while it is being computed anew; none before it is known.
   std::optional<float> quality(int lower) const { return m_pairs[static_cast<std::size_t>(lower)].quality; }
+  /// What a method has left in the input's parameters, bundle "AlignConfidence"; none where it has not said
+  /// so.
+  const std::optional<PairConfidence>& confidence(int lower) const
+  {
+    return m_pairs[static_cast<std::size_t>(lower)].confidence;
+  }
+  /// Whether there is a confidence of any pair.
+  bool hasConfidences() const noexcept;
   /// How many are known and up to date.
   int upToDate() const noexcept;
   /// The pair of lowest quality, the first of equal ones; -1 while none is known.
@@ -49,12 +66,14 @@ Q_SIGNALS:
 private:
   struct Pair {
     std::optional<float> quality;
+    std::optional<PairConfidence> confidence;
     PairQualityJob::Key key; // that the quality is of
     bool isUpToDate = false;
   };
 
   void look();
   void lookAtCurrent();
+  void lookAtConfidences();
   bool mayCompute() const;
   void computeNext();
   int nextOutdated() const;
