@@ -3,8 +3,8 @@
 #include "ByteStream.h"
 #include "FileError.h"
 #include "FormatNames.h"
-#include "io/ParameterJson.h"
 #include "SliceWriter.h"
+#include "io/ParameterJson.h"
 
 #include <algorithm>
 #include <cerrno>
