@@ -211,7 +211,10 @@ private:
       // A point of this row is left with its column. In another row the sum passes 127, which looks up a
       // zero.
       const auto inRow = hn::Xor(places, hn::Set(D8(), static_cast<std::uint8_t>(kPairBlock * r)));
-      const auto index = hn::SaturatedAdd(inRow, hn::Set(D8(), std::uint8_t{0x70}));
+      auto index = hn::SaturatedAdd(inRow, hn::Set(D8(), std::uint8_t{0x70}));
+#if !HWY_ARCH_X86
+      index = hn::And(index, hn::Set(D8(), std::uint8_t{0x8f})); // x86 does not look at these bits
+#endif
       pixels = hn::Or(pixels, hn::TableLookupBytesOr0(loadRows(bytes0, bytes1), index));
     }
     hn::StoreU(pixels, D8(), out);

@@ -9,8 +9,11 @@
 /// A set of mappings in fixed point. Look-ups take no memory and may be made by several threads at once.
 class MappingSet {
 public:
+  /// Empties the set; its memory stays.
   void clear();
+  /// Adds a mapping, one that is there already once. May take memory.
   void insert(const kernels::Affine16& mapping);
+  /// True when exactly this mapping is in the set.
   bool contains(const kernels::Affine16& mapping) const;
 
 private:

@@ -5,30 +5,31 @@
 #include <algorithm>
 #include <cstring>
 #include <exception>
+#include <new>
 #include <string>
 
 namespace io {
-namespace {
 
-/// Runs f for slice k. A failure becomes a sentence that names the slice beside the file, and false.
 template <class F>
-bool reported(int k, F f)
+bool FileVoxelSource::reported(int k, F f) const
 {
+  std::string reason;
   try {
     f();
     return true;
+  } catch (const std::bad_alloc&) {
+    reason = "there is not enough memory.";
   } catch (const std::exception& error) {
-    const std::string beginning = "Cannot read \"", text = error.what();
-    const std::string slice = "Cannot read slice " + std::to_string(k);
-    const bool namesFile = text.starts_with(beginning);
-    const std::string sentence =
-        namesFile ? slice + " from " + text.substr(beginning.size() - 1) : slice + ": " + text + '.';
-    ZxMessage::getTheMsg()->printf("%s", sentence.c_str());
-    return false;
+    reason = error.what();
   }
+  const std::string slice = "slice " + std::to_string(k) + " from ", beginning = "Cannot read ";
+  if (reason.starts_with(beginning + '"')) // The file that is meant may be one of several.
+    reason.insert(beginning.size(), slice);
+  else
+    reason = beginning + slice + '"' + m_name + "\": " + reason;
+  ZxMessage::getTheMsg()->printf("%s", reason.c_str());
+  return false;
 }
-
-} // namespace
 
 bool FileVoxelSource::readSlice(int k, void* dst)
 {

@@ -79,10 +79,10 @@ SliceCache::Slot* SliceCache::beginSlot(int k)
   return oldest;
 }
 
-void SliceCache::endSlot(Slot& slot, std::string error)
+void SliceCache::endSlot(Slot& slot, std::exception_ptr failure)
 {
-  slot.state = error.empty() ? State::Ready : State::Failed;
-  slot.error = std::move(error);
+  slot.state = failure ? State::Failed : State::Ready;
+  slot.failure = std::move(failure);
   m_changed.notify_all();
 }
 
@@ -122,14 +122,14 @@ void SliceCache::readAhead(const std::stop_token& stop)
 void SliceCache::fill(Slot& slot, std::unique_lock<std::mutex>& lock)
 {
   lock.unlock();
-  std::string error;
+  std::exception_ptr failure; // Keeping it takes no memory, of which there may be none left.
   try {
     readNow(slot.slice, slot.bytes.get());
-  } catch (const std::exception& failure) {
-    error = failure.what();
+  } catch (...) {
+    failure = std::current_exception();
   }
   lock.lock();
-  endSlot(slot, std::move(error));
+  endSlot(slot, std::move(failure));
 }
 
 void SliceCache::readNow(int k, void* dst)
@@ -159,7 +159,7 @@ bool SliceCache::copyHeld(int k, std::size_t offset, std::size_t bytes, void* ds
   if (!slot) return false;
   if (slot->state == State::Failed) {
     slot->state = State::Empty; // It is tried again when it is asked for again.
-    throw Error(slot->error);
+    std::rethrow_exception(std::exchange(slot->failure, nullptr));
   }
   slot->used = ++m_clock;
   if (!std::exchange(slot->wasAskedFor, true)) request(m_order.next(k));

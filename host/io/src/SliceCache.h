@@ -4,6 +4,7 @@
 
 #include <condition_variable>
 #include <cstddef>
+#include <exception>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -55,7 +56,7 @@ private:
     int pins = 0;                       ///< threads that copy from it
     std::uint64_t used = 0;             ///< the higher the later
     bool wasAskedFor = false;           ///< not only read ahead
-    std::string error;
+    std::exception_ptr failure;
   };
 
   /// Copies bytes of a slice that is in a slot, after waiting for one that is being read. False when it is in
@@ -77,7 +78,7 @@ private:
   Slot* find(int k) noexcept;
   /// A slot that may be filled anew, with its memory; null when all are in use.
   Slot* beginSlot(int k);
-  void endSlot(Slot& slot, std::string error);
+  void endSlot(Slot& slot, std::exception_ptr failure);
   void request(int k);
 
   std::unique_ptr<VolumeReader> m_reader;

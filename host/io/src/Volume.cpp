@@ -163,7 +163,7 @@ template <class Lattice>
 std::unique_ptr<Lattice> fileLattice(Input& input)
 {
   return std::make_unique<Lattice>(input.info.shape,
-                                   std::make_unique<FileVoxelSource>(std::move(input.reader)));
+                                   std::make_unique<FileVoxelSource>(std::move(input.reader), input.name));
 }
 
 /// A lattice ready for use. What is to be in memory is read now.
