@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -29,9 +30,12 @@ void Console::remarks()
 
 std::string Console::reason(const std::string& otherwise)
 {
-  std::string last = m_held.empty() ? otherwise : m_held.back();
+  // A sentence on what cannot be done gives the cause of what is said after it.
+  const auto cause = std::find_if(m_held.rbegin(), m_held.rend(),
+                                  [](const std::string& line) { return line.starts_with("Cannot "); });
+  std::string reason = m_held.empty() ? otherwise : cause != m_held.rend() ? *cause : m_held.back();
   m_held.clear();
-  return last;
+  return reason;
 }
 
 void Console::result(const std::string& line)

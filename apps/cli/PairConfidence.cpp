@@ -35,10 +35,11 @@ void passConfidence(const ZxParamBundle& from, ZxParamBundle& to)
 
 void forgetConfidence(ZxParamBundle& parameters) { parameters.remove(kBundle); }
 
-std::string describe(const PairConfidence& confidence)
+std::string describe(int slice, const PairConfidence& confidence)
 {
-  const std::string text = "confidence " + fixed(confidence.confidence, 2);
-  return confidence.reason.empty() ? text : text + ": " + confidence.reason;
+  const std::string text =
+      "confidence of slice " + std::to_string(slice) + ": " + fixed(confidence.confidence, 2);
+  return confidence.reason.empty() ? text : text + ", " + confidence.reason;
 }
 
 } // namespace cli

@@ -23,7 +23,8 @@ void passConfidence(const ZxParamBundle& from, ZxParamBundle& to);
 /// Forgets what was said about all slices.
 void forgetConfidence(ZxParamBundle& parameters);
 
-/// "confidence 0.97", or "confidence 0.12: another position fits nearly as well".
-std::string describe(const PairConfidence& confidence);
+/// "confidence of slice 8: 0.97", or "confidence of slice 8: 0.12, another position fits nearly as well".
+/// With several neighbours it is that of the slice against all of them.
+std::string describe(int slice, const PairConfidence& confidence);
 
 } // namespace cli

@@ -67,7 +67,7 @@ std::string QualityCommand::remarkOn(const ZxParamBundle& parameters, int lower)
     // What was said about a slice belongs to the pair with the slice that it was aligned to.
     const bool other = slice == lower ? confidence && confidence->reference > slice
                                       : confidence && confidence->reference < slice;
-    if (other) text += "  " + cli::describe(*confidence);
+    if (other) text += "  " + cli::describe(slice, *confidence);
   }
   return text;
 }

@@ -67,8 +67,8 @@ ZxDims ResampleCommand::tableDims(const ZxDims& dims) const
   const auto fits = [&](int ofTable, int ofInput) { return ofTable / enlargement == ofInput / reduction; };
   if (!fits(stated.width, dims.width) || !fits(stated.height, dims.height))
     throw Failure("The table " + m_transforms + " is for slices of " + std::to_string(stated.width) + " x " +
-                  std::to_string(stated.height) + " pixels, which are not " + m_scale.text() +
-                  " of those of " + m_input.name() + ".");
+                  std::to_string(stated.height) + " pixels, which is not " + m_scale.text() +
+                  " times the size of those of " + m_input.name() + ".");
   stated.slices = dims.slices;
   return stated;
 }

@@ -2,10 +2,12 @@
 
 #include "Text.h"
 #include "io/Error.h"
+#include "zx/ZxMessage.h"
 #include "zx/ZxTextTable.h"
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 
 namespace cli {
@@ -61,6 +63,11 @@ void checkStatedSize(const std::string& path, int width, int height)
   const std::string stated = statedSizeText(path), present = sizeText(width, height);
   if (!stated.empty() && stated != present)
     throw io::Error("The table " + path + " is for slices of " + stated + " pixels, not of " + present + ".");
+  if (stated.empty())
+    ZxMessage::getTheMsg()->printf(
+        "The table %s does not say for which slices it is; it is taken for slices of %s "
+        "pixels.",
+        path.c_str(), present.c_str());
 }
 
 } // namespace
@@ -104,6 +111,10 @@ ZxDims statedSize(const std::string& path)
 
 std::vector<ZxAlignTransform> readTransformTable(const std::string& path, int width, int height)
 {
+  std::error_code error;
+  if (const auto status = std::filesystem::status(path, error);
+      std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+    throw io::Error("The table " + path + " is no regular file.");
   if (width > 0) checkStatedSize(path, width, height);
   std::vector<ZxAlignTransform> transforms;
   const std::string problem = zxReadTable(path, kHeader, "transforms", [&](std::string_view row) {

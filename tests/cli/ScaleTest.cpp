@@ -117,7 +117,7 @@ TEST_F(Scale, ResamplesByATableOfSmallerSlices)
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.err.find(reason), std::string::npos) << outcome.err;
   };
-  refused("1/2", "12 x 9 pixels, which are not 1/2 of those of in.nrrd");
+  refused("1/2", "12 x 9 pixels, which is not 1/2 times the size of those of in.nrrd");
   refused("0.3", "--scale takes");
 }
 

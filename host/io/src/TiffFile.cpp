@@ -4,6 +4,7 @@
 #include "FileError.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <utility>
@@ -70,7 +71,11 @@ void TiffFile::forgetMessages() const noexcept { m_messages->error.clear(); }
 
 void TiffFile::fail(const std::string& reason) const
 {
-  const std::string text = m_messages->error.empty() ? reason : m_messages->error;
+  const int cause = errno;
+  std::string text = m_messages->error.empty() ? reason : m_messages->error;
+  // The library names the line that it could not write, but not why.
+  if (m_mode != Mode::Read && (cause == ENOSPC || cause == EDQUOT || cause == EFBIG))
+    text = std::strerror(cause);
   if (m_mode == Mode::Read) cannotRead(m_name, text);
   cannotWrite(m_name, text);
 }

@@ -24,7 +24,7 @@ has "$text" '^Distance from the truth: .* largest 0\.[0-9]+ px'
 has "$text" '^Accumulated over the stack: mean [0-9.]+ px, largest [0-9.]+ px'
 has "$(cat report.json)" '"confidence": (1\.0|0\.9)'
 has "$(cat report.json)" '"neighbours": "2"'
-has "$("$zxalign" quality aligned.nrrd)" '^slices 3 - 4 .* confidence (1\.00|0\.9)'
+has "$("$zxalign" quality aligned.nrrd)" '^slices 3 - 4 .* confidence of slice [34]: (1\.00|0\.9)'
 # Another method knows nothing of it, and nothing old stays.
 "$zxalign" align aligned.nrrd -o again.nrrd --method gravity --quiet
 ! "$zxalign" quality again.nrrd | grep -q confidence || fail "An old confidence is still there."
