@@ -59,8 +59,8 @@ SliceScale SliceScale::of(const std::string& text, const char* option)
   const std::optional<int> above = ratio ? wholeNumber(*ratio) : std::nullopt;
   const std::optional<int> below = ratio && *ratio > 0.0 ? wholeNumber(1.0 / *ratio) : std::nullopt;
   if (!above && !below)
-    throw Failure(std::string(option) +
-                  " takes one over a whole number (1/4, 0.25) or a whole number, not \"" + text + "\".");
+    throw Failure(std::string(option) + " takes one over a whole number up to " + std::to_string(kLargest) +
+                  " (1/4, 0.25) or such a number, not \"" + text + "\".");
   scale.m_enlargement = above.value_or(1);
   scale.m_reduction = below.value_or(1);
   return scale;
