@@ -53,7 +53,8 @@ private:
   void setOptions(AlignModule& module, const ZxLatticeShape& shape, Console& console) const;
   void setStart(AlignModule& module, const io::VolumeInfo& info) const;
   /// Takes over what a stopped run has finished. Returns the number of pairs.
-  int takeUp(AlignModule& module, const Stack& stack, PartialOutput& partial, Console& console) const;
+  int takeUp(AlignModule& module, const Stack& stack, const AlignReport& report, PartialOutput& partial,
+             Console& console) const;
   void align(AlignModule& module, int method, const Stack& stack, AlignReport& report, PartialOutput& partial,
              Console& console) const;
   void compareWithTruthTable(AlignReport& report) const;
