@@ -351,11 +351,11 @@ void AlignCommand::setOptions(AlignModule& module, const ZxLatticeShape& shape, 
   module.setWindow(windowValue(m_window[0]), windowValue(m_window[1]));
 }
 
-RunFacts AlignCommand::facts(AlignModule& module, const AlignReport& report) const
+RunFacts AlignCommand::facts(AlignModule& module, const io::VolumeInfo& info, const AlignReport& report) const
 {
   RunFacts facts = {
       {"the command", "align"}, {"the version", ZXALIGN_VERSION}, {"the method", report.method}};
-  m_input.addFacts(facts);
+  m_input.addFacts(info, facts);
   facts.emplace_back("--scale", report.scale);
   for (const ZxAlignSetting& setting : module.control().settings())
     facts.emplace_back(setting.name, module.control().getSetting(setting.name));
@@ -366,8 +366,12 @@ RunFacts AlignCommand::facts(AlignModule& module, const AlignReport& report) con
       {"--mask", m_mask}, {"--start-from", m_startFrom}, {"--landmarks", m_landmarks}};
   for (const auto& [option, path] : files) {
     facts.emplace_back(option, path);
-    addFileFacts(path, facts);
+    const bool isTable = path.empty() || hasEnding(path, ".csv");
+    addFileFacts(isTable ? std::vector<std::string>{path} : io::readInfo({path}).files, facts);
   }
+  for (const ZxAlignPlugIn& plugIn : module.control().plugIns())
+    for (const int method : plugIn.methods)
+      if (methodName(module.control(), method) == report.method) addFileFacts({plugIn.library}, facts);
   m_resample.addFacts(facts);
   return facts;
 }
@@ -541,7 +545,7 @@ void AlignCommand::run(Console& console)
     for (const McHandle<ZxField3>* field : {&stack.volume, &stack.compared})
       forgetConfidence((*field)->parameters());
     report.reference = m_reference.value_or(module.control().referenceSlice());
-    partial.describe(facts(module, report));
+    partial.describe(facts(module, info, report));
     report.seconds.reading = reading.seconds();
     align(module, method, stack, report, partial, console);
     applyAtFullSize(module, stack, report);
