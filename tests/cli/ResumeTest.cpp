@@ -190,6 +190,23 @@ TEST_F(Resume, RefusesWhatItWasNotStoppedWith)
   expectRefusal(with(align, {"--resume"}), "not what a stopped run has left");
 }
 
+TEST_F(Resume, KnowsItsInputsByTheirFiles)
+{
+  test::makePhantom(folder.file("in.nhdr"), 12, 200);
+  fs::rename(folder.file("in.raw"), folder.file("voxels.bin"));
+  std::string header = readFile(folder.file("in.nhdr"));
+  test::writeFile(folder.file("in.nhdr"), header.replace(header.find("in.raw"), 6, "voxels.bin"));
+  leaveStopped({"align", "in.nhdr", "-o", "a.nrrd"}, "a.nrrd.partial");
+  fs::last_write_time(folder.file("voxels.bin"), fs::file_time_type::clock::now());
+  expectRefusal({"align", "in.nhdr", "-o", "a.nrrd", "--resume"}, "voxels.bin has changed since");
+
+  fs::create_directory(folder.file("in"));
+  test::makePhantom(folder.file("in/%02d.tif"), 12, 200);
+  leaveStopped({"align", "in", "-o", "b.nrrd"}, "b.nrrd.partial");
+  test::writeFile(folder.file("in/log.txt"), "no slice");
+  expectRun({"align", "in", "-o", "b.nrrd", "--resume"});
+}
+
 TEST_F(Resume, KeepsWhatWasWrittenBeforeTheDiskWasFull)
 {
   test::makePhantom(folder.file("in.nrrd"), 5, 150);
