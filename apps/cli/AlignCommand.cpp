@@ -76,10 +76,21 @@ std::string helpOnMethods()
 }
 
 /// True when a method compares a slice with more than its neighbour: what it knows of the slices before is
-/// gone with the run that has found it.
-bool looksBeyondPairs(const ZxAlignControl& control)
+/// gone with the run that has found it. The methods of the package itself never do, whatever that setting is.
+bool looksBeyondPairs(const ZxAlignControl& control, const std::string& method)
 {
-  return parseInteger(control.getSetting("neighbours")).value_or(1) > 1;
+  return !isBuiltIn(method) && parseInteger(control.getSetting("neighbours")).value_or(1) > 1;
+}
+
+/// True when these are the first pairs of an alignment: from the reference slice upwards, then downwards.
+bool beginsAlignment(const std::vector<ZxAlignPairResult>& pairs, int reference, int slices)
+{
+  int slice = reference, side = +1;
+  return std::all_of(pairs.begin(), pairs.end(), [&](const ZxAlignPairResult& result) {
+    if (side > 0 && slice == slices - 1) slice = reference, side = -1;
+    slice += side;
+    return slice >= 0 && result.pair == ZxAlignPair{slice, slice - side, side};
+  });
 }
 
 } // namespace
@@ -340,11 +351,11 @@ void AlignCommand::setOptions(AlignModule& module, const ZxLatticeShape& shape, 
   module.setWindow(windowValue(m_window[0]), windowValue(m_window[1]));
 }
 
-RunFacts AlignCommand::facts(AlignModule& module, const AlignReport& report) const
+RunFacts AlignCommand::facts(AlignModule& module, const io::VolumeInfo& info, const AlignReport& report) const
 {
   RunFacts facts = {
       {"the command", "align"}, {"the version", ZXALIGN_VERSION}, {"the method", report.method}};
-  m_input.addFacts(facts);
+  m_input.addFacts(info, facts);
   facts.emplace_back("--scale", report.scale);
   for (const ZxAlignSetting& setting : module.control().settings())
     facts.emplace_back(setting.name, module.control().getSetting(setting.name));
@@ -355,27 +366,33 @@ RunFacts AlignCommand::facts(AlignModule& module, const AlignReport& report) con
       {"--mask", m_mask}, {"--start-from", m_startFrom}, {"--landmarks", m_landmarks}};
   for (const auto& [option, path] : files) {
     facts.emplace_back(option, path);
-    addFileFacts(path, facts);
+    const bool isTable = path.empty() || hasEnding(path, ".csv");
+    addFileFacts(isTable ? std::vector<std::string>{path} : io::readInfo({path}).files, facts);
   }
+  for (const ZxAlignPlugIn& plugIn : module.control().plugIns())
+    for (const int method : plugIn.methods)
+      if (methodName(module.control(), method) == report.method) addFileFacts({plugIn.library}, facts);
   m_resample.addFacts(facts);
   return facts;
 }
 
-int AlignCommand::takeUp(AlignModule& module, const Stack& stack, PartialOutput& partial,
-                         Console& console) const
+int AlignCommand::takeUp(AlignModule& module, const Stack& stack, const AlignReport& report,
+                         PartialOutput& partial, Console& console) const
 {
   ZxAlignControl& control = module.control();
   const RunState& state = partial.state();
   const auto pairs = static_cast<int>(state.pairs.size());
   if (pairs == 0) return 0;
+  const Failure damage("What is kept of the stopped run in " + PartialOutput::nameFor(m_output) +
+                       " is damaged; leave out --resume to start anew.");
+  if (!beginsAlignment(state.pairs, report.reference, control.numSlices())) throw damage;
   const bool isWhole = pairs == control.numSlices() - 1;
-  if (!isWhole && (!state.pairsAlone || looksBeyondPairs(control))) {
+  if (!isWhole && (!state.pairsAlone || looksBeyondPairs(control, report.method))) {
     console.remark("The method looks at more than a pair at a time: all pairs are aligned again.");
     partial.forgetPairs();
     return 0;
   }
-  if (!control.setTransforms(state.transforms))
-    throw Failure("What is kept of the stopped run is damaged; leave out --resume to start anew.");
+  if (!control.setTransforms(state.transforms)) throw damage;
   stack.compared->parameters() = state.parameters;
   if (state.changesParameters) stack.compared->touch();
   return pairs;
@@ -387,16 +404,16 @@ void AlignCommand::align(AlignModule& module, int method, const Stack& stack, Al
   ZxAlignControl& control = module.control();
   const int total = control.numSlices() - 1;
   const Stopwatch watch;
-  const int before = report.pairsBefore = takeUp(module, stack, partial, console);
+  const int before = report.pairsBefore = takeUp(module, stack, report, partial, console);
   const int done =
       before + control.alignRest(before, method, report.reference, [&](const ZxAlignPairResult& pair) {
         partial.pairDone(pair, control.transforms(), *stack.compared);
       });
   report.seconds.aligning = watch.seconds();
+  partial.alignmentDone();
   if (ZxWorkArea::getTheWorkArea()->wasInterrupted())
     throw Stopped("Stopped after " + std::to_string(done) + " of " + std::to_string(total) + " pairs");
   if (done < total) throw Failure(console.reason("The stack could not be aligned."));
-  partial.alignmentDone();
   report.pairs = partial.state().pairs;
   report.transforms = control.transforms();
   for (const ZxAlignPairResult& pair : report.pairs)
@@ -528,7 +545,7 @@ void AlignCommand::run(Console& console)
     for (const McHandle<ZxField3>* field : {&stack.volume, &stack.compared})
       forgetConfidence((*field)->parameters());
     report.reference = m_reference.value_or(module.control().referenceSlice());
-    partial.describe(facts(module, report));
+    partial.describe(facts(module, info, report));
     report.seconds.reading = reading.seconds();
     align(module, method, stack, report, partial, console);
     applyAtFullSize(module, stack, report);

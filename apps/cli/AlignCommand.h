@@ -49,11 +49,12 @@ private:
   void connectMask(AlignModule& module, Stack& stack) const;
   /// Goes back to the volume with what has been found on reduced slices.
   void applyAtFullSize(AlignModule& module, const Stack& stack, AlignReport& report) const;
-  RunFacts facts(AlignModule& module, const AlignReport& report) const;
+  RunFacts facts(AlignModule& module, const io::VolumeInfo& info, const AlignReport& report) const;
   void setOptions(AlignModule& module, const ZxLatticeShape& shape, Console& console) const;
   void setStart(AlignModule& module, const io::VolumeInfo& info) const;
   /// Takes over what a stopped run has finished. Returns the number of pairs.
-  int takeUp(AlignModule& module, const Stack& stack, PartialOutput& partial, Console& console) const;
+  int takeUp(AlignModule& module, const Stack& stack, const AlignReport& report, PartialOutput& partial,
+             Console& console) const;
   void align(AlignModule& module, int method, const Stack& stack, AlignReport& report, PartialOutput& partial,
              Console& console) const;
   void compareWithTruthTable(AlignReport& report) const;

@@ -37,10 +37,10 @@ McHandle<ZxField3> InputOptions::open() const
   return io::openVolume(m_paths, readOptions());
 }
 
-void InputOptions::addFacts(RunFacts& facts) const
+void InputOptions::addFacts(const io::VolumeInfo& info, RunFacts& facts) const
 {
   facts.emplace_back("--pad", m_pad ? "on" : "off");
-  for (const std::string& path : m_paths) addFileFacts(path, facts);
+  addFileFacts(info.files, facts);
 }
 
 std::string typeName(const ZxLatticeShape& shape)

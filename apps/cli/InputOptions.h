@@ -25,8 +25,8 @@ public:
   io::VolumeInfo info() const;
   /// The volume with its voxels left in their files where that is possible.
   McHandle<ZxField3> open() const;
-  /// Adds what decides about the volume that is read.
-  void addFacts(RunFacts& facts) const;
+  /// Adds what decides about the volume that is read, of which info() has told.
+  void addFacts(const io::VolumeInfo& info, RunFacts& facts) const;
 
 private:
   std::vector<std::string> m_paths;

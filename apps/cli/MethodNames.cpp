@@ -10,12 +10,13 @@ namespace {
 struct ShortName {
   const char* text;
   const char* registered;
+  bool isBuiltIn = true;
 };
 constexpr ShortName kShortNames[] = {{"gravity", "CenterAlignMethod"},
                                      {"least-squares", "OptimizeAlignMethod"},
                                      {"landmarks", "LandmarkAlignMethod"},
                                      {"edges", "EdgeDetectionAlignMethod"},
-                                     {"robust", "RobustAlignMethod"}};
+                                     {"robust", "RobustAlignMethod", false}};
 
 std::string shortNameOf(const ZxAlignControl::Method& method)
 {
@@ -44,6 +45,12 @@ std::string methodName(const ZxAlignControl& control, int id)
   for (const ZxAlignControl::Method& method : control.methods())
     if (method.id == id) return shortNameOf(method);
   return std::to_string(id);
+}
+
+bool isBuiltIn(const std::string& name)
+{
+  return std::any_of(std::begin(kShortNames), std::end(kShortNames),
+                     [&](const ShortName& known) { return known.isBuiltIn && name == known.text; });
 }
 
 int findMethod(const ZxAlignControl& control, const std::string& text)

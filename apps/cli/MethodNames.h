@@ -13,6 +13,9 @@ int findMethod(const ZxAlignControl& control, const std::string& text);
 /// The short name of a method, or the registered one where it has none.
 std::string methodName(const ZxAlignControl& control, int id);
 
+/// True for the name that methodName() gives to a method of the package itself, false for one of a plug-in.
+bool isBuiltIn(const std::string& name);
+
 /// All of them in the order of registration: "least-squares (1), MyMethod (4)".
 std::string methodList(const ZxAlignControl& control);
 

@@ -67,6 +67,12 @@ bool isSliceFile(const std::string& path)
                      [&](std::string_view ending) { return hasEnding(path, ending); });
 }
 
+/// True when a path is the folder or lies below it, both as uniquePath() gives them.
+bool liesIn(const fs::path& path, const fs::path& folder)
+{
+  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first == folder.end();
+}
+
 std::string writeFailure(const std::string& path, const std::string& reason)
 {
   return "Cannot write \"" + path + "\": " + reason + ".";
@@ -94,8 +100,8 @@ fs::path makeStagingFolder(const fs::path& parent, const std::string& target)
 }
 
 /// Puts what has grown in a folder on the disk, so that nothing is replaced by what a power failure would
-/// take away. A full disk may show here.
-void flush(const fs::path& folder)
+/// take away. A full disk may show here. Sentences name the files in the folder that they are to be moved to.
+void flush(const fs::path& folder, const fs::path& target)
 {
   // One call for the whole file system is much faster than one for each of hundreds of slices.
   constexpr std::ptrdiff_t few = 8;
@@ -107,7 +113,8 @@ void flush(const fs::path& folder)
     const bool isDone = file >= 0 && (isFew ? fsync(file) : syncfs(file)) == 0;
     const std::string reason = isDone ? "" : std::strerror(errno);
     if (file >= 0) close(file);
-    if (!isDone) throw Failure(writeFailure(entry.path().filename().string(), reason));
+    if (!isDone)
+      throw Failure(writeFailure((target / fs::relative(entry.path(), folder)).lexically_normal(), reason));
     if (!isFew) return;
   }
 }
@@ -143,7 +150,26 @@ void OutputFiles::refuseTwice(const std::string& path)
   const fs::path name = uniquePath(path);
   if (std::find(m_announced.begin(), m_announced.end(), name) != m_announced.end())
     throw Failure(writeFailure(path, "two outputs have this name"));
+  for (const fs::path& folder : m_kept)
+    if (liesIn(name, folder))
+      throw Failure(writeFailure(path, folder.filename().string() + " is removed when the work is done"));
   m_announced.push_back(name);
+}
+
+void OutputFiles::announceFolder(const std::string& path)
+{
+  refuseTwice(path);
+  const fs::path folder = uniquePath(path);
+  for (const ProtectedInput& input : m_inputs)
+    if (liesIn(input.path, folder)) throw Failure(writeFailure(path, "an input is in it"));
+  m_kept.push_back(folder);
+}
+
+fs::path OutputFiles::stagingParentOf(const std::string& path)
+{
+  // A folder of slices that is there may be another disk than the one above it.
+  std::error_code ignored;
+  return path.ends_with('/') && fs::is_directory(path, ignored) ? fs::path(path) : folderOf(path);
 }
 
 void OutputFiles::refuseForeignData(const std::string& path)
@@ -215,8 +241,7 @@ void OutputFiles::announceFile(const std::string& path)
 
 void OutputFiles::write(const std::string& path, const std::function<void(const std::string&)>& writer)
 {
-  const fs::path folder = folderOf(path);
-  m_staged.push_back({makeStagingFolder(folder, path), folder, parametersOf(path)});
+  m_staged.push_back({makeStagingFolder(stagingParentOf(path), path), folderOf(path), parametersOf(path)});
   writeStaged(path, writer);
 }
 
@@ -246,7 +271,14 @@ void OutputFiles::commit()
 {
   // What was written whole is on the disk already.
   for (const Staged& s : m_staged)
-    if (!s.isOurs) flush(s.folder);
+    if (!s.isOurs) flush(s.folder, s.target);
+  // What replaces an input comes last: when something else cannot be moved the work can be done once more.
+  const auto keepsInputs = [&](const Staged& s) {
+    return std::none_of(m_inputs.begin(), m_inputs.end(), [&](const ProtectedInput& input) {
+      return uniquePath(s.target) == input.path.parent_path() && fs::exists(s.folder / input.path.filename());
+    });
+  };
+  std::stable_partition(m_staged.begin(), m_staged.end(), keepsInputs);
   std::string done;
   for (const Staged& s : m_staged) {
     // Parameters of what is replaced do not belong to what replaces it.

@@ -31,9 +31,11 @@ public:
 
   /// Announces a volume, its name as io::writeVolume() takes it. Throws Failure when it cannot be written.
   void announceVolume(const std::string& path, const ZxLatticeShape& shape);
-  /// Announces the folder of what is kept of a volume when the command is stopped: no output may have that
-  /// name. Throws Failure.
-  void announceFolder(const std::string& path) { refuseTwice(path); }
+  /// Announces the folder of what is kept of a volume when the command is stopped, which is removed in the
+  /// end: no input and no output may be that folder or lie in it. Throws Failure.
+  void announceFolder(const std::string& path);
+  /// The folder that an output is written in before it is moved into place: one of the same disk.
+  static std::filesystem::path stagingParentOf(const std::string& path);
   /// Announces a plain file. Throws Failure.
   void announceFile(const std::string& path);
 
@@ -67,6 +69,7 @@ private:
 
   std::vector<ProtectedInput> m_inputs;
   std::vector<std::filesystem::path> m_announced;
+  std::vector<std::filesystem::path> m_kept; ///< announced folders, out of bounds for other outputs
   std::vector<Staged> m_staged;
 };
 

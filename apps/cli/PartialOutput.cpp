@@ -2,7 +2,9 @@
 
 #include "Console.h"
 #include "Failure.h"
+#include "OutputFiles.h"
 #include "io/Error.h"
+#include "zx/ZxTerminalWorkArea.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -41,12 +43,13 @@ std::string contentsOf(const fs::path& path)
   throw Failure("Cannot write \"" + path.string() + "\": " + std::strerror(errno) + ".");
 }
 
-/// Writes a file beside its target and renames it into place, on the disk before that.
-void writeAtomically(const std::string& text, const fs::path& path)
+/// Writes a file beside its target and renames it into place, on the disk before that. Sentences call
+/// it by the name that the user knows.
+void writeAtomically(const std::string& text, const fs::path& path, const fs::path& name)
 {
   const std::string beside = path.string() + ".new";
   std::FILE* file = std::fopen(beside.c_str(), "wb");
-  if (!file) cannotWrite(path);
+  if (!file) cannotWrite(name);
   bool whole = std::fwrite(text.data(), 1, text.size(), file) == text.size();
   whole = std::fflush(file) == 0 && whole;
   whole = fsync(fileno(file)) == 0 && whole;
@@ -55,7 +58,7 @@ void writeAtomically(const std::string& text, const fs::path& path)
   const int reason = errno;
   std::remove(beside.c_str());
   errno = reason;
-  cannotWrite(path);
+  cannotWrite(name);
 }
 
 dev_t diskOf(const fs::path& folder)
@@ -78,9 +81,25 @@ public:
   Lock& operator=(const Lock&) = delete;
   /// False when another process has it; file systems without locks let everybody in.
   bool isOurs() const { return m_file < 0 || flock(m_file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
+  /// True when the folder of this lock is the one that stands there now.
+  bool isOf(const fs::path& folder) const
+  {
+    struct stat mine {
+    }, there{};
+    return m_file >= 0 && fstat(m_file, &mine) == 0 && stat(folder.c_str(), &there) == 0 &&
+           mine.st_dev == there.st_dev && mine.st_ino == there.st_ino;
+  }
+  /// True when the folder of this lock is gone from there; false when there was none to lock.
+  bool isOfAnotherThan(const fs::path& folder) const { return m_file >= 0 && !isOf(folder); }
 
 private:
   int m_file;
+};
+
+/// Another run, or the user, has put something where this run keeps its work.
+class PartialOutput::Conflict : public Failure {
+public:
+  using Failure::Failure;
 };
 
 std::string PartialOutput::nameFor(const std::string& output) { return withoutSlash(output) + ".partial"; }
@@ -101,17 +120,21 @@ void PartialOutput::lookAt(Start start, Console& console)
     return;
   }
   auto lock = std::make_unique<Lock>(m_folder);
-  if (!lock->isOurs()) throw Failure("Another run is at work in " + m_name + ".");
+  // Whoever had the lock before may have removed or replaced the folder since it was opened.
+  if (!lock->isOurs() || lock->isOfAnotherThan(m_folder))
+    throw Failure("Another run is at work in " + m_name + ".");
   std::optional<RunState> state = stateOf(contentsOf(m_folder / kState));
   if (!state)
     throw Failure(m_name + " is there and not what a stopped run has left; move it away or choose another "
                            "output.");
+  // The lock stays until the end also where the folder is to be replaced: nobody takes it up meanwhile.
+  m_lock = std::move(lock);
   if (start == Start::Anew) {
     console.remark(m_name + " of a stopped run, which --resume would take up, is replaced.");
     return;
   }
   m_state = std::move(*state);
-  m_lock = std::move(lock);
+  m_pairsOnDisk = m_state.pairs.size();
   m_isOurs = m_isWritten = true;
 }
 
@@ -158,17 +181,19 @@ void PartialOutput::pairDone(const ZxAlignPairResult& pair, std::vector<ZxAlignT
   m_nextWrite = Clock::now() + std::max<Clock::duration>(std::chrono::seconds(1), 20 * taken);
 }
 
-void PartialOutput::alignmentDone() noexcept
+void PartialOutput::alignmentDone()
 {
   if (!m_isWritten) writeQuietly();
   m_data = nullptr;
+  if (!m_conflict.empty()) throw Conflict(m_conflict);
 }
 
 fs::path PartialOutput::growingFolder(const char* name, const std::string& path)
 {
-  const bool onOneDisk = diskOf(m_folder.parent_path()) == diskOf(fs::path(withoutSlash(path)).parent_path());
   // Slices without the state that they belong to would be of no use.
-  if (!onOneDisk || (!m_isWritten && !writeQuietly())) return {};
+  const bool isKept = m_isWritten || writeQuietly();
+  if (!m_conflict.empty()) throw Conflict(m_conflict);
+  if (!isKept || diskOf(m_folder) != diskOf(OutputFiles::stagingParentOf(path))) return {};
   const fs::path folder = m_folder / name;
   std::error_code error;
   fs::create_directory(folder, error);
@@ -184,11 +209,11 @@ void PartialOutput::hold()
   if (!mkdtemp(hidden.data())) cannotWrite(m_folder);
   std::error_code error;
   try {
-    writeAtomically(stateText(m_state), fs::path(hidden) / kState);
-    m_lock = std::make_unique<Lock>(hidden);
-    m_lock->isOurs();
-    fs::remove_all(m_folder); // what an earlier stopped run has left; lookAt() has seen to that
-    fs::rename(hidden, m_folder);
+    writeAtomically(stateText(m_state), fs::path(hidden) / kState, m_folder / kState);
+    auto lock = std::make_unique<Lock>(hidden);
+    lock->isOurs();
+    publish(hidden);
+    m_lock = std::move(lock);
   } catch (...) {
     fs::remove_all(hidden, error);
     throw;
@@ -200,17 +225,43 @@ void PartialOutput::hold()
   m_isOurs = true;
 }
 
+void PartialOutput::publish(const std::string& hidden)
+{
+  // What an earlier stopped run has left gives way as long as it is what lookAt() has seen; nothing else
+  // does.
+  const bool replaces = m_lock && m_lock->isOf(m_folder);
+  const auto move = [&](unsigned int how) {
+    return renameat2(AT_FDCWD, hidden.c_str(), AT_FDCWD, m_folder.c_str(), how) == 0;
+  };
+  std::error_code ignored;
+  if (move(replaces ? RENAME_EXCHANGE : RENAME_NOREPLACE)) {
+    if (replaces) fs::remove_all(hidden, ignored);
+    return;
+  }
+  if (errno == EINVAL || errno == ENOSYS) {
+    // The file system knows plain renaming only, which replaces no folder that holds anything.
+    if (replaces) fs::remove_all(m_folder);
+    if (move(0)) return;
+  }
+  if (errno != EEXIST && errno != ENOTEMPTY && errno != ENOTDIR) cannotWrite(m_folder);
+  throw Conflict(Lock(m_folder).isOurs() ? m_name + " has come into being since this run began; move it away "
+                                                    "or choose another output."
+                                         : "Another run is at work in " + m_name + ".");
+}
+
 void PartialOutput::write()
 {
+  if (!m_conflict.empty()) throw Conflict(m_conflict);
   if (m_data) {
     m_state.parameters = m_data->parameters();
     m_state.changesParameters = m_data->isUnsaved();
   }
   if (m_isOurs)
-    writeAtomically(stateText(m_state), m_folder / kState);
+    writeAtomically(stateText(m_state), m_folder / kState, m_folder / kState);
   else
     hold();
   m_isWritten = true;
+  m_pairsOnDisk = m_state.pairs.size();
 }
 
 bool PartialOutput::writeQuietly() noexcept
@@ -218,16 +269,24 @@ bool PartialOutput::writeQuietly() noexcept
   try {
     write();
     return true;
-  } catch (const std::exception&) {
-    return false; // What is on the disk from before stays; the next attempt may have more luck.
+  } catch (const Conflict& conflict) {
+    m_conflict = conflict.what();
+    ZxTerminalWorkArea::interrupt();
+  } catch (const std::exception& error) {
+    m_problem = error.what(); // What is on the disk from before stays; the next attempt may have more luck.
   }
+  return false;
 }
 
 std::string PartialOutput::tail(bool stopped) noexcept
 {
   // Without pairs and slices there is nothing that would not come again at once.
   const bool hasWork = !m_state.pairs.empty() || m_hasSlices || m_resumes;
-  if (hasWork && !m_isWritten) writeQuietly();
+  const bool isWhole = !hasWork || m_isWritten || writeQuietly();
+  if (!isWhole && !m_isOurs) return "; what is done could not be kept: " + (m_problem + m_conflict);
+  if (!isWhole)
+    return "; " + std::to_string(m_pairsOnDisk) + " of " + std::to_string(m_state.pairs.size()) +
+           " finished pairs are kept in " + m_name + ", and --resume takes them up: " + m_problem;
   if (hasWork && m_isOurs && (stopped || m_hasProgress))
     return "; what is done is kept in " + m_name + ", and --resume takes it up.";
   if (m_isOurs && !hasWork) remove();
@@ -245,6 +304,8 @@ void PartialOutput::guard(const std::function<void()>& work)
   };
   try {
     return work();
+  } catch (const Conflict&) {
+    throw;
   } catch (const Stopped& reason) {
     sentence = reason.what();
     stopped = true;
@@ -264,7 +325,8 @@ void PartialOutput::guard(const std::function<void()>& work)
 void PartialOutput::remove() noexcept
 {
   std::error_code ignored;
-  if (m_isOurs) fs::remove_all(m_folder, ignored);
+  // Also what this run was to replace and had no need to.
+  if (m_lock && m_lock->isOf(m_folder)) fs::remove_all(m_folder, ignored);
   m_isOurs = m_isWritten = false;
   m_lock.reset();
 }

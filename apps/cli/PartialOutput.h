@@ -16,7 +16,8 @@ class Console;
 ///
 /// It holds state.json (RunState) and the volumes as far as they have been written. It comes into being when
 /// something is finished, takes the place of what an earlier stopped run has left, and is gone when the run
-/// is at its end. One process at a time holds it.
+/// is at its end. One process at a time holds it; who finds at that moment that another one has come first
+/// ends with a failure.
 class PartialOutput {
 public:
   enum class Start { Anew, Resume };
@@ -38,13 +39,15 @@ public:
   /// Forgets the finished pairs.
   void forgetPairs();
   /// A pair is finished, with the transforms of all slices after it. The data's parameters are kept with it;
-  /// they are borrowed until the alignment ends. Written to the disk about once a second.
+  /// they are borrowed until the alignment ends. Written to the disk about once a second. Stops the work
+  /// when the place turns out to be another run's: alignmentDone() then throws.
   void pairDone(const ZxAlignPairResult& pair, std::vector<ZxAlignTransform> transforms, const ZxData& data);
-  /// The alignment is at its end: writes the state to the disk.
-  void alignmentDone() noexcept;
+  /// The alignment has ended, however: writes the state to the disk. Throws Failure when that is another
+  /// run's by now.
+  void alignmentDone();
 
   /// A folder of this one for a volume to grow in that is to lie under the path. Empty when it could not be
-  /// moved there from here, or nothing can be kept here.
+  /// moved there from here, or nothing can be kept here. Throws Failure when the place is another run's.
   std::filesystem::path growingFolder(const char* name, const std::string& path);
   /// A slice of a volume has been written.
   void sliceDone() noexcept { m_hasSlices = m_hasProgress = true; }
@@ -58,8 +61,10 @@ public:
 
 private:
   class Lock;
+  class Conflict;
   void lookAt(Start start, Console& console);
   void hold();
+  void publish(const std::string& hidden);
   void write();
   bool writeQuietly() noexcept;
   std::string tail(bool stopped) noexcept;
@@ -68,10 +73,13 @@ private:
   std::string m_name; ///< of the folder, for sentences
   RunState m_state;
   const ZxData* m_data = nullptr;
-  std::unique_ptr<Lock> m_lock;
+  std::unique_ptr<Lock> m_lock; ///< of the folder of this run, or of the one that it is going to replace
   bool m_resumes = false;
   bool m_isOurs = false;    ///< the folder on the disk is that of this run
   bool m_isWritten = false; ///< its state is the present one
+  std::size_t m_pairsOnDisk = 0;
+  std::string m_problem;  ///< why the last writing failed
+  std::string m_conflict; ///< why the place is not ours; empty when it is
   bool m_hasSlices = false;
   bool m_hasProgress = false; ///< this run has finished something
   std::chrono::steady_clock::time_point m_nextWrite{};

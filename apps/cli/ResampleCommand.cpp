@@ -91,12 +91,12 @@ void ResampleCommand::applyTable(AlignModule& module, const ZxDims& dims) const
                   " slices, but " + m_input.name() + " has " + std::to_string(dims.slices) + ".");
 }
 
-RunFacts ResampleCommand::facts() const
+RunFacts ResampleCommand::facts(const io::VolumeInfo& info) const
 {
   RunFacts facts = {{"the command", "resample"}, {"the version", ZXALIGN_VERSION}};
-  m_input.addFacts(facts);
+  m_input.addFacts(info, facts);
   facts.emplace_back("--transforms", m_transforms);
-  addFileFacts(m_transforms, facts);
+  addFileFacts({m_transforms}, facts);
   facts.emplace_back("--scale", m_scale.text());
   m_resample.addFacts(facts);
   return facts;
@@ -132,7 +132,7 @@ void ResampleCommand::run(Console& console)
     applyTable(module, info.shape.dims);
     m_resample.prepare(module, info.shape);
     m_resample.settle(module, info.shape);
-    partial.describe(facts());
+    partial.describe(facts(info));
     console.remarks();
     dims = module.alignedVolume()->getLattice()->getDims();
     write(module, files, partial, console);

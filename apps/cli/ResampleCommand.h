@@ -26,7 +26,7 @@ private:
   /// The size of the slices that the table was made on.
   ZxDims tableDims(const ZxDims& dims) const;
   void applyTable(AlignModule& module, const ZxDims& dims) const;
-  RunFacts facts() const;
+  RunFacts facts(const io::VolumeInfo& info) const;
   void write(AlignModule& module, OutputFiles& files, PartialOutput& partial, Console& console) const;
 
   InputOptions m_input;

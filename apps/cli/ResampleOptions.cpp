@@ -96,7 +96,7 @@ void ResampleOptions::addFacts(RunFacts& facts) const
   facts.emplace_back("--interpolation", m_interpolation);
   facts.emplace_back("--labels", m_labels);
   facts.emplace_back("--labels-out", m_labelsOutput);
-  if (hasLabels()) addFileFacts(m_labels, facts);
+  if (hasLabels()) addFileFacts(io::readInfo({m_labels}).files, facts);
 }
 
 void ResampleOptions::prepare(AlignModule& module, const ZxLatticeShape& input)

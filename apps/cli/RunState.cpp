@@ -1,18 +1,14 @@
 #include "RunState.h"
 
-#include "Text.h"
 #include "io/Error.h"
 #include "io/ParameterJson.h"
 
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <initializer_list>
 #include <nlohmann/json.hpp>
 
 namespace cli {
-namespace fs = std::filesystem;
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -78,22 +74,9 @@ RunState stateOf(const Json& json)
 
 } // namespace
 
-void addFileFacts(const std::string& path, RunFacts& facts)
+void addFileFacts(const std::vector<std::string>& files, RunFacts& facts)
 {
-  std::error_code error;
-  if (fs::is_directory(path, error)) {
-    std::vector<std::string> files;
-    for (fs::directory_iterator it(path, error), end; !error && it != end; it.increment(error))
-      files.push_back(it->path().string());
-    std::sort(files.begin(), files.end());
-    for (const std::string& file : files) addFile(file, facts);
-    return;
-  }
-  addFile(path, facts);
-  addFile(path + ".params.json", facts);
-  if (!hasEnding(path, ".nhdr") && !hasEnding(path, ".mhd")) return;
-  for (const char* ending : {".raw", ".raw.gz", ".zraw"})
-    addFile(fs::path(path).replace_extension(ending).string(), facts);
+  for (const std::string& file : files) addFile(file, facts);
 }
 
 std::string differenceOf(const RunFacts& there, const RunFacts& here)
@@ -109,7 +92,7 @@ std::string differenceOf(const RunFacts& there, const RunFacts& here)
     if (before.empty()) return file + " was no input of it";
     return now.empty() ? file + " is no input now" : file + " has changed since";
   }
-  return {};
+  return there == here ? "" : "its inputs are in another order";
 }
 
 std::string stateText(const RunState& state)

@@ -14,11 +14,12 @@ namespace cli {
 /// runs of equal facts give the same files.
 using RunFacts = std::vector<std::pair<std::string, std::string>>;
 
-/// Adds what tells a file from another one of its name: size and time of change. Of a folder every file in
-/// it, and with a volume the files of its voxels and parameters beside it. Nothing for an empty path.
-void addFileFacts(const std::string& path, RunFacts& facts);
+/// Adds what tells each file from another one of its name: size and time of change. Nothing for what is no
+/// file.
+void addFileFacts(const std::vector<std::string>& files, RunFacts& facts);
 
-/// Empty when the facts are equal, else what differs: "iterations is 20 there and 10 here".
+/// Empty when the facts are equal and in the same order, else what differs: "iterations is 20 there and 10
+/// here".
 std::string differenceOf(const RunFacts& there, const RunFacts& here);
 
 /// How far an alignment run has come: what it takes to go on.

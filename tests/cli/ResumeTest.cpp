@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <csignal>
 #include <filesystem>
 #include <nlohmann/json.hpp>
@@ -33,6 +35,14 @@ std::uintmax_t sizeOf(const fs::path& folder)
   return bytes;
 }
 
+/// True when some process holds the lock of a folder.
+bool isLocked(const fs::path& folder)
+{
+  struct stat about {};
+  if (stat(folder.c_str(), &about) != 0) return false;
+  return readFile("/proc/locks").find(":" + std::to_string(about.st_ino) + " ") != std::string::npos;
+}
+
 /// Stops runs in the middle and takes them up.
 class Resume : public testing::Test {
 protected:
@@ -51,6 +61,13 @@ protected:
     EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
     EXPECT_EQ(folder.contents(), before);
     return outcome;
+  }
+  /// Leaves what a stopped run of a command keeps.
+  void leaveStopped(const Arguments& arguments, const std::string& partial)
+  {
+    const Outcome stopped = test::runUntil(
+        {arguments, {}, folder.path()}, [&] { return fs::exists(folder.file(partial)); }, SIGTERM);
+    ASSERT_EQ(stopped.status, 130) << stopped.err;
   }
   /// All that stands in a folder, without what depends on the clock.
   std::map<std::string, std::string> filesOf(const std::string& name)
@@ -155,9 +172,7 @@ TEST_F(Resume, RefusesWhatItWasNotStoppedWith)
   const Arguments align = {"align", "in.nrrd", "-o", "a.nrrd"};
   expectRefusal(with(align, {"--resume"}), "nothing to resume: a.nrrd.partial does not exist");
   const std::string partial = folder.file("a.nrrd.partial");
-  const Outcome stopped = test::runUntil(
-      {align, {}, folder.path()}, [&] { return fs::exists(partial); }, SIGTERM);
-  ASSERT_EQ(stopped.status, 130) << stopped.err;
+  leaveStopped(align, "a.nrrd.partial");
   expectRefusal(with(align, {"--resume", "--iterations", "20"}), "iterations is 1000 there and 20 here");
   expectRefusal(with(align, {"--resume", "--method", "gravity"}), "the method is least-squares there");
   expectRefusal(with(align, {"--resume", "--background", "7"}), "background is 0 there and 7 here");
@@ -173,6 +188,23 @@ TEST_F(Resume, RefusesWhatItWasNotStoppedWith)
   test::writeFile(partial + "/notes.txt", "mine");
   expectRefusal(align, "not what a stopped run has left");
   expectRefusal(with(align, {"--resume"}), "not what a stopped run has left");
+}
+
+TEST_F(Resume, KnowsItsInputsByTheirFiles)
+{
+  test::makePhantom(folder.file("in.nhdr"), 12, 200);
+  fs::rename(folder.file("in.raw"), folder.file("voxels.bin"));
+  std::string header = readFile(folder.file("in.nhdr"));
+  test::writeFile(folder.file("in.nhdr"), header.replace(header.find("in.raw"), 6, "voxels.bin"));
+  leaveStopped({"align", "in.nhdr", "-o", "a.nrrd"}, "a.nrrd.partial");
+  fs::last_write_time(folder.file("voxels.bin"), fs::file_time_type::clock::now());
+  expectRefusal({"align", "in.nhdr", "-o", "a.nrrd", "--resume"}, "voxels.bin has changed since");
+
+  fs::create_directory(folder.file("in"));
+  test::makePhantom(folder.file("in/%02d.tif"), 12, 200);
+  leaveStopped({"align", "in", "-o", "b.nrrd"}, "b.nrrd.partial");
+  test::writeFile(folder.file("in/log.txt"), "no slice");
+  expectRun({"align", "in", "-o", "b.nrrd", "--resume"});
 }
 
 TEST_F(Resume, KeepsWhatWasWrittenBeforeTheDiskWasFull)
@@ -212,6 +244,92 @@ TEST_F(Resume, TwoRunsDoNotShareWhatTheyKeep)
   EXPECT_EQ(first.status, 130);
   EXPECT_EQ(second.status, 1);
   EXPECT_NE(second.err.find("Another run is at work in a.nrrd.partial"), std::string::npos) << second.err;
+}
+
+// Between the look at what a stopped run has left and the first finished pair minutes can pass.
+TEST_F(Resume, NothingElseTakesThePlaceOfWhatIsReplaced)
+{
+  test::makePhantom(folder.file("in.nrrd"), 6, 1200);
+  const Arguments align = {"align", "in.nrrd", "-o", "a.nrrd"};
+  leaveStopped(align, "a.nrrd.partial");
+  const std::string partial = folder.file("a.nrrd.partial");
+  bool asked = false;
+  const Outcome first = test::runUntil(
+      {align, {}, folder.path()},
+      [&] {
+        if (asked || !isLocked(partial)) return false;
+        asked = true;
+        fs::rename(partial, folder.file("moved"));
+        fs::create_directory(partial);
+        test::writeFile(partial + "/notes.txt", "mine");
+        return false;
+      },
+      SIGTERM);
+  ASSERT_TRUE(asked);
+  EXPECT_EQ(first.status, 1);
+  EXPECT_NE(first.err.find("a.nrrd.partial has come into being since"), std::string::npos) << first.err;
+  const auto left = folder.contents();
+  EXPECT_EQ(readFile(partial + "/notes.txt"), "mine");
+  EXPECT_TRUE(fs::exists(folder.file("moved/state.json")));
+  EXPECT_FALSE(fs::exists(folder.file("a.nrrd")));
+  for (const auto& [name, size] : left) EXPECT_EQ(name.find(".zxalign-"), std::string::npos) << name;
+}
+
+TEST_F(Resume, RefusesWhatIsDamaged)
+{
+  test::makePhantom(folder.file("in.nrrd"), 12, 200);
+  const Arguments align = {"align", "in.nrrd", "-o", "a.nrrd"};
+  leaveStopped(align, "a.nrrd.partial");
+  const std::string state = folder.file("a.nrrd.partial/state.json");
+  const auto good = nlohmann::ordered_json::parse(readFile(state));
+  auto bad = good;
+  bad["pairs"][0]["editable"] = 1000000;
+  test::writeFile(state, bad.dump());
+  expectRefusal(with(align, {"--resume"}), "kept of the stopped run in a.nrrd.partial is damaged");
+  bad = good;
+  while (bad["pairs"].size() < 30) bad["pairs"].push_back(good["pairs"][0]);
+  test::writeFile(state, bad.dump());
+  expectRefusal(with(align, {"--resume"}), "kept of the stopped run in a.nrrd.partial is damaged");
+}
+
+TEST_F(Resume, TouchesNoInputAndNoOutputInItsFolder)
+{
+  fs::create_directory(folder.file("a.nrrd.partial"));
+  test::makePhantom(folder.file("a.nrrd.partial/in.nrrd"), 5, 100);
+  fs::rename(folder.file("a.nrrd.partial/in.nrrd"), folder.file("in.nrrd"));
+  test::makePhantom(folder.file("a.nrrd.partial/in.nrrd"), 5, 100);
+  expectRefusal({"align", "a.nrrd.partial/in.nrrd", "-o", "a.nrrd"}, "an input is in it");
+  expectRefusal({"align", "in.nrrd", "-o", "a.nrrd", "--report", "a.nrrd.partial/r.json"},
+                "is removed when the work is done");
+}
+
+TEST_F(Resume, SaysWhenNothingCouldBeKept)
+{
+  test::makePhantom(folder.file("in.nrrd"), 14, 150);
+  const Outcome full = run({{"align", "in.nrrd", "-o", "a.nrrd"}, {}, folder.path(), 1000});
+  EXPECT_EQ(full.status, 1);
+  EXPECT_NE(full.err.find("what is done could not be kept: Cannot write \"a.nrrd.partial/state.json\""),
+            std::string::npos)
+      << full.err;
+  EXPECT_EQ(folder.contents().size(), 1U);
+}
+
+// A folder of slices may be a disk of its own, as links and mount points are.
+TEST_F(Resume, WritesIntoAFolderOnAnotherDisk)
+{
+  const fs::path other = fs::path("/dev/shm") / fs::path(folder.path()).filename();
+  struct stat here {
+  }, there{};
+  if (stat("/dev/shm", &there) != 0 || stat(folder.path().c_str(), &here) != 0 ||
+      here.st_dev == there.st_dev || !fs::create_directory(other))
+    GTEST_SKIP() << "there is one disk only";
+  test::makePhantom(folder.file("in.nrrd"), 5, 100);
+  fs::create_directory_symlink(other, folder.file("out"));
+  const Outcome outcome = run({{"align", "in.nrrd", "-o", "out/"}, {}, folder.path()});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(std::distance(fs::directory_iterator(other), {}), 5 + 1) << "slices and their parameters";
+  EXPECT_FALSE(fs::exists(folder.file("out.partial")));
+  fs::remove_all(other);
 }
 
 } // namespace

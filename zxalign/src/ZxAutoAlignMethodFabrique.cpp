@@ -10,6 +10,8 @@
 #include "zx/ZxMessage.h"
 #include "zxalign/ZxAlignSettings.h"
 
+#include <dlfcn.h>
+
 #include <algorithm>
 
 ZxAutoAlignMethodFabrique* ZxAutoAlignMethodFabrique::getInstance()
@@ -37,25 +39,26 @@ void ZxAutoAlignMethodFabrique::loadPlugIns()
   if (!list) return;
   const auto wanted = ZxInterpreter::splitList(list);
   if (!wanted) {
-    m_plugIns.push_back({list, "the list of plug-ins is no well-formed list"});
+    m_plugIns.push_back({list, "the list of plug-ins is no well-formed list", {}, {}});
     return;
   }
   bool ended = false;
   for (const std::string& entry : *wanted) {
     const auto items = ZxInterpreter::splitList(entry.c_str());
     const bool complete = items && items->size() == 3;
-    ZxAlignPlugIn plugIn{complete ? items->front() : entry, {}};
+    ZxAlignPlugIn plugIn{complete ? items->front() : entry, {}, {}, {}};
     if (ended)
       plugIn.problem = "one before it in the list could not be used";
     else
-      plugIn.problem = complete ? loadPlugIn((*items)[1], (*items)[2])
+      plugIn.problem = complete ? loadPlugIn((*items)[1], (*items)[2], plugIn)
                                 : "its entry does not have three items: name, symbol and library";
     ended = ended || !plugIn.problem.empty();
     m_plugIns.push_back(std::move(plugIn));
   }
 }
 
-std::string ZxAutoAlignMethodFabrique::loadPlugIn(const std::string& symbol, const std::string& library)
+std::string ZxAutoAlignMethodFabrique::loadPlugIn(const std::string& symbol, const std::string& library,
+                                                  ZxAlignPlugIn& plugIn)
 {
   ZxDSO object;
   if (object.open(library.c_str(), ZxDSO::Symbols::Local) != 0) return object.getError();
@@ -69,7 +72,12 @@ std::string ZxAutoAlignMethodFabrique::loadPlugIn(const std::string& symbol, con
   if (!entry) return "the library " + library + " lacks the symbol " + symbol;
   const std::size_t methods = m_methods.size(), settings = m_settings.size(), rows = m_settingTable.size();
   const std::string problem = guarded([&] { entry(this); });
-  if (problem.empty()) return {};
+  if (problem.empty()) {
+    Dl_info place{};
+    if (dladdr(reinterpret_cast<const void*>(entry), &place) != 0) plugIn.library = place.dli_fname;
+    for (std::size_t k = methods; k < m_methods.size(); ++k) plugIn.methods.push_back(m_methods[k].id);
+    return {};
+  }
   // A plug-in that failed half-way offers nothing.
   m_methods.resize(methods);
   m_settings.resize(settings);

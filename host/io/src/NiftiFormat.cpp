@@ -315,6 +315,7 @@ std::unique_ptr<VolumeReader> NiftiFormat::open(const std::string& path) const
   VolumeInfo info;
   info.format = name();
   info.geometry = geometryOf(header);
+  info.files = {headerPath};
   return std::make_unique<RawVolumeReader>(std::move(volume), std::move(info));
 }
 

@@ -52,6 +52,7 @@ ZxDims checkedDims(const std::string& path, std::int64_t width, std::int64_t hei
 RawVolumeReader::RawVolumeReader(RawVolume volume, VolumeInfo info) : m_volume(std::move(volume))
 {
   m_info = std::move(info);
+  listFiles();
   checkFiles();
   m_bytes.emplace(m_volume.files, m_shareBytes, m_volume.voxels.type);
   m_info.shape.dims = m_volume.dims;
@@ -61,6 +62,15 @@ RawVolumeReader::RawVolumeReader(RawVolume volume, VolumeInfo info) : m_volume(s
   if (m_volume.volumes > 1)
     m_info.remarks.push_back("\"" + fileName(m_volume.path) + "\" holds " + std::to_string(m_volume.volumes) +
                              " volumes, the first one is read.");
+}
+
+void RawVolumeReader::listFiles()
+{
+  std::vector<std::string>& files = m_info.files;
+  if (files.empty() || files.front() != m_volume.path) files.push_back(m_volume.path);
+  const std::string header = files.front();
+  for (const DataFile& file : m_volume.files)
+    if (file.path != m_volume.path && file.path != header) files.push_back(file.path);
 }
 
 void RawVolumeReader::checkFiles()

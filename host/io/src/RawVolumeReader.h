@@ -32,7 +32,8 @@ ZxDims checkedDims(const std::string& path, std::int64_t width, std::int64_t hei
 /// Reads voxels that lie in files one after the other, packed or not. Needs a fixed amount of memory.
 class RawVolumeReader final : public VolumeReader {
 public:
-  /// Takes format, geometry, parameters and remarks from info and fills in the rest. Throws Error when the
+  /// Takes format, geometry, parameters, remarks and the file of the header from info and fills in the rest;
+  /// without that file the header is the one of the volume. Throws Error when the
   /// files are too short, as far as that shows without unpacking them.
   RawVolumeReader(RawVolume volume, VolumeInfo info);
   void readSlice(int k, void* dst) override;
@@ -41,6 +42,7 @@ public:
   void checkUnchanged(int k) override;
 
 private:
+  void listFiles();
   void checkFiles();
   McPrimType findType();
   std::uint64_t positionOf(int k) const noexcept { return static_cast<std::uint64_t>(k) * m_sliceBytes; }

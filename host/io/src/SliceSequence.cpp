@@ -123,6 +123,7 @@ SliceSequence::SliceSequence(const std::vector<std::string>& files) : m_files(fi
       m_info = reader->info();
       m_info.shape.dims = {};
       m_info.parameters.removeAll();
+      m_info.files.clear();
     }
     add(i, *reader);
   }
@@ -139,6 +140,9 @@ void SliceSequence::add(std::size_t file, const VolumeReader& reader)
     throw Error("The slices have different types: \"" + m_files.front() + "\" holds " + m_info.storedType +
                 ", \"" + m_files[file] + "\" holds " + reader.info().storedType + ".");
   }
+  const std::vector<std::string>& ofSlice = reader.info().files;
+  m_info.files.insert(m_info.files.end(), ofSlice.begin(), ofSlice.end());
+  if (ofSlice.empty()) m_info.files.push_back(m_files[file]);
   for (int k = 0; k < shape.dims.slices; ++k) m_slices.push_back({file, k, reader.sliceSize(k)});
   m_info.shape.dims.width = std::max(m_info.shape.dims.width, shape.dims.width);
   m_info.shape.dims.height = std::max(m_info.shape.dims.height, shape.dims.height);

@@ -76,6 +76,7 @@ void takeGeometry(VolumeInfo& info)
 void loadParameters(Input& input, const std::string& path)
 {
   input.info.parameters = fromJson(readText(path), path);
+  input.info.files.push_back(path);
 }
 
 /// Decides what becomes of slices of unequal size.
@@ -108,6 +109,7 @@ Input openSingle(const std::string& path)
   const Format& format = formatOfFile(path);
   Input input{.reader = format.open(path), .info = {}, .name = path};
   input.info = input.reader->info();
+  if (input.info.files.empty()) input.info.files.push_back(path);
   std::error_code error;
   const std::string beside = parametersBeside(path);
   if (!format.holdsParameters() && fs::exists(beside, error)) loadParameters(input, beside);

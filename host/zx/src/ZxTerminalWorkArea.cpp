@@ -54,6 +54,8 @@ ZxTerminalWorkArea::~ZxTerminalWorkArea()
 
 bool ZxTerminalWorkArea::wasInterruptedEver() noexcept { return interrupted != 0; }
 
+void ZxTerminalWorkArea::interrupt() noexcept { interrupted = 1; }
+
 bool ZxTerminalWorkArea::interruptRequested() { return wasInterruptedEver(); }
 
 void ZxTerminalWorkArea::workingChanged()

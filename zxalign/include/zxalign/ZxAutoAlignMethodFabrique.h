@@ -73,8 +73,8 @@ private:
 
   void registerAutoAlignMethod();
   void loadPlugIns();
-  /// Empty, or what is wrong.
-  std::string loadPlugIn(const std::string& symbol, const std::string& library);
+  /// Empty, or what is wrong. Fills in what a loaded plug-in is.
+  std::string loadPlugIn(const std::string& symbol, const std::string& library, ZxAlignPlugIn& plugIn);
   int getNextIdNumber() const noexcept;
 
   const ZxAlignMethodSettings* settingsWith(const std::string& name) const;

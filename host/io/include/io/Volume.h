@@ -20,6 +20,7 @@ struct VolumeInfo {
   ZxParamBundle parameters; ///< that travel with the file
   std::vector<std::string>
       remarks; ///< what a user should know, one sentence each: "... holds 2 volumes, the first one is read."
+  std::vector<std::string> files; ///< all that voxels and parameters are read from, headers first
 };
 
 /// What to do with slices of unequal size in a sequence.

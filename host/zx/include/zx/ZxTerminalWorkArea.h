@@ -17,6 +17,8 @@ public:
 
   /// True when Ctrl+C was pressed since the program started, in whatever phase.
   static bool wasInterruptedEver() noexcept;
+  /// Asks the work to stop, as Ctrl+C does: for a program that finds out on the way that it goes on in vain.
+  static void interrupt() noexcept;
   /// Removes the progress line, so that something else can be printed.
   void clearLine();
 
