@@ -177,12 +177,13 @@ void OutputFiles::refuseForeignData(const std::string& path)
   const std::string data = dataFileOf(path);
   if (data.empty()) return;
   refuseTwice(data);
+  std::error_code ignored;
+  if (!fs::exists(data, ignored)) return;
   const fs::path header = uniquePath(path);
   for (const ProtectedInput& input : m_inputs)
     if (input.path != header && fs::path(input.path).replace_extension(".raw") == uniquePath(data))
       throw Failure(writeFailure(path, data + " holds the data of an input"));
-  std::error_code ignored;
-  if (fs::exists(data, ignored) && !fs::exists(path, ignored))
+  if (!fs::exists(path, ignored))
     throw Failure(writeFailure(path, data + " is there and belongs to another volume"));
 }
 

@@ -324,9 +324,14 @@ void PartialOutput::guard(const std::function<void()>& work)
 
 void PartialOutput::remove() noexcept
 {
-  std::error_code ignored;
+  std::error_code error;
   // Also what this run was to replace and had no need to.
-  if (m_lock && m_lock->isOf(m_folder)) fs::remove_all(m_folder, ignored);
+  if (m_lock && m_lock->isOf(m_folder)) {
+    // It goes at once: nobody finds it without its state, should the program be killed meanwhile.
+    std::string hidden = (m_folder.parent_path() / (".zxalign-" + std::string(6, 'X'))).string();
+    if (mkdtemp(hidden.data())) fs::rename(m_folder, hidden, error);
+    fs::remove_all(error ? m_folder : fs::path(hidden), error);
+  }
   m_isOurs = m_isWritten = false;
   m_lock.reset();
 }

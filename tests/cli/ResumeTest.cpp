@@ -74,7 +74,9 @@ protected:
   {
     std::map<std::string, std::string> files;
     for (const auto& entry : fs::recursive_directory_iterator(folder.file(name))) {
-      if (!entry.is_regular_file()) continue;
+      const std::string relative = fs::relative(entry.path(), folder.file(name));
+      // A kill may leave what was just about to be removed.
+      if (!entry.is_regular_file() || relative.starts_with(".zxalign-")) continue;
       std::string bytes = readFile(entry.path());
       if (entry.path().extension() == ".json" && entry.path().stem() == "report") {
         auto report = nlohmann::json::parse(bytes);
@@ -82,7 +84,7 @@ protected:
         report["totals"].erase("seconds");
         bytes = report.dump();
       }
-      files[fs::relative(entry.path(), folder.file(name))] = bytes;
+      files[relative] = bytes;
     }
     return files;
   }
@@ -102,7 +104,8 @@ protected:
       EXPECT_EQ(outcome.status, signal == SIGKILL ? 128 + SIGKILL : 130) << outcome.err;
       const bool says = outcome.err.find("kept in " + output + ".partial, and --resume") != std::string::npos;
       EXPECT_EQ(says, signal != SIGKILL && fs::exists(partial)) << outcome.err;
-      EXPECT_FALSE(fs::exists(folder.file(in + "/" + output)));
+      // Only a kill may come when everything is in place already.
+      EXPECT_TRUE(signal == SIGKILL || !fs::exists(folder.file(in + "/" + output)));
       ++stops;
       limit = sizeOf(partial) + random() % step;
     }
