@@ -42,6 +42,9 @@ std::vector<Stack> readStacks(const std::filesystem::path& folder, const std::ve
 /// The displaced volumes whose truth is exact.
 std::vector<std::string> volumesWithTruth();
 
+/// Standard deviation of the samples of a slice.
+double deviationOf(const Stack& stack, int slice);
+
 /// A slice of a stack seen through a motion, as a stack of one slice: what the new slice shows at p lies at
 /// motion(p) of the old one. Linear between pixels, the background outside; noise of a standard deviation is
 /// added.

@@ -25,19 +25,6 @@ namespace {
 constexpr double kConfident = 0.75; // the method's own default
 constexpr double kWrong = 5.0;      // pixels
 
-double deviationOf(const Stack& stack, int slice)
-{
-  const unsigned char* in = stack.image(slice).samples;
-  double sum = 0.0, squares = 0.0;
-  const std::size_t n = stack.sliceBytes();
-  for (std::size_t i = 0; i < n; ++i) {
-    sum += in[i];
-    squares += static_cast<double>(in[i]) * in[i];
-  }
-  const double mean = sum / static_cast<double>(n);
-  return std::sqrt(squares / static_cast<double>(n) - mean * mean);
-}
-
 /// Errors of several searches.
 struct Tally {
   int count = 0, found = 0, confident = 0, confidentlyWrong = 0;

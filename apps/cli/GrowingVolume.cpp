@@ -22,7 +22,7 @@ struct Demand {
 };
 
 /// The voxels of a volume, with an eye on who reads them.
-class WatchedVoxels : public ZxVoxelSource {
+class WatchedVoxels : public ZxReadOnlyVoxelSource {
 public:
   WatchedVoxels(McHandle<ZxSpatialData> data, Demand& demand)
     : m_data(std::move(data)), m_lattice(*m_data->getLattice()), m_demand(demand)
@@ -40,9 +40,6 @@ public:
     return whole;
   }
   bool readBox(const ZxBox3i& box, void* dst) override { return m_lattice.readBox(box, dst); }
-  const void* sliceInMemory(int) const override { return nullptr; }
-  void* beginWrite(int) override { return nullptr; }
-  bool endWrite(int) override { return false; }
 
 private:
   McHandle<ZxSpatialData> m_data;

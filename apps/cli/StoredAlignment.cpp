@@ -6,7 +6,7 @@ namespace cli {
 namespace {
 
 /// Voxels that are all 0.
-class BlankVoxels : public ZxVoxelSource {
+class BlankVoxels : public ZxReadOnlyVoxelSource {
 public:
   explicit BlankVoxels(const ZxLatticeShape& shape) : m_shape(shape) {}
 
@@ -20,9 +20,6 @@ public:
     std::memset(dst, 0, box.size.voxels() * m_shape.voxelBytes());
     return true;
   }
-  const void* sliceInMemory(int) const override { return nullptr; }
-  void* beginWrite(int) override { return nullptr; }
-  bool endWrite(int) override { return false; }
 
 private:
   ZxLatticeShape m_shape;

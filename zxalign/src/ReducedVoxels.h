@@ -8,7 +8,7 @@
 
 /// The voxels of a volume reduced by whole blocks of its slices, made when they are read. The slices read
 /// last are kept, for those who read a pair of them again and again.
-class ReducedVoxels : public ZxVoxelSource {
+class ReducedVoxels : public ZxReadOnlyVoxelSource {
 public:
   ReducedVoxels(McHandle<ZxSpatialData> data, int factor);
 
@@ -19,9 +19,6 @@ public:
 
   bool readSlice(int k, void* dst) override;
   bool readBox(const ZxBox3i& box, void* dst) override;
-  const void* sliceInMemory(int) const override { return nullptr; }
-  void* beginWrite(int) override { return nullptr; }
-  bool endWrite(int) override { return false; }
 
 private:
   struct Kept {

@@ -11,7 +11,7 @@
 ///
 /// Holds the input and a copy of the module's transforms and settings. Not thread-safe; the input is read
 /// without the module's lock. Polls the work area; a stop gives false.
-class ResampledVoxels : public ZxVoxelSource {
+class ResampledVoxels : public ZxReadOnlyVoxelSource {
 public:
   enum class Kind { Image, Labels };
   /// A volume of this many slices; those that the input lacks are 0.
@@ -19,9 +19,6 @@ public:
 
   bool readSlice(int k, void* dst) override;
   bool readBox(const ZxBox3i& box, void* dst) override;
-  const void* sliceInMemory(int) const override { return nullptr; }
-  void* beginWrite(int) override { return nullptr; }
-  bool endWrite(int) override { return false; }
 
 private:
   /// The bytes of a slice of the input; null, after a message, when it cannot be read.

@@ -6,7 +6,7 @@
 namespace io {
 
 /// The voxels of a volume that stay in its files (see openVolume()). Cannot be written to.
-class FileVoxelSource final : public ZxVoxelSource {
+class FileVoxelSource final : public ZxReadOnlyVoxelSource {
 public:
   /// The reader gives slices of one size and in any order. The name of the volume is for messages.
   FileVoxelSource(std::unique_ptr<VolumeReader> reader, std::string name)
@@ -16,9 +16,6 @@ public:
 
   bool readSlice(int k, void* dst) override;
   bool readBox(const ZxBox3i& box, void* dst) override;
-  const void* sliceInMemory(int) const override { return nullptr; }
-  void* beginWrite(int) override { return nullptr; }
-  bool endWrite(int) override { return false; }
 
 private:
   /// Runs f for slice k. A failure becomes a sentence that names the slice and the file, and false.

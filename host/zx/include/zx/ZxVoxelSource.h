@@ -24,3 +24,11 @@ public:
   /// Ends a beginWrite(). False when the slice could not be stored.
   virtual bool endWrite(int k) = 0;
 };
+
+/// A source whose voxels are made or fetched when they are asked for, and cannot be written.
+class ZxReadOnlyVoxelSource : public ZxVoxelSource {
+public:
+  const void* sliceInMemory(int) const override { return nullptr; }
+  void* beginWrite(int) override { return nullptr; }
+  bool endWrite(int) override { return false; }
+};
