@@ -371,7 +371,7 @@ RunFacts AlignCommand::facts(AlignModule& module, const io::VolumeInfo& info, co
   }
   for (const ZxAlignPlugIn& plugIn : module.control().plugIns())
     for (const int method : plugIn.methods)
-      if (methodName(module.control(), method) == report.method) addFileFacts({plugIn.library}, facts);
+      if (methodName(module.control(), method) == report.method) addFileFacts({plugIn.path}, facts);
   m_resample.addFacts(facts);
   return facts;
 }

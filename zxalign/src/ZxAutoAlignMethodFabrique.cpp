@@ -74,7 +74,7 @@ std::string ZxAutoAlignMethodFabrique::loadPlugIn(const std::string& symbol, con
   const std::string problem = guarded([&] { entry(this); });
   if (problem.empty()) {
     Dl_info place{};
-    if (dladdr(reinterpret_cast<const void*>(entry), &place) != 0) plugIn.library = place.dli_fname;
+    if (dladdr(reinterpret_cast<const void*>(entry), &place) != 0) plugIn.path = place.dli_fname;
     for (std::size_t k = methods; k < m_methods.size(); ++k) plugIn.methods.push_back(m_methods[k].id);
     return {};
   }
