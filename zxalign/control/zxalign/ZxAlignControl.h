@@ -66,7 +66,7 @@ inline constexpr const char* kZxAlignPlugInVariable = "::zxalign_autoalignmethod
 struct ZxAlignPlugIn {
   std::string name;    ///< for people: the first item of its entry, or the entry where it has no three items
   std::string problem; ///< empty when it is loaded, else why it is not: a clause without a full stop
-  std::string path{};         ///< of the file that it has been loaded from
+  std::string path{};  ///< of the file that it has been loaded from
   std::vector<int> methods{}; ///< the ids of its methods
 };
 
