@@ -7,6 +7,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <random>
 
@@ -62,11 +63,22 @@ protected:
     EXPECT_EQ(folder.contents(), before);
     return outcome;
   }
-  /// Leaves what a stopped run of a command keeps.
-  void leaveStopped(const Arguments& arguments, const std::string& partial)
+  /// Tries something until it meets the run that it is to disturb: on a busy machine one may be at its end,
+  /// with status 0, before anybody has looked.
+  void untilMet(const std::string& output, const std::function<bool()>& attempt)
   {
-    const Outcome stopped = test::runUntil(
-        {arguments, {}, folder.path()}, [&] { return fs::exists(folder.file(partial)); }, SIGTERM);
+    for (int i = 0; i < 20 && !attempt(); ++i) fs::remove_all(folder.file(output));
+  }
+  /// Leaves what a stopped run of a command keeps.
+  void leaveStopped(const Arguments& arguments, const std::string& output)
+  {
+    Outcome stopped;
+    untilMet(output, [&] {
+      stopped = test::runUntil(
+          {arguments, {}, folder.path()}, [&](pid_t) { return fs::exists(folder.file(output + ".partial")); },
+          SIGTERM);
+      return stopped.status != 0;
+    });
     ASSERT_EQ(stopped.status, 130) << stopped.err;
   }
   /// All that stands in a folder, without what depends on the clock.
@@ -99,7 +111,7 @@ protected:
     for (int attempt = 0; attempt < 50; ++attempt) {
       const Arguments now = fs::exists(partial) ? with(arguments, {"--resume"}) : arguments;
       const Outcome outcome = test::runUntil(
-          {now, {}, folder.file(in)}, [&] { return sizeOf(partial) >= limit; }, signal);
+          {now, {}, folder.file(in)}, [&](pid_t) { return sizeOf(partial) >= limit; }, signal);
       if (outcome.status == 0) return stops;
       EXPECT_EQ(outcome.status, signal == SIGKILL ? 128 + SIGKILL : 130) << outcome.err;
       const bool says = outcome.err.find("kept in " + output + ".partial, and --resume") != std::string::npos;
@@ -107,7 +119,7 @@ protected:
       // Only a kill may come when everything is in place already.
       EXPECT_TRUE(signal == SIGKILL || !fs::exists(folder.file(in + "/" + output)));
       ++stops;
-      limit = sizeOf(partial) + random() % step;
+      limit = sizeOf(partial) + 1 + random() % step;
     }
     ADD_FAILURE() << "no end of " << testing::PrintToString(arguments);
     return stops;
@@ -175,7 +187,7 @@ TEST_F(Resume, RefusesWhatItWasNotStoppedWith)
   const Arguments align = {"align", "in.nrrd", "-o", "a.nrrd"};
   expectRefusal(with(align, {"--resume"}), "nothing to resume: a.nrrd.partial does not exist");
   const std::string partial = folder.file("a.nrrd.partial");
-  leaveStopped(align, "a.nrrd.partial");
+  leaveStopped(align, "a.nrrd");
   expectRefusal(with(align, {"--resume", "--iterations", "20"}), "iterations is 1000 there and 20 here");
   expectRefusal(with(align, {"--resume", "--method", "gravity"}), "the method is least-squares there");
   expectRefusal(with(align, {"--resume", "--background", "7"}), "background is 0 there and 7 here");
@@ -199,13 +211,13 @@ TEST_F(Resume, KnowsItsInputsByTheirFiles)
   fs::rename(folder.file("in.raw"), folder.file("voxels.bin"));
   std::string header = readFile(folder.file("in.nhdr"));
   test::writeFile(folder.file("in.nhdr"), header.replace(header.find("in.raw"), 6, "voxels.bin"));
-  leaveStopped({"align", "in.nhdr", "-o", "a.nrrd"}, "a.nrrd.partial");
+  leaveStopped({"align", "in.nhdr", "-o", "a.nrrd"}, "a.nrrd");
   fs::last_write_time(folder.file("voxels.bin"), fs::file_time_type::clock::now());
   expectRefusal({"align", "in.nhdr", "-o", "a.nrrd", "--resume"}, "voxels.bin has changed since");
 
   fs::create_directory(folder.file("in"));
   test::makePhantom(folder.file("in/%02d.tif"), 12, 200);
-  leaveStopped({"align", "in", "-o", "b.nrrd"}, "b.nrrd.partial");
+  leaveStopped({"align", "in", "-o", "b.nrrd"}, "b.nrrd");
   test::writeFile(folder.file("in/log.txt"), "no slice");
   expectRun({"align", "in", "-o", "b.nrrd", "--resume"});
 }
@@ -232,19 +244,19 @@ TEST_F(Resume, TwoRunsDoNotShareWhatTheyKeep)
 {
   test::makePhantom(folder.file("in.nrrd"), 60, 300);
   const Arguments align = {"align", "in.nrrd", "-o", "a.nrrd"};
-  bool asked = false;
-  Outcome second;
-  const Outcome first = test::runUntil(
-      {align, {}, folder.path()},
-      [&] {
-        if (asked || !fs::exists(folder.file("a.nrrd.partial"))) return false;
-        asked = true;
-        second = run({align, {}, folder.path()});
-        return true;
-      },
-      SIGTERM);
-  ASSERT_TRUE(asked);
-  EXPECT_EQ(first.status, 130);
+  Outcome first, second;
+  untilMet("a.nrrd", [&] {
+    const auto runSecond = [&](pid_t running) {
+      if (!fs::exists(folder.file("a.nrrd.partial"))) return false;
+      kill(running, SIGSTOP);
+      second = run({align, {}, folder.path()});
+      kill(running, SIGCONT);
+      return true;
+    };
+    first = test::runUntil({align, {}, folder.path()}, runSecond, SIGTERM);
+    return first.status != 0;
+  });
+  EXPECT_EQ(first.status, 130) << first.err;
   EXPECT_EQ(second.status, 1);
   EXPECT_NE(second.err.find("Another run is at work in a.nrrd.partial"), std::string::npos) << second.err;
 }
@@ -254,21 +266,24 @@ TEST_F(Resume, NothingElseTakesThePlaceOfWhatIsReplaced)
 {
   test::makePhantom(folder.file("in.nrrd"), 6, 1200);
   const Arguments align = {"align", "in.nrrd", "-o", "a.nrrd"};
-  leaveStopped(align, "a.nrrd.partial");
   const std::string partial = folder.file("a.nrrd.partial");
-  bool asked = false;
-  const Outcome first = test::runUntil(
-      {align, {}, folder.path()},
-      [&] {
-        if (asked || !isLocked(partial)) return false;
-        asked = true;
-        fs::rename(partial, folder.file("moved"));
-        fs::create_directory(partial);
-        test::writeFile(partial + "/notes.txt", "mine");
-        return false;
-      },
-      SIGTERM);
-  ASSERT_TRUE(asked);
+  Outcome first;
+  untilMet("a.nrrd", [&] {
+    for (const std::string& before : {partial, folder.file("moved")}) fs::remove_all(before);
+    leaveStopped(align, "a.nrrd");
+    bool asked = false;
+    std::error_code gone;
+    const auto putNotes = [&](pid_t) {
+      if (asked || !isLocked(partial)) return false;
+      asked = true;
+      fs::rename(partial, folder.file("moved"), gone);
+      fs::create_directory(partial, gone);
+      test::writeFile(partial + "/notes.txt", "mine");
+      return false;
+    };
+    first = test::runUntil({align, {}, folder.path()}, putNotes, SIGTERM);
+    return first.err.find("a.nrrd.partial has come into being since") != std::string::npos;
+  });
   EXPECT_EQ(first.status, 1);
   EXPECT_NE(first.err.find("a.nrrd.partial has come into being since"), std::string::npos) << first.err;
   const auto left = folder.contents();
@@ -282,7 +297,7 @@ TEST_F(Resume, RefusesWhatIsDamaged)
 {
   test::makePhantom(folder.file("in.nrrd"), 12, 200);
   const Arguments align = {"align", "in.nrrd", "-o", "a.nrrd"};
-  leaveStopped(align, "a.nrrd.partial");
+  leaveStopped(align, "a.nrrd");
   const std::string state = folder.file("a.nrrd.partial/state.json");
   const auto good = nlohmann::ordered_json::parse(readFile(state));
   auto bad = good;

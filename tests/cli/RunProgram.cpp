@@ -56,10 +56,10 @@ int statusOf(pid_t child)
 Outcome run(const Run& run)
 {
   return runUntil(
-      run, [] { return false; }, 0);
+      run, [](pid_t) { return false; }, 0);
 }
 
-Outcome runUntil(const Run& run, const std::function<bool()>& condition, int signal)
+Outcome runUntil(const Run& run, const std::function<bool(pid_t)>& condition, int signal)
 {
   const Folder output;
   const std::string out = output.file("out"), err = output.file("err");
@@ -71,7 +71,7 @@ Outcome runUntil(const Run& run, const std::function<bool()>& condition, int sig
   siginfo_t ended{};
   while (signal != 0 && waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOHANG | WNOWAIT) == 0 &&
          ended.si_pid == 0) {
-    if (!condition()) continue;
+    if (!condition(child)) continue;
     kill(child, signal);
     break;
   }

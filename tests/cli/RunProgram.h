@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <functional>
 #include <map>
 #include <string>
@@ -29,9 +31,9 @@ Outcome run(const Run& run);
 /// holds the text. What it prints is in Outcome::out.
 Outcome runInterrupted(const Run& run, const std::string& at);
 
-/// Runs the program and sends it a signal as soon as the condition holds, which is asked again and again. It
-/// may end before that.
-Outcome runUntil(const Run& run, const std::function<bool()>& condition, int signal);
+/// Runs the program and sends it a signal as soon as the condition holds, which is asked again and again with
+/// the number of its process. It may end before that.
+Outcome runUntil(const Run& run, const std::function<bool(pid_t)>& condition, int signal);
 
 /// A new folder that is removed with its contents.
 class Folder {

@@ -41,6 +41,17 @@ TEST(ZxTerminalWorkArea, TakesTheFirstInterruptAndLeavesTheSecond)
   EXPECT_EQ(std::signal(SIGINT, SIG_DFL), SIG_DFL);
 }
 
+TEST(ZxTerminalWorkArea, SurvivesTheSignalsThatAreNoneOfIt)
+{
+  std::signal(SIGHUP, SIG_IGN); // as under nohup
+  {
+    const ZxTerminalWorkArea work(ZxTerminalWorkArea::Display::Never);
+    EXPECT_EQ(std::signal(SIGHUP, SIG_DFL), SIG_IGN);
+  }
+  std::raise(SIGTERM); // when everything is done
+  EXPECT_EQ(std::signal(SIGTERM, SIG_DFL), SIG_DFL);
+}
+
 TEST(ZxMessage, HandsOverOneLineAMessage)
 {
   Console console;

@@ -41,7 +41,8 @@ std::size_t terminalWidth()
 ZxTerminalWorkArea::ZxTerminalWorkArea(Display display)
   : m_visible(display == Display::WhenTerminal && isatty(STDERR_FILENO))
 {
-  for (const int signal : stopSignals) std::signal(signal, onInterrupt);
+  for (const int signal : stopSignals)
+    if (std::signal(signal, onInterrupt) == SIG_IGN) std::signal(signal, SIG_IGN); // as nohup has it
   setTheWorkArea(this);
 }
 
@@ -49,7 +50,7 @@ ZxTerminalWorkArea::~ZxTerminalWorkArea()
 {
   clearLine();
   setTheWorkArea(nullptr);
-  for (const int signal : stopSignals) std::signal(signal, SIG_DFL);
+  // The handlers stay: a signal that comes when the work is done makes no failure of it.
 }
 
 bool ZxTerminalWorkArea::wasInterruptedEver() noexcept { return interrupted != 0; }
