@@ -87,6 +87,25 @@ TEST_F(AlignRecoveryTest, WhatWasEditedLastIsGivenBackExactlyAndCanBeUndone)
   EXPECT_TRUE(module->currentState() == opened);
 }
 
+// Then the side of the edited slice may point out of the stack.
+TEST_F(AlignRecoveryTest, IsOfferedAlsoOfTheEndsOfTheStackWithAFixedReference)
+{
+  for (const auto& [slice, side] : {std::pair(0, 1), {dims.slices - 1, -1}}) {
+    open(stackFrom("a.tif"));
+    module->setEditableSide(side);
+    module->setReferenceFixed(true);
+    module->setSlice(slice);
+    edit(2.5f);
+    crash();
+    open(stackFrom("a.tif"));
+    ASSERT_TRUE(asked) << slice;
+    asked->restore();
+    EXPECT_EQ(module->getSlice(7).translationX, 2.5f);
+    EXPECT_EQ(module->getEditableSlice(), slice);
+    module->recovery().forget();
+  }
+}
+
 TEST_F(AlignRecoveryTest, NothingIsLeftOfWhatWasSavedDiscardedOrTakenBack)
 {
   open(stackFrom("a.tif"));

@@ -425,6 +425,7 @@ void ZxAlignSlices::unlockDataMutex() { m_data->dataMutex().unlock(); }
 int ZxAlignSlices::doLayout(int mode)
 {
   if (m_methodRuns || !hasEditableSlice() || !isInStack(m_referenceSlice)) return 0;
+  if (!m_data->isPairReadable()) return 0; // Said when it was mapped; it looks like a black slice.
   const std::unique_ptr<ZxAutoAlignMethod> method(m_methods->createAutoAlignMethod(this, mode));
   if (!method) return 0;
   int result = 0;

@@ -200,7 +200,13 @@ bool ZxAlignSlices::saveTransform(ZxParamBundle& target, McDArray<SliceInfo>& sl
   input->setNum("OutputImageWidth", m_settings.outputWidth);
   input->setNum("OutputImageHeigth", m_settings.outputHeight);
   m_data->touchInputData();
-  if (!storage::writeTransforms(target, slices, m_data->getDims())) return false;
+  if (const char* taken = storage::takenName(target)) {
+    ZxMessage::getTheMsg()->printf(
+        "The alignment cannot be stored with %s: \"%s\" is taken by a plain parameter.",
+        m_data->getInputDataName().getString(), taken);
+    return false;
+  }
+  storage::writeTransforms(target, slices, m_data->getDims());
   savePoints(target, slices);
   if (&target == input) m_recovery->stored();
   return true;
@@ -362,6 +368,16 @@ void ZxAlignSlices::resetTransforms(int first, int last)
   transformsChanged();
 }
 
+void ZxAlignSlices::readTransformAgain()
+{
+  if (numSlices() == 0) return;
+  m_undoRedo.saveState();
+  readTransform();
+  const bool wasModified = m_modified; // What is read is stored.
+  transformsChanged();
+  m_modified = wasModified;
+}
+
 void ZxAlignSlices::transformsChanged()
 {
   m_modified = true;
@@ -414,7 +430,6 @@ void ZxAlignSlices::selectPair(const ZxAlignPair& pair)
 
 bool ZxAlignSlices::alignPair(const ZxAlignPair& pair, int method, ZxAlignPairResult& result)
 {
-  if (!m_data->isPairReadable()) return false;
   result.pair = pair;
   result.qualityBefore = static_cast<double>(computeQuality());
   const ZxAlignTransform before = toControl(getSlice(pair.editable));

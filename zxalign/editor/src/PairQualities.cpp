@@ -1,5 +1,6 @@
 #include "zxalign/PairQualities.h"
 
+#include "zx/ZxMessage.h"
 #include "zx/ZxParamBundle.h"
 #include "zx/ZxWorkArea.h"
 #include "zxalign/ZxAlignData.h"
@@ -132,14 +133,14 @@ void PairQualities::computeNext()
   if (lower < 0) return;
   m_isComputing = true;
   m_pool.start([this, job = std::make_shared<PairQualityJob>(m_module, lower)]() mutable {
-    const float quality = job->run(m_buffers);
+    const std::optional<float> quality = job->run(m_buffers);
     // The job ends where it was made.
     QMetaObject::invokeMethod(
         this, [this, job = std::move(job), quality] { finish(*job, quality); }, Qt::QueuedConnection);
   });
 }
 
-void PairQualities::finish(const PairQualityJob& job, float quality)
+void PairQualities::finish(const PairQualityJob& job, std::optional<float> quality)
 {
   m_isComputing = false;
   const int lower = job.lower();
@@ -148,6 +149,9 @@ void PairQualities::finish(const PairQualityJob& job, float quality)
     Pair& pair = m_pairs[static_cast<std::size_t>(lower)];
     pair.quality = quality;
     pair.isUpToDate = pair.key == job.key();
+    if (!quality)
+      ZxMessage::getTheMsg()->printf("There is not enough memory for the quality of slices %d and %d.", lower,
+                                     lower + 1);
     findWorst();
     Q_EMIT changed(lower);
   }

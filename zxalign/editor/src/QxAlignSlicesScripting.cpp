@@ -1,4 +1,5 @@
 // The editor window: what scripts ask of it beyond the slots that people use.
+#include "qx/QxPictureFile.h"
 #include "zxalign/QxAlignSlices.h"
 #include "zxalign/QxAutoAlignToolBar.h"
 #include "zxalign/QxDrawAlignSlices.h"
@@ -6,7 +7,6 @@
 #include "zxalign/QxViewAlignSlicesOrthogonalCommonToolBar.h"
 
 #include <QCoreApplication>
-#include <QImageWriter>
 #include <QLayout>
 #include <QToolBar>
 
@@ -47,13 +47,12 @@ void QxAlignSlices::updateOrthogonalViews()
 std::string QxAlignSlices::snapshot(const std::string& fileName)
 {
   QList<QToolBar*> bars = findChildren<QToolBar*>(Qt::FindDirectChildrenOnly); // those of the panels as well
-  bars.removeIf([](const QToolBar* bar) { return !bar->isVisible(); });
+  bars.removeIf([](const QToolBar* bar) { return bar->isHidden(); }); // also in a window that nobody sees
   for (QToolBar* bar : bars) bar->hide();
   if (layout()) layout()->activate();
   // The fourth byte of what is on the screen says nothing; a picture is opaque.
   const QImage picture = grab().toImage().convertToFormat(QImage::Format_RGB32);
   for (QToolBar* bar : bars) bar->show();
-  QImageWriter writer(QString::fromStdString(fileName));
-  if (writer.write(picture)) return {};
-  return fileName + " could not be written: " + writer.errorString().toStdString() + ".";
+  const std::string reason = qxWritePicture(picture, fileName);
+  return reason.empty() ? reason : fileName + " could not be written: " + reason + ".";
 }

@@ -176,6 +176,8 @@ public:
   void setTransform(int slice, const SliceXForm& xform);
   /// Takes away the transforms of the slices first to last, as a change that can be taken back.
   void resetTransforms(int first, int last);
+  /// Reads what is stored with the input and shows it, as a change that can be taken back.
+  void readTransformAgain();
 
   // Landmarks: every slice has the same number, each operation changes all slices. A file may have given some
   // slices fewer: those without a landmark of that index are left alone.

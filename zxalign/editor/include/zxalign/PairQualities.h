@@ -37,7 +37,8 @@ public:
   void setActive(bool active);
   /// One less than there are slices.
   int count() const noexcept { return static_cast<int>(m_pairs.size()); }
-  /// 0 to 1; the one before, while it is being computed anew; none before it is known.
+  /// 0 to 1; the one before, while it is being computed anew; none before it is known, and when there was not
+  /// enough memory.
   std::optional<float> quality(int lower) const { return m_pairs[static_cast<std::size_t>(lower)].quality; }
   /// What a method has left in the input's parameters, bundle "AlignConfidence"; none where it has not said
   /// so.
@@ -77,7 +78,7 @@ private:
   bool mayCompute() const;
   void computeNext();
   int nextOutdated() const;
-  void finish(const PairQualityJob& job, float quality);
+  void finish(const PairQualityJob& job, std::optional<float> quality);
   void findWorst();
 
   ZxAlignSlices& m_module;
