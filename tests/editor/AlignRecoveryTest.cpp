@@ -1,5 +1,6 @@
 #include "zxalign/AlignRecovery.h"
 
+#include "support/Waiting.h"
 #include "zxalign/ModuleTest.h"
 
 #include <QDir>
@@ -46,7 +47,7 @@ protected:
   }
   bool written()
   {
-    return QTest::qWaitFor([this] { return !module->recovery().isPending(); });
+    return waitFor([this] { return !module->recovery().isPending(); });
   }
   QStringList files() const { return QDir(folder).entryList({"*.json"}, QDir::Files); }
   /// The module goes without an end, as if it had been killed; what it wrote is left.
@@ -172,7 +173,7 @@ TEST_F(AlignRecoveryTest, KeepsWritingWhileLongWorkChangesSlices)
   {
     const ZxWorkingPhase phase("aligning");
     edit(1);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return !files().isEmpty(); }));
+    EXPECT_TRUE(waitFor([this] { return !files().isEmpty(); }));
     module->getSlice(7).translationX = 2; // without a record of its own
     EXPECT_TRUE(module->recovery().isPending());
   }
@@ -234,19 +235,19 @@ public:
   explicit Victim(const QString& file)
   {
     m_process.start(ZX_RECOVERY_VICTIM, {file});
-    m_process.waitForStarted();
+    m_process.waitForStarted(patienceMilliseconds);
   }
   ~Victim() { kill(); }
   /// Lets it go on until it has kept so many edits.
   bool keeps(int edits)
   {
-    while (m_kept < edits && m_process.waitForReadyRead()) read();
+    while (m_kept < edits && m_process.waitForReadyRead(patienceMilliseconds)) read();
     return m_kept >= edits;
   }
   void kill()
   {
     m_process.kill();
-    m_process.waitForFinished();
+    m_process.waitForFinished(patienceMilliseconds);
     read();
   }
   int kept() const { return m_kept; }
@@ -301,7 +302,7 @@ TEST_F(AlignRecoveryTest, TwoProgramsWithTheSameDataLeaveEachOtherAlone)
   asked->restore();
   EXPECT_GE(module->getSlice(7).translationX, static_cast<float>(victim.kept()));
   ours->recovery().forget();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !ours->recovery().isPending(); }));
+  EXPECT_TRUE(waitFor([&] { return !ours->recovery().isPending(); }));
   EXPECT_EQ(files().size(), 1);
 }
 

@@ -199,7 +199,7 @@ TEST_F(EditorClosingTest, TheModuleMayGoWhileItsWindowAsks)
     answerPrompt("&Save");
   });
   editor->cancel();
-  QTRY_VERIFY(!window);
+  EXPECT_TRUE(waitFor([&] { return !window; }));
 }
 
 TEST_F(EditorClosingTest, TheMainWindowMayGoFirst)

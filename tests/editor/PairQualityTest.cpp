@@ -21,8 +21,7 @@ protected:
   void open(const McHandle<ZxField3>& stack) { connect(module->portData, stack); }
   bool isComplete()
   {
-    return QTest::qWaitFor(
-        [this] { return qualities->count() > 0 && qualities->upToDate() == qualities->count(); });
+    return waitFor([this] { return qualities->count() > 0 && qualities->upToDate() == qualities->count(); });
   }
   /// What the module itself says of each pair, by making it the current one.
   void expectAsTheModule()
@@ -83,7 +82,7 @@ TEST_F(PairQualitiesTest, OnlyPairsThatChangedAreComputedAnew)
   EXPECT_EQ(current.takeLast()[0].toInt(), 5);
   changed.clear();
   module->getSlice(3).translationY = 4;
-  ASSERT_TRUE(QTest::qWaitFor([&] { return changed.size() == 2; }));
+  ASSERT_TRUE(waitFor([&] { return changed.size() == 2; }));
   EXPECT_EQ(changed[0][0].toInt() + changed[1][0].toInt(), 2 + 3);
   EXPECT_EQ(std::set<int>({changed[0][0].toInt(), changed[1][0].toInt()}), std::set<int>({2, 3}));
   expectAsTheModule();
@@ -107,14 +106,14 @@ TEST_F(PairQualitiesTest, GiveWayToOtherWorkAndFollowTheInput)
   EXPECT_TRUE(isComplete());
   QSignalSpy reset(qualities.get(), &PairQualities::reset);
   open(greyStack({12, 10, 4})); // as many slices, other ones
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !reset.isEmpty(); }));
+  ASSERT_TRUE(waitFor([&] { return !reset.isEmpty(); }));
   expectAsTheModule();
   module->portData.disconnect();
   module->fire();
-  ASSERT_TRUE(QTest::qWaitFor([&] { return qualities->count() == 0; }));
+  ASSERT_TRUE(waitFor([&] { return qualities->count() == 0; }));
   EXPECT_EQ(qualities->worst(), -1);
   open(greyStack({400, 300, 30}));
-  ASSERT_TRUE(QTest::qWaitFor([&] { return qualities->count() == 29; }));
+  ASSERT_TRUE(waitFor([&] { return qualities->count() == 29; }));
   qualities.reset(); // while it computes
 }
 
@@ -126,7 +125,7 @@ protected:
     EXPECT_FALSE(dock->isVisible());
     child<QToolBar>("panelToolBar")->actions().first()->trigger();
     ASSERT_TRUE(dock->isVisible());
-    ASSERT_TRUE(QTest::qWaitFor([this] { return dock->qualities().upToDate() == 6; }));
+    ASSERT_TRUE(waitFor([this] { return dock->qualities().upToDate() == 6; }));
   }
   QAbstractItemModel* rows() { return child<QTableView>("pairQualityTable")->model(); }
   QString cell(int row, int column) { return rows()->index(row, column).data().toString(); }
@@ -174,8 +173,7 @@ TEST_F(QxPairQualityDockTest, TheTableSortsByQualityAndMarksTheWorst)
   EXPECT_EQ(std::min(current(), reference()), worst);
   EXPECT_TRUE(child<QLabel>("pairQualityState")->text().contains(PairQualityModel::slicesText(worst)));
   editor->resetAll();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return dock->qualities().worst() != worst; }))
-      << "the table follows an edit";
+  EXPECT_TRUE(waitFor([&] { return dock->qualities().worst() != worst; })) << "the table follows an edit";
 }
 
 // A method leaves its outcome with the slice that it matched, with the lower or the upper one of the pair.
@@ -193,7 +191,7 @@ TEST_F(QxPairQualityDockTest, ShowsTheConfidenceOfTheMethodThatMatchedAPair)
   store("slice0003", 2, 0.974, "");
   store("slice0004", 5, 0.124, "hardly anything overlaps");
   store("slice0001", 3, 0.5, ""); // no neighbours: shown nowhere
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !cell(4, PairQualityModel::ConfidenceColumn).isEmpty(); }));
+  ASSERT_TRUE(waitFor([&] { return !cell(4, PairQualityModel::ConfidenceColumn).isEmpty(); }));
   EXPECT_FALSE(table->isColumnHidden(PairQualityModel::ConfidenceColumn));
   QStringList shown;
   for (int row = 0; row < 6; ++row) shown << cell(row, PairQualityModel::ConfidenceColumn);
