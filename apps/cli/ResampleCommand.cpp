@@ -116,7 +116,7 @@ void ResampleCommand::write(AlignModule& module, OutputFiles& files, PartialOutp
 void ResampleCommand::run(Console& console)
 {
   AlignModule module(console);
-  if (!m_scaleText.empty()) m_scale = SliceScale::of(m_scaleText, "--scale");
+  if (!m_scaleText.empty()) m_scale = SliceScale::of(m_scaleText, SliceScale::Allowed::Both);
   const io::VolumeInfo info = m_input.info();
   check(info);
   OutputFiles files;
