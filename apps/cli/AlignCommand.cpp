@@ -362,16 +362,16 @@ RunFacts AlignCommand::facts(AlignModule& module, const io::VolumeInfo& info, co
   RunFacts facts = {
       {"the command", "align"}, {"the version", ZXALIGN_VERSION}, {"the method", report.method}};
   m_input.addFacts(info, facts);
-  facts.emplace_back("--scale", report.scale);
+  facts.push_back({"--scale", report.scale});
   for (const ZxAlignSetting& setting : module.control().settings())
-    facts.emplace_back(setting.name, module.control().getSetting(setting.name));
-  facts.emplace_back("the reference slice", std::to_string(report.reference));
-  facts.emplace_back("the window", shortest(module.windowMin()) + " to " + shortest(module.windowMax()));
-  facts.emplace_back("--transforms-only", m_transformsOnly ? "on" : "off");
+    facts.push_back({setting.name, module.control().getSetting(setting.name)});
+  facts.push_back({"the reference slice", std::to_string(report.reference)});
+  facts.push_back({"the window", shortest(module.windowMin()) + " to " + shortest(module.windowMax())});
+  facts.push_back({"--transforms-only", m_transformsOnly ? "on" : "off"});
   const std::pair<const char*, const std::string&> files[] = {
       {"--mask", m_mask}, {"--start-from", m_startFrom}, {"--landmarks", m_landmarks}};
   for (const auto& [option, path] : files) {
-    facts.emplace_back(option, path);
+    facts.push_back({option, pathFact(path)});
     const bool isTable = path.empty() || hasEnding(path, ".csv");
     addFileFacts(isTable ? std::vector<std::string>{path} : io::readInfo({path}).files, facts);
   }

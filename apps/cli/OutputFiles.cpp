@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "Text.h"
+#include "UniquePath.h"
 #include "io/Volume.h"
 
 #include <fcntl.h>
@@ -17,15 +18,6 @@
 namespace cli {
 namespace fs = std::filesystem;
 namespace {
-
-/// A path that is the same for the same file, however it was written. Works for files yet to be made.
-fs::path uniquePath(const fs::path& path)
-{
-  std::error_code error;
-  const fs::path result = fs::weakly_canonical(fs::absolute(path), error);
-  const fs::path& best = error ? path : result;
-  return best.has_filename() ? best : best.parent_path();
-}
 
 bool isSequence(const std::string& path)
 {

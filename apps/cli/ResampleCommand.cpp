@@ -95,9 +95,9 @@ RunFacts ResampleCommand::facts(const io::VolumeInfo& info) const
 {
   RunFacts facts = {{"the command", "resample"}, {"the version", ZXALIGN_VERSION}};
   m_input.addFacts(info, facts);
-  facts.emplace_back("--transforms", m_transforms);
+  facts.push_back({"--transforms", pathFact(m_transforms)});
   addFileFacts({m_transforms}, facts);
-  facts.emplace_back("--scale", m_scale.text());
+  facts.push_back({"--scale", m_scale.text()});
   m_resample.addFacts(facts);
   return facts;
 }

@@ -89,13 +89,13 @@ void requireMemory(const ZxLatticeShape& shape, const char* whose)
 
 void ResampleOptions::addFacts(RunFacts& facts) const
 {
-  facts.emplace_back("--size",
-                     m_size.size() == 2 ? std::to_string(m_size[0]) + " " + std::to_string(m_size[1]) : "");
-  facts.emplace_back("--auto-size", m_autoSize ? "on" : "off");
-  facts.emplace_back("--background", m_background);
-  facts.emplace_back("--interpolation", m_interpolation);
-  facts.emplace_back("--labels", m_labels);
-  facts.emplace_back("--labels-out", m_labelsOutput);
+  facts.push_back(
+      {"--size", m_size.size() == 2 ? std::to_string(m_size[0]) + " " + std::to_string(m_size[1]) : ""});
+  facts.push_back({"--auto-size", m_autoSize ? "on" : "off"});
+  facts.push_back({"--background", m_background});
+  facts.push_back({"--interpolation", m_interpolation});
+  facts.push_back({"--labels", pathFact(m_labels)});
+  facts.push_back({"--labels-out", pathFact(m_labelsOutput)});
   if (hasLabels()) addFileFacts(io::readInfo({m_labels}).files, facts);
 }
 

@@ -222,6 +222,25 @@ TEST_F(Resume, KnowsItsInputsByTheirFiles)
   expectRun({"align", "in", "-o", "b.nrrd", "--resume"});
 }
 
+// Another folder to work in, and a link on the way, change the names of the files but not the files.
+TEST_F(Resume, GoesOnFromAnotherFolder)
+{
+  for (const std::string name : {"in", "out", "elsewhere"}) fs::create_directory(folder.file(name));
+  test::makePhantom(folder.file("in/stack.nrrd"), 12, 200);
+  test::writeLabels(folder.file("in/labels.nrrd"), {200, 200, 12});
+  fs::create_directory_symlink(folder.file("in"), folder.file("elsewhere/link"));
+  const auto align = [&](const std::string& in, const std::string& out) {
+    return Arguments{"align",        in + "/stack.nrrd",  "-o",       out + "/a.nrrd",
+                     "--mask",       in + "/labels.nrrd", "--labels", in + "/labels.nrrd",
+                     "--labels-out", out + "/l.nrrd"};
+  };
+  leaveStopped(align("in", "out"), "out/a.nrrd");
+  const Outcome resumed = run({with(align("link", "../out"), {"--resume"}), {}, folder.file("elsewhere")});
+  EXPECT_EQ(resumed.status, 0) << resumed.err;
+  EXPECT_NE(resumed.out.find("before the stop"), std::string::npos) << resumed.out;
+  EXPECT_TRUE(fs::exists(folder.file("out/a.nrrd")) && fs::exists(folder.file("out/l.nrrd")));
+}
+
 TEST_F(Resume, KeepsWhatWasWrittenBeforeTheDiskWasFull)
 {
   test::makePhantom(folder.file("in.nrrd"), 5, 150);
