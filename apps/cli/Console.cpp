@@ -16,6 +16,9 @@ namespace {
 // What the package says of every slice of a result that is made with most-frequent backgrounds.
 constexpr std::string_view kOfEverySlice = "Background color slice ";
 
+/// A sentence on what cannot be done gives the cause of what is said after it.
+bool isCause(const std::string& line) { return line.starts_with("Cannot "); }
+
 /// Each line once, at the place of the first of its kind. Lines of a kind are equal ones, and those that are
 /// about every slice.
 std::vector<std::string> condensed(const std::vector<std::string>& lines)
@@ -57,11 +60,11 @@ void Console::remarks()
   m_held.clear();
 }
 
+bool Console::holdsCause() const { return std::any_of(m_held.begin(), m_held.end(), isCause); }
+
 std::string Console::reason(const std::string& otherwise)
 {
-  // A sentence on what cannot be done gives the cause of what is said after it.
-  const auto cause = std::find_if(m_held.rbegin(), m_held.rend(),
-                                  [](const std::string& line) { return line.starts_with("Cannot "); });
+  const auto cause = std::find_if(m_held.rbegin(), m_held.rend(), isCause);
   std::string reason = m_held.empty() ? otherwise : cause != m_held.rend() ? *cause : m_held.back();
   m_held.clear();
   return reason;

@@ -278,8 +278,9 @@ bool PartialOutput::writeQuietly() noexcept
   return false;
 }
 
-std::string PartialOutput::tail(bool stopped) noexcept
+std::string PartialOutput::tail(End end) noexcept
 {
+  const bool stopped = end == End::Stopped;
   // Without pairs and slices there is nothing that would not come again at once.
   const bool hasWork = !m_state.pairs.empty() || m_hasSlices || m_resumes;
   const bool isWhole = !hasWork || m_isWritten || writeQuietly();
@@ -288,7 +289,10 @@ std::string PartialOutput::tail(bool stopped) noexcept
     return "; " + std::to_string(m_pairsOnDisk) + " of " + std::to_string(m_state.pairs.size()) +
            " finished pairs are kept in " + m_name + ", and --resume takes them up: " + m_problem;
   if (hasWork && m_isOurs && (stopped || m_hasProgress))
-    return "; what is done is kept in " + m_name + ", and --resume takes it up.";
+    return "; what is done is kept in " + m_name +
+           (end == End::InputUnreadable
+                ? ": --resume takes it up once the same files can be read; mended ones are aligned anew."
+                : ", and --resume takes it up.");
   if (m_isOurs && !hasWork) remove();
   return stopped ? "; nothing was written." : ".";
 }
@@ -317,7 +321,8 @@ void PartialOutput::guard(const std::function<void()>& work)
     sentence = stopped ? doing() : error.what();
   }
   if (sentence.ends_with('.')) sentence.pop_back();
-  sentence += tail(stopped);
+  const bool isUnreadable = sentence.starts_with("Cannot read ");
+  sentence += tail(stopped ? End::Stopped : isUnreadable ? End::InputUnreadable : End::Failed);
   if (stopped) throw Stopped(sentence);
   throw Failure(sentence);
 }

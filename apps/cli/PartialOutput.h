@@ -67,7 +67,9 @@ private:
   void publish(const std::string& hidden);
   void write();
   bool writeQuietly() noexcept;
-  std::string tail(bool stopped) noexcept;
+  enum class End { Stopped, Failed, InputUnreadable };
+  /// What becomes of the work, to follow the reason of an end.
+  std::string tail(End end) noexcept;
 
   std::filesystem::path m_folder;
   std::string m_name; ///< of the folder, for sentences

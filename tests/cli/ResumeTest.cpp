@@ -143,6 +143,26 @@ protected:
   std::mt19937 random{12};
 };
 
+// A slice that cannot be read may be damaged, and a mended one makes another run; or its disk is away.
+TEST_F(Resume, SaysWhatAnUnreadableSliceMeansForIt)
+{
+  fs::create_directory(folder.file("in"));
+  test::makePhantom(folder.file("in/%02d.png"), 6, 200);
+  const std::string first = folder.file("in/00.png"), whole = readFile(first);
+  test::writeFile(first, whole.substr(0, whole.size() / 2));
+  // The search for the range meets it at once.
+  const Arguments align = {"align", "in", "-o", "a.nrrd"};
+  expectRefusal(align, "Cannot read slice 0 from \"in/00.png\"");
+  const Arguments inWindow = with(align, {"--window", "0", "200"});
+  const Outcome failed = run({inWindow, {}, folder.path()});
+  EXPECT_EQ(failed.status, 1);
+  EXPECT_NE(failed.err.find("--resume takes it up once the same files can be read"), std::string::npos)
+      << failed.err;
+  expectRefusal(with(inWindow, {"--resume"}), "Cannot read slice 0");
+  test::writeFile(first, whole);
+  expectRefusal(with(inWindow, {"--resume"}), "in/00.png has changed since");
+}
+
 // Killed at once and asked to stop, after any number of slices, in every kind of file.
 TEST_F(Resume, GoesOnAfterTheLastSliceOfEveryFormat)
 {
