@@ -475,16 +475,16 @@ McHandle<ZxSpatialData> AlignCommand::writeVolumes(AlignModule& module, const St
   }
   if (m_transformsOnly) {
     module.storeAlignment();
-    growVolume(files, partial, "volume", m_output, stack.volume, console);
+    growVolume(files, partial, PartialOutput::kVolume, m_output, stack.volume, console);
     return {};
   }
   m_resample.settle(module, stack.info.shape);
   McHandle<ZxSpatialData> aligned = module.alignedVolume();
   passConfidence(stack.volume->parameters(), aligned->parameters());
-  report.seconds.resampling = growVolume(files, partial, "volume", m_output, aligned, console);
+  report.seconds.resampling = growVolume(files, partial, PartialOutput::kVolume, m_output, aligned, console);
   if (m_resample.hasLabels())
-    report.seconds.resampling +=
-        growVolume(files, partial, "labels", m_resample.labelsOutput(), module.alignedLabels(), console);
+    report.seconds.resampling += growVolume(files, partial, PartialOutput::kLabels, m_resample.labelsOutput(),
+                                            module.alignedLabels(), console);
   return aligned;
 }
 

@@ -106,9 +106,10 @@ void ResampleCommand::write(AlignModule& module, OutputFiles& files, PartialOutp
                             Console& console) const
 {
   const WorkingPhase phase("Writing " + m_output);
-  growVolume(files, partial, "volume", m_output, module.alignedVolume(), console);
+  growVolume(files, partial, PartialOutput::kVolume, m_output, module.alignedVolume(), console);
   if (m_resample.hasLabels())
-    growVolume(files, partial, "labels", m_resample.labelsOutput(), module.alignedLabels(), console);
+    growVolume(files, partial, PartialOutput::kLabels, m_resample.labelsOutput(), module.alignedLabels(),
+               console);
   files.commit();
   partial.remove();
 }

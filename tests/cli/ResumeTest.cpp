@@ -360,6 +360,32 @@ TEST_F(Resume, TouchesNoInputAndNoOutputInItsFolder)
                 "is removed when the work is done");
 }
 
+TEST_F(Resume, KeepsWhatIsOfOthersInItsFolder)
+{
+  test::makePhantom(folder.file("in.nrrd"), 12, 200);
+  const Arguments align = {"align", "in.nrrd", "-o", "a.nrrd"};
+  const std::string notes = folder.file("a.nrrd.partial/notes.txt");
+  leaveStopped(align, "a.nrrd");
+  test::writeFile(notes, "mine");
+  expectRefusal(align, "notes.txt in it is from no run");
+  expectRefusal(with(align, {"--resume"}), "notes.txt in it is from no run");
+  // Put there while a run is at work, which ends all the same.
+  Outcome outcome;
+  untilMet("a.nrrd", [&] {
+    fs::remove_all(folder.file("a.nrrd.partial"));
+    const auto putNotes = [&](pid_t) {
+      if (!fs::exists(notes)) test::writeFile(notes, "mine");
+      return false;
+    };
+    outcome = test::runUntil({align, {}, folder.path()}, putNotes, SIGTERM);
+    return fs::exists(notes);
+  });
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_NE(outcome.err.find("a.nrrd.partial stays, since notes.txt"), std::string::npos) << outcome.err;
+  EXPECT_EQ(readFile(notes), "mine");
+  EXPECT_EQ(folder.contents().size(), 4U) << "input, output, the folder and the notes";
+}
+
 TEST_F(Resume, SaysWhenNothingCouldBeKept)
 {
   test::makePhantom(folder.file("in.nrrd"), 14, 150);
