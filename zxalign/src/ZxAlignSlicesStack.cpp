@@ -433,7 +433,9 @@ bool ZxAlignSlices::alignPair(const ZxAlignPair& pair, int method, ZxAlignPairRe
   result.pair = pair;
   result.qualityBefore = static_cast<double>(computeQuality());
   const ZxAlignTransform before = toControl(getSlice(pair.editable));
-  if (!doLayout(method)) return false;
+  // A method without memory for its work ends like one that leaves the pair as it is, but for the message.
+  const int memErrors = ZxMessage::getTheMsg()->numMemErrors();
+  if (!doLayout(method) || ZxMessage::getTheMsg()->numMemErrors() != memErrors) return false;
   result.transform = toControl(getSlice(pair.editable));
   result.changed = !(result.transform == before);
   result.qualityAfter = static_cast<double>(computeQuality());
