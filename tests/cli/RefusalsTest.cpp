@@ -142,6 +142,9 @@ TEST_F(Refusals, FullDiskLeavesNothing)
 {
   for (const std::string output : {"out.nrrd", "out.tif", "out.mrc", "out.mha", "out.nii", "s_%02d.tif"})
     expectRefusal({"align", "in.nrrd", "-o", output, "--report", "r.json"}, output.substr(0, 2), 2000);
+  // All but the picture fits.
+  expectRefusal({"align", "in.nrrd", "-o", "t.csv", "--transforms-only", "--picture", "p.png"},
+                "The picture ", 16000);
 }
 
 TEST_F(Refusals, DamagedFilesOfTheCollection)

@@ -5,9 +5,12 @@
 #include "zxalign/QxOrthoViewManager.h"
 #include "zxalign/QxViewAlignSlicesOrthogonalCommonToolBar.h"
 
+#include <QBuffer>
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QImageWriter>
 #include <QLayout>
+#include <QSaveFile>
 #include <QToolBar>
 
 void QxAlignSlices::chooseEditMode(int mode)
@@ -53,7 +56,14 @@ std::string QxAlignSlices::snapshot(const std::string& fileName)
   // The fourth byte of what is on the screen says nothing; a picture is opaque.
   const QImage picture = grab().toImage().convertToFormat(QImage::Format_RGB32);
   for (QToolBar* bar : bars) bar->show();
-  QImageWriter writer(QString::fromStdString(fileName));
-  if (writer.write(picture)) return {};
-  return fileName + " could not be written: " + writer.errorString().toStdString() + ".";
+  const QString name = QString::fromStdString(fileName);
+  // In memory first: encoders print words of their own where they cannot write.
+  QByteArray encoded;
+  QBuffer buffer(&encoded);
+  QImageWriter writer(&buffer, QFileInfo(name).suffix().toLatin1());
+  if (!writer.write(picture))
+    return fileName + " could not be written: " + writer.errorString().toStdString() + ".";
+  QSaveFile file(name);
+  if (file.open(QIODevice::WriteOnly) && file.write(encoded) == encoded.size() && file.commit()) return {};
+  return fileName + " could not be written: " + file.errorString().toStdString() + ".";
 }
