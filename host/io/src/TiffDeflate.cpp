@@ -18,30 +18,27 @@ namespace {
 
 /// The differences of the values of a row to those of the pixel before, in arithmetic without overflow.
 template <class T>
-void subtractNeighbours(const std::byte* row, std::size_t bytes, std::size_t stride, std::byte* dst)
+void subtractNeighbours(std::span<const std::byte> row, std::size_t stride, std::byte* dst)
 {
-  const std::size_t count = bytes / sizeof(T);
-  std::memcpy(dst, row, std::min(stride, count) * sizeof(T));
-  for (std::size_t i = stride; i < count; ++i) {
-    T value, before;
-    std::memcpy(&value, row + i * sizeof(T), sizeof(T));
-    std::memcpy(&before, row + (i - stride) * sizeof(T), sizeof(T));
-    value = static_cast<T>(value - before);
-    std::memcpy(dst + i * sizeof(T), &value, sizeof(T));
-  }
+  // Both begin where the allocator put them, aligned for any type.
+  const T* from = reinterpret_cast<const T*>(row.data());
+  T* to = reinterpret_cast<T*>(dst);
+  const std::size_t count = row.size() / sizeof(T);
+  std::copy_n(from, std::min(stride, count), to);
+  for (std::size_t i = stride; i < count; ++i) to[i] = static_cast<T>(from[i] - from[i - stride]);
 }
 
 void subtractNeighbours(unsigned bits, std::span<const std::byte> row, std::size_t stride, std::byte* dst)
 {
   switch (bits) {
   case 8:
-    return subtractNeighbours<std::uint8_t>(row.data(), row.size(), stride, dst);
+    return subtractNeighbours<std::uint8_t>(row, stride, dst);
   case 16:
-    return subtractNeighbours<std::uint16_t>(row.data(), row.size(), stride, dst);
+    return subtractNeighbours<std::uint16_t>(row, stride, dst);
   case 32:
-    return subtractNeighbours<std::uint32_t>(row.data(), row.size(), stride, dst);
+    return subtractNeighbours<std::uint32_t>(row, stride, dst);
   default:
-    return subtractNeighbours<std::uint64_t>(row.data(), row.size(), stride, dst);
+    return subtractNeighbours<std::uint64_t>(row, stride, dst);
   }
 }
 
