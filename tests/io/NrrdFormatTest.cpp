@@ -187,6 +187,20 @@ TEST(NrrdFormat, ConvertsLargeSlicesInAnyOrder)
   }
 }
 
+TEST(NrrdFormat, QuotesADamagedHeaderInOneSentence)
+{
+  const TemporaryFolder folder;
+  const std::string lines = "encoding: raw\ndimension: 3\nsizes: 3 2 2\ntype: ";
+  const std::string control =
+      folder.put("c.nrrd", header(lines + std::string("u\0int\x1b\x7f", 7) + "8\n\n"));
+  expectRefused(*nrrd, control, "the type \"u?int??8\" is not supported.");
+  std::string accents;
+  for (int i = 0; i < 50'000; ++i) accents += "\u00FC";
+  const std::string sentence = refusal(*nrrd, folder.put("l.nrrd", header(lines + accents + "\n\n")));
+  EXPECT_LT(sentence.size(), folder.file("l.nrrd").size() + 600);
+  EXPECT_TRUE(sentence.ends_with("\u00FC....")) << sentence;
+}
+
 // A file is read by chunks of 65536 bytes: in some of these the last voxel and the checksum lie in two of
 // them.
 TEST(NrrdFormat, ChecksThePackedDataToTheirEnd)
