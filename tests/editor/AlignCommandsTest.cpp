@@ -5,6 +5,7 @@
 #include "zxalign/QxViewAlignSlicesCoronal.h"
 
 #include <QDoubleSpinBox>
+#include <QFile>
 #include <QImage>
 
 #include <fstream>
@@ -230,6 +231,10 @@ TEST_F(AlignCommandsTest, ShowViewsAndWriteAPicture)
   EXPECT_NE(failure("snapshot /nowhere/editor.png").find("/nowhere/editor.png could not be written"),
             std::string::npos);
   failure("snapshot " + file("editor.unknown"));
+  ASSERT_TRUE(QFile::link("/dev/full", QString::fromStdString(file("full.png"))));
+  testing::internal::CaptureStderr();
+  EXPECT_NE(failure("snapshot " + file("full.png")).find("No space left on device"), std::string::npos);
+  EXPECT_EQ(testing::internal::GetCapturedStderr().find("png"), std::string::npos) << "nothing to add";
   EXPECT_EQ(editor->getVisibleToolbar().size(), 3) << "also when it fails";
   result("showYZView 0");
   EXPECT_FALSE(editor->getOrthoViewManager()->getSagittalView());

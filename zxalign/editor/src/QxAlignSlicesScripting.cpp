@@ -7,10 +7,10 @@
 
 #include <QBuffer>
 #include <QCoreApplication>
+#include <QFile>
 #include <QFileInfo>
 #include <QImageWriter>
 #include <QLayout>
-#include <QSaveFile>
 #include <QToolBar>
 
 void QxAlignSlices::chooseEditMode(int mode)
@@ -63,7 +63,10 @@ std::string QxAlignSlices::snapshot(const std::string& fileName)
   QImageWriter writer(&buffer, QFileInfo(name).suffix().toLatin1());
   if (!writer.write(picture))
     return fileName + " could not be written: " + writer.errorString().toStdString() + ".";
-  QSaveFile file(name);
-  if (file.open(QIODevice::WriteOnly) && file.write(encoded) == encoded.size() && file.commit()) return {};
-  return fileName + " could not be written: " + file.errorString().toStdString() + ".";
+  QFile file(name);
+  const bool isNew = !file.exists();
+  if (file.open(QIODevice::WriteOnly) && file.write(encoded) == encoded.size() && file.flush()) return {};
+  const std::string reason = file.errorString().toStdString();
+  if (isNew) file.remove();
+  return fileName + " could not be written: " + reason + ".";
 }
