@@ -5,6 +5,7 @@
 #include "QualityPlot.h"
 #include "io/Error.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QFontMetrics>
 #include <QImage>
@@ -128,8 +129,13 @@ void writePicture(const PictureInput& input, const std::string& path)
 {
   const OffscreenGui gui;
   const QImage picture = paint(input);
+  // In memory first: the encoder prints words of its own where it cannot write.
+  QByteArray encoded;
+  QBuffer buffer(&encoded);
+  if (!picture.save(&buffer, "PNG"))
+    throw io::Error("The picture " + path + " could not be written: it could not be encoded.");
   QSaveFile file(QFile::decodeName(path.c_str()));
-  if (!file.open(QIODevice::WriteOnly) || !picture.save(&file, "PNG") || !file.commit())
+  if (!file.open(QIODevice::WriteOnly) || file.write(encoded) != encoded.size() || !file.commit())
     throw io::Error("The picture " + path + " could not be written: " + file.errorString().toStdString() +
                     ".");
 }

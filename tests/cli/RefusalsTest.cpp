@@ -147,6 +147,17 @@ TEST_F(Refusals, FullDiskLeavesNothing)
     expectRefusal({"align", "in.nrrd", "-o", output, "--report", "r.json"}, output.substr(0, 2), 2000);
 }
 
+// All but the picture fits: what has been computed is kept for "--resume".
+TEST_F(Refusals, APictureThatDoesNotFit)
+{
+  const Outcome outcome =
+      run({{"align", "in.nrrd", "-o", "out.nrrd", "--picture", "p.png"}, {}, folder.path(), 16000});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err.find("zxalign: The picture "), 0u) << outcome.err;
+  EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+  EXPECT_FALSE(std::filesystem::exists(folder.file("p.png")));
+}
+
 TEST_F(Refusals, DamagedFilesOfTheCollection)
 {
   const std::string collection = test::sharedData("readers/malformed_made");

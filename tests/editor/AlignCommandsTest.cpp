@@ -5,6 +5,7 @@
 #include "zxalign/QxViewAlignSlicesCoronal.h"
 
 #include <QDoubleSpinBox>
+#include <QFile>
 #include <QImage>
 
 #include <fstream>

@@ -2,6 +2,7 @@
 #include "IndependentReader.h"
 
 #include <itkNrrdImageIO.h>
+#include <zlib.h>
 
 namespace io::testing {
 namespace {
@@ -9,6 +10,22 @@ namespace {
 const std::unique_ptr<Format> nrrd = makeNrrdFormat();
 
 std::string header(const std::string& lines) { return "NRRD0004\n" + lines; }
+
+/// A stream of gzip, or of zlib, whose size does not depend on the bytes.
+std::string packed(const std::string& bytes, bool gzip)
+{
+  z_stream stream{};
+  deflateInit2(&stream, Z_NO_COMPRESSION, Z_DEFLATED, gzip ? 31 : 15, 8, Z_DEFAULT_STRATEGY);
+  std::string out(deflateBound(&stream, bytes.size()) + 100, '\0');
+  stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
+  stream.avail_in = static_cast<uInt>(bytes.size());
+  stream.next_out = reinterpret_cast<Bytef*>(out.data());
+  stream.avail_out = static_cast<uInt>(out.size());
+  EXPECT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
+  out.resize(stream.total_out);
+  deflateEnd(&stream);
+  return out;
+}
 
 TEST(NrrdFormat, BringsEveryTypeBackAndOtherReadersAgree)
 {
@@ -167,6 +184,45 @@ TEST(NrrdFormat, ConvertsLargeSlicesInAnyOrder)
     reader->readSlice(k, slice.data());
     EXPECT_TRUE(
         std::equal(slice.begin(), slice.end(), values.begin() + (k ? static_cast<std::ptrdiff_t>(half) : 0)));
+  }
+}
+
+TEST(NrrdFormat, QuotesADamagedHeaderInOneSentence)
+{
+  const TemporaryFolder folder;
+  const std::string lines = "encoding: raw\ndimension: 3\nsizes: 3 2 2\ntype: ";
+  const std::string control =
+      folder.put("c.nrrd", header(lines + std::string("u\0int\x1b\x7f", 7) + "8\n\n"));
+  expectRefused(*nrrd, control, "the type \"u?int??8\" is not supported.");
+  std::string accents;
+  for (int i = 0; i < 50'000; ++i) accents += "\u00FC";
+  const std::string sentence = refusal(*nrrd, folder.put("l.nrrd", header(lines + accents + "\n\n")));
+  EXPECT_LT(sentence.size(), folder.file("l.nrrd").size() + 600);
+  EXPECT_TRUE(sentence.ends_with("\u00FC....")) << sentence;
+}
+
+// A file is read by chunks of 65536 bytes: in some of these the last voxel and the checksum lie in two of
+// them.
+TEST(NrrdFormat, ChecksThePackedDataToTheirEnd)
+{
+  const TemporaryFolder folder;
+  for (const bool gzip : {true, false}) {
+    for (std::size_t size = 65490; size < 65536; size += 3) {
+      const std::string voxels(size, '\5'), sound = packed(voxels, gzip),
+                                            more = packed(voxels + "more", gzip);
+      const std::string lines =
+          header("encoding: gzip\ntype: uint8\ndimension: 2\nsizes: " + std::to_string(size) + " 1\n\n");
+      for (const std::string& data : {sound, more, sound + "padding", sound + packed("another member", gzip)})
+        EXPECT_EQ(refusal(*nrrd, folder.put("s.nrrd", lines + data)), "") << size;
+      const std::size_t sum = gzip ? 8 : 4; // from the end
+      for (std::string data : {sound, more}) {
+        data[data.size() - sum] ^= 1;
+        expectRefused(*nrrd, folder.put("d.nrrd", lines + data), "its compressed data are damaged");
+        data.resize(data.size() - 1);
+        EXPECT_NE(refusal(*nrrd, folder.put("d.nrrd", lines + data)), "");
+      }
+      expectRefused(*nrrd, folder.put("d.nrrd", lines + sound.substr(0, sound.size() - 1)), "end too early");
+    }
   }
 }
 

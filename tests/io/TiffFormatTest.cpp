@@ -1,6 +1,7 @@
 #include "IoTest.h"
 
 #include <tiffio.h>
+#include <zlib.h>
 
 #include <cstring>
 #include <functional>
@@ -43,11 +44,44 @@ protected:
     TIFFWriteRawStrip(tiff, 0, const_cast<char*>(bytes.data()), static_cast<tmsize_t>(bytes.size()));
     TIFFClose(tiff);
   }
+  /// 12 x 20 pixels of 8 bits in one tile of 16 x 32, or in two strips of 16 rows; the last one is given.
+  void writePiece(const std::string& name, bool tiled, int compression, const std::string& packed)
+  {
+    TIFF* tiff = TIFFOpen(path(name).c_str(), "w");
+    setGrey(tiff, {12, 20, 1}, 8);
+    TIFFSetField(tiff, TIFFTAG_COMPRESSION, compression);
+    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 16);
+    if (tiled) TIFFSetField(tiff, TIFFTAG_TILEWIDTH, 16);
+    if (tiled) TIFFSetField(tiff, TIFFTAG_TILELENGTH, 32);
+    std::string first(std::size_t{12} * 16, '\7');
+    if (!tiled) TIFFWriteEncodedStrip(tiff, 0, first.data(), static_cast<tmsize_t>(first.size()));
+    auto* bytes = const_cast<char*>(packed.data());
+    const auto size = static_cast<tmsize_t>(packed.size());
+    tiled ? TIFFWriteRawTile(tiff, 0, bytes, size) : TIFFWriteRawStrip(tiff, 1, bytes, size);
+    TIFFClose(tiff);
+  }
   static void describe(TIFF* tiff, const std::string& text)
   {
     TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, text.c_str());
   }
 };
+
+std::string deflated(const std::string& bytes)
+{
+  uLongf size = compressBound(bytes.size());
+  std::string packed(size, '\0');
+  compress(reinterpret_cast<Bytef*>(packed.data()), &size, reinterpret_cast<const Bytef*>(bytes.data()),
+           bytes.size());
+  return packed.substr(0, size);
+}
+
+std::string noise(std::size_t size)
+{
+  Random random(3);
+  std::string bytes(size, '\0');
+  for (char& byte : bytes) byte = static_cast<char>(random.next());
+  return bytes;
+}
 
 void expectVoxelSize(const io::VolumeInfo& info, double x, double y, double z, const std::string& unit)
 {
@@ -198,6 +232,61 @@ TEST_F(TiffFormatTest, CutOffFilesAreRefusedWhereverTheyAreCut)
   for (std::size_t n = 1; n < file.size(); n += 97) {
     writeBytes(path("cut.tif"), file.substr(0, n));
     EXPECT_NE(refusalOf(path("cut.tif")), "") << n;
+  }
+}
+
+// The library stops where its memory is full: it looks neither at data behind nor always at the checksum.
+TEST_F(TiffFormatTest, DeflateStreamsThatHoldSomethingElseAreRefused)
+{
+  for (const bool tiled : {false, true}) {
+    const auto read = [&](const std::string& packed) {
+      writePiece("v.tif", tiled, COMPRESSION_ADOBE_DEFLATE, packed);
+      return refusalOf(path("v.tif"));
+    };
+    const std::string bytes = noise(tiled ? 16 * 32 : 12 * 4), sound = deflated(bytes);
+    EXPECT_EQ(read(sound), "");
+    EXPECT_EQ(read(sound + "padding"), "");
+    // Some programs write all rows of the last strip.
+    EXPECT_EQ(read(deflated(noise(tiled ? bytes.size() : 12 * 16))), "");
+    std::string wrongChecksum = sound;
+    wrongChecksum.back() ^= 1;
+    for (const std::string& packed : {deflated(bytes + '\0'), deflated(bytes + std::string(70000, '\1')),
+                                      deflated(bytes.substr(1)), wrongChecksum, wrongChecksum + "padding",
+                                      sound.substr(0, sound.size() - 1), sound.substr(0, sound.size() - 4)}) {
+      const std::string sentence = read(packed);
+      EXPECT_NE(sentence.find("v.tif"), std::string::npos) << tiled << packed.size();
+      EXPECT_EQ(sentence.find('\n'), std::string::npos);
+    }
+  }
+  // Runs of 40 and of 9 bytes where 48 are expected.
+  writePiece("v.tif", false, COMPRESSION_PACKBITS, std::string("\xD9\5\xF8\6", 4));
+  EXPECT_NE(refusalOf(path("v.tif")), "");
+}
+
+TEST_F(TiffFormatTest, DeflateStreamsOfAllLayoutsAreRead)
+{
+  const struct {
+    int bits, format, predictor;
+  } kinds[] = {{8, SAMPLEFORMAT_UINT, 2},    {16, SAMPLEFORMAT_INT, 1},    {16, SAMPLEFORMAT_UINT, 2},
+               {32, SAMPLEFORMAT_INT, 2},    {32, SAMPLEFORMAT_IEEEFP, 1}, {32, SAMPLEFORMAT_IEEEFP, 3},
+               {64, SAMPLEFORMAT_IEEEFP, 2}, {64, SAMPLEFORMAT_IEEEFP, 3}};
+  for (const auto& kind : kinds) {
+    for (const char* mode : {"wl", "wb"}) {
+      if (kind.predictor == 3 && mode[1] == 'b') continue; // The library writes these wrong.
+      for (const int order : {FILLORDER_MSB2LSB, FILLORDER_LSB2MSB}) {
+        TIFF* tiff = TIFFOpen(path("v.tif").c_str(), mode);
+        setGrey(tiff, {7, 5, 1}, kind.bits);
+        TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, kind.format);
+        TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE);
+        TIFFSetField(tiff, TIFFTAG_PREDICTOR, kind.predictor);
+        TIFFSetField(tiff, TIFFTAG_FILLORDER, order);
+        std::string bytes = noise(static_cast<std::size_t>(35 * kind.bits / 8)), kept = bytes;
+        TIFFWriteEncodedStrip(tiff, 0, bytes.data(), static_cast<tmsize_t>(bytes.size()));
+        TIFFClose(tiff);
+        EXPECT_EQ(allBytes(*io::readVolume({path("v.tif")})), kept)
+            << kind.bits << ' ' << kind.predictor << mode << order;
+      }
+    }
   }
 }
 

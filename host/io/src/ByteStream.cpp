@@ -1,6 +1,7 @@
 #include "ByteStream.h"
 
 #include "FileError.h"
+#include "SliceWriter.h"
 
 #include <bzlib.h>
 #include <zlib.h>
@@ -69,6 +70,11 @@ public:
     while (!out.empty() && unpack(out)) {
     }
     return size - out.size();
+  }
+  void finish() override
+  {
+    std::vector<std::byte> rest(chunkBytes);
+    while (read(rest.data(), rest.size()) > 0) throwIfInterrupted();
   }
 
 private:

@@ -16,6 +16,9 @@ public:
   virtual std::size_t read(void* dst, std::size_t size) = 0;
   /// Passes over size bytes, or to the end when there are fewer.
   virtual void skip(std::uint64_t size);
+  /// Unpacks what is left, without keeping it: the checksum stands at the end. Nothing where nothing is
+  /// packed. Polls the work area. Throws Error, and Interrupted.
+  virtual void finish() {}
 };
 
 /// How the bytes of a file are packed.

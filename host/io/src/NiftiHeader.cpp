@@ -73,10 +73,12 @@ NiftiHeader NiftiHeader::read(const std::string& path, Packing packing)
       if (start.get<std::uint32_t>(0) != layout.bytes) continue;
       NiftiHeader header(layout);
       header.m_header.setSwapped(swapped);
-      if (openBytes(path, 0, packing)->read(header.m_header.data(), layout.bytes) != layout.bytes)
+      const std::unique_ptr<ByteStream> file = openBytes(path, 0, packing);
+      if (file->read(header.m_header.data(), layout.bytes) != layout.bytes)
         cannotRead(path, "the file is too short for a NIfTI header");
       if (!header.hasMagic())
         cannotRead(path, "its NIfTI mark is missing (Analyze 7.5 files are not supported)");
+      if (!header.isSingleFile()) file->finish(); // else whoever reads the voxels does
       return header;
     }
   }

@@ -16,6 +16,7 @@ public:
   }
   /// The next character, or -1 at the end.
   int next();
+  void finish() { m_stream->finish(); }
 
 private:
   std::unique_ptr<ByteStream> m_stream;
@@ -33,6 +34,7 @@ public:
   }
   /// size is a multiple of the size of a value.
   std::size_t read(void* dst, std::size_t size) override;
+  void finish() override { m_text.finish(); }
 
 private:
   bool nextWord(std::string& word);
@@ -50,6 +52,7 @@ public:
   {
   }
   std::size_t read(void* dst, std::size_t size) override;
+  void finish() override { m_text.finish(); }
 
 private:
   /// The next digit, or -1 at the end.

@@ -86,6 +86,7 @@ void StoredBytes::readForward(std::size_t file, std::uint64_t within, std::span<
   if (m_stream->read(bytes.data(), bytes.size()) != bytes.size())
     cannotRead(m_files[file].path, "its data end too early");
   m_within += bytes.size();
+  if (m_within == m_shareBytes) m_stream->finish();
 }
 
 } // namespace io

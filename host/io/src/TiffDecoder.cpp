@@ -63,6 +63,7 @@ const std::byte* TiffDecoder::decodePiece(const TiffPage& page, const TiffPieces
   const tmsize_t got = page.tiled ? TIFFReadEncodedTile(m_file.get(), index, m_piece.data(), size)
                                   : TIFFReadEncodedStrip(m_file.get(), index, m_piece.data(), size);
   if (got < size || m_file.hasFailed()) m_file.fail("its data are damaged");
+  if (isDeflate(page)) m_deflate.check(page, pieces, index, m_piece);
   return m_piece.data();
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TiffPage.h"
+#include "TiffDeflate.h"
 
 #include <cstddef>
 #include <vector>
@@ -10,7 +10,7 @@ namespace io {
 /// Decodes pages of a TIFF file that checkTiffPage() has found sound.
 class TiffDecoder {
 public:
-  explicit TiffDecoder(const TiffFile& file) : m_file(file) {}
+  explicit TiffDecoder(const TiffFile& file) : m_file(file), m_deflate(file) {}
 
   /// Decodes rows of a page into values of a type in memory, colours into four. dst has room for them. Only
   /// the strips or tiles that hold these rows are read. Throws Error when data are damaged or missing.
@@ -30,6 +30,7 @@ private:
   std::byte* unpacked(const TiffPage& page, const std::byte* row, std::size_t samples);
 
   const TiffFile& m_file;
+  TiffDeflate m_deflate;
   std::vector<std::byte> m_piece;
   std::vector<std::byte> m_row;
 };

@@ -95,9 +95,11 @@ int TiffFile::onError(TIFF*, void* messages, const char* module, const char* for
 
 int TiffFile::onWarning(TIFF* tiff, void* messages, const char* module, const char* format, va_list arguments)
 {
-  // Decoders that fill up missing data only warn: JPEG, and those of facsimile machines.
-  const bool madeUp = (module && std::strcmp(module, "JPEGLib") == 0) || std::strstr(format, "remature");
-  return madeUp ? onError(tiff, messages, module, format, arguments) : 1;
+  // Decoders that fill up missing data only warn: JPEG, and those of facsimile machines. So does that of
+  // PackBits where it throws data away.
+  const bool damaged = (module && std::strcmp(module, "JPEGLib") == 0) || std::strstr(format, "remature") ||
+                       std::strstr(format, "Discarding");
+  return damaged ? onError(tiff, messages, module, format, arguments) : 1;
 }
 
 } // namespace io

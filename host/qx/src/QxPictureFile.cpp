@@ -1,5 +1,6 @@
 #include "qx/QxPictureFile.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
@@ -8,8 +9,13 @@
 
 std::string qxWritePicture(const QImage& picture, const std::string& fileName)
 {
-  QSaveFile file(QFile::decodeName(fileName.c_str()));
-  QImageWriter writer(&file, QFileInfo(file.fileName()).suffix().toLatin1());
-  if (file.open(QIODevice::WriteOnly) && writer.write(picture) && file.commit()) return {};
-  return (file.error() != QFileDevice::NoError ? file.errorString() : writer.errorString()).toStdString();
+  const QString name = QFile::decodeName(fileName.c_str());
+  // In memory first: encoders print words of their own where they cannot write.
+  QByteArray encoded;
+  QBuffer buffer(&encoded);
+  QImageWriter writer(&buffer, QFileInfo(name).suffix().toLatin1());
+  if (!writer.write(picture)) return writer.errorString().toStdString();
+  QSaveFile file(name);
+  if (file.open(QIODevice::WriteOnly) && file.write(encoded) == encoded.size() && file.commit()) return {};
+  return file.errorString().toStdString();
 }

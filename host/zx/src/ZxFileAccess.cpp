@@ -1,6 +1,7 @@
 #include "zx/ZxFileAccess.h"
 
 #include "zx/ZxField3.h"
+#include "zx/ZxWorkArea.h"
 
 #include <algorithm>
 #include <new>
@@ -48,6 +49,22 @@ ZxFileOutcome guarded(F f)
   }
 }
 
+/// Looks for the range of the values, which whoever shows a volume asks for first: where the voxels stay in a
+/// file that takes as long as reading them, and here it can be watched. False when the user wants to stop.
+bool findRange(ZxSpatialData& data)
+{
+  ZxWorkArea* const area = ZxWorkArea::getTheWorkArea();
+  float min = 0.0f;
+  float max = 0.0f;
+  if (ZxLattice* lattice = data.getLattice()) {
+    lattice->getRange(min, max, [area](float part) {
+      area->setProgressFraction(part);
+      area->processPendingEvents();
+    });
+  }
+  return !area->wasInterrupted();
+}
+
 bool equalIgnoringCase(std::string_view a, std::string_view b)
 {
   const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
@@ -92,7 +109,11 @@ void ZxFileAccess::noteContent(ZxSpatialData& data)
 
 ZxFileOutcome ZxFileAccess::read(const ZxReadRequest& request)
 {
-  ZxFileOutcome outcome = guarded([&] { return readVolume(request); });
+  ZxFileOutcome outcome = guarded([&] {
+    ZxFileOutcome read = readVolume(request);
+    if (!read.data || findRange(*read.data)) return read;
+    return ZxFileOutcome{ZxFileOutcome::State::Stopped, {}, "Stopped by the user."};
+  });
   if (outcome.data) outcome.data->setFileName(request.inputs.front());
   return outcome;
 }

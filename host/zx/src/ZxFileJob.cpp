@@ -248,16 +248,8 @@ std::unique_ptr<ZxFileJob> ZxFileJob::read(ZxReadRequest request)
       "Reading " + (request.inputs.empty() ? std::string("nothing") : nameOf(request.inputs.front()));
   auto shared = std::make_shared<Shared>();
   std::unique_ptr<ZxFileJob> job(new ZxFileJob(title, shared));
-  startJob(shared, title, [request = std::move(request)] {
-    ZxFileOutcome outcome = ZxFileAccess::getTheFileAccess()->read(request);
-    // Whoever looks at the volume asks for its range first, and would have to wait for it.
-    float min = 0.0f;
-    float max = 0.0f;
-    ZxWorkArea* const area = ZxWorkArea::getTheWorkArea();
-    if (outcome.data && outcome.data->getLattice() && !area->wasInterrupted())
-      outcome.data->getLattice()->getRange(min, max, [area](float part) { area->setProgressFraction(part); });
-    return outcome;
-  });
+  startJob(shared, title,
+           [request = std::move(request)] { return ZxFileAccess::getTheFileAccess()->read(request); });
   return job;
 }
 

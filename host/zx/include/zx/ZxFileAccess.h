@@ -62,7 +62,7 @@ public:
   /// Empty when the data can be written under that name, else the sentence that writing would end with.
   virtual std::string checkWritable(const ZxSpatialData& data, const std::string& path) const = 0;
 
-  /// Reads a volume in the calling thread.
+  /// Reads a volume in the calling thread. The range of its values is known afterwards.
   ZxFileOutcome read(const ZxReadRequest& request);
   /// Writes data in the calling thread. They count as saved afterwards and know the name of their file.
   ZxFileOutcome write(ZxSpatialData& data, const std::string& path);
