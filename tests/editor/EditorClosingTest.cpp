@@ -120,6 +120,7 @@ TEST_F(EditorClosingTest, AnotherStackIsTakenUpWhileTheWindowIsOpen)
   connect(module->portData, another);
   EXPECT_EQ(current(), 1);
   EXPECT_FALSE(item("undoAction")->isEnabled());
+  EXPECT_FALSE(module->isModified());
   editor->drawArea()->viewport()->grab();
   key(Qt::Key_End);
   EXPECT_EQ(current(), 2);
@@ -154,6 +155,7 @@ TEST_F(EditorClosingTest, AnInputThatCannotBeAlignedLeavesNothing)
   edit();
   connect(module->portData, greyStack({24, 18, 1}));
   EXPECT_FALSE(module->portData.isConnected());
+  EXPECT_FALSE(module->isModified());
   editor->drawArea()->viewport()->grab();
   key(Qt::Key_Right);
   connect(module->portData, stack);

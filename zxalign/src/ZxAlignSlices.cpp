@@ -138,18 +138,24 @@ void ZxAlignSlices::rejectInput()
   const McHandle<ZxSpatialData> before(m_data->getSpatialData());
   const ZxEditorPause pause(m_editor.get());
   portData.disconnect();
-  m_recovery->detach();
-  m_undoRedo.clear();
+  leaveInput();
   m_data->reset();
   if (m_editor) m_editor->reinitialise();
+}
+
+// What was edited and not saved stays in the recovery file of the old input.
+void ZxAlignSlices::leaveInput()
+{
+  m_recovery->detach();
+  m_undoRedo.clear(); // its snapshots are of other slices
+  m_modified = false;
 }
 
 bool ZxAlignSlices::acceptInput(ZxSpatialData* data, ZxLattice* lattice)
 {
   const McHandle<ZxSpatialData> before(m_data->getSpatialData()); // as in rejectInput()
   const ZxEditorPause pause(m_editor.get());
-  m_recovery->detach();
-  m_undoRedo.clear(); // its snapshots are of other slices
+  leaveInput();
   if (!m_data->init(data, lattice)) {
     if (m_editor) m_editor->reinitialise();
     return false;

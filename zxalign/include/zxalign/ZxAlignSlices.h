@@ -261,6 +261,7 @@ private:
   bool computeData();
   bool acceptInput(ZxSpatialData* data, ZxLattice* lattice);
   void rejectInput();
+  void leaveInput();
   void checkAuxiliaryInputs(const ZxLattice& lattice);
   void initDataWindow(ZxLattice& lattice);
   void initTransforms();
