@@ -82,6 +82,12 @@ TEST_F(EditorClosingTest, UnsavedChangesAreAskedFor)
   EXPECT_TRUE(editor->canClose()); // as the main window asks
   EXPECT_TRUE(isStored());
   EXPECT_FALSE(module->isModified());
+  EXPECT_TRUE(isShown()) << "something else may keep the main window open";
+  edit();
+  answerPrompt("&Don't Save");
+  EXPECT_TRUE(editor->canClose());
+  EXPECT_TRUE(isShown() && module->isModified());
+  editor->closePage();
   EXPECT_FALSE(isShown());
   EXPECT_EQ(button(), "Edit");
   EXPECT_EQ(ZxWorkArea::getTheWorkArea()->getProgressText(), "");
