@@ -245,6 +245,7 @@ public:
                    int firstPair = 0);
   double pairQuality(int lower) override;
   double maskedPairQuality(int lower) override;
+  bool liesAsMatched(int slice) override;
   void minimalSize(int& width, int& height) const override { calcMinBox(&width, &height); }
   McHandle<ZxSpatialData> alignedVolume() override;
   McHandle<ZxSpatialData> alignedLabels() override;
