@@ -110,6 +110,7 @@ QxCloseGuard::Answer QxCloseGuard::askAboutUnsaved()
                   QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, m_window);
   box.setObjectName("unsavedPrompt");
   box.setInformativeText(namesOf(unsaved));
+  box.button(QMessageBox::Save)->setText(tr("&Save"));
   box.button(QMessageBox::Discard)->setText(tr("&Don't Save"));
   box.setDefaultButton(QMessageBox::Save);
   const int answer = box.exec();
