@@ -307,12 +307,12 @@ void AlignCommand::applyAtFullSize(AlignModule& module, const Stack& stack, Alig
   const ZxDims &full = stack.info.shape.dims, &reduced = stack.compared->getLattice()->getDims();
   for (ZxAlignTransform& transform : report.transforms) transform = m_scale.toFull(transform, reduced, full);
   for (ZxAlignPairResult& pair : report.pairs) pair.transform = m_scale.toFull(pair.transform, reduced, full);
-  passConfidence(stack.compared->parameters(), stack.volume->parameters());
   const std::string rotationStep = control.getSetting("rotation-step");
   const float min = module.windowMin(), max = module.windowMax();
   module.connectInput(*stack.volume, AlignModule::Window::Later);
   control.setTransforms(report.transforms);
   control.setLandmarks(stack.landmarks);
+  passConfidence(stack.compared->parameters(), stack.volume->parameters());
   // What the slices were compared with, for the report and the picture.
   module.set("rotation-step", rotationStep);
   module.setWindow(min, max);

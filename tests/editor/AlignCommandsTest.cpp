@@ -5,7 +5,6 @@
 #include "zxalign/QxViewAlignSlicesCoronal.h"
 
 #include <QDoubleSpinBox>
-#include <QFile>
 #include <QImage>
 
 #include <fstream>

@@ -1,8 +1,12 @@
 #include "zxalign/QxPairQualityDock.h"
 
 #include "EditorTest.h"
+#include "zx/ZxParamBundle.h"
 #include "zxalign/PairQualityModel.h"
+#include "zxalign/QxAlignUndoRedo.h"
 #include "zxalign/QxPairQualityCurve.h"
+#include "zxalign/ZxAutoAlignMethod.h"
+#include "zxalign/ZxAutoAlignMethodFabrique.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -197,6 +201,76 @@ TEST_F(QxPairQualityDockTest, ShowsTheConfidenceOfTheMethodThatMatchedAPair)
   for (int row = 0; row < 6; ++row) shown << cell(row, PairQualityModel::ConfidenceColumn);
   EXPECT_EQ(shown, (QStringList{"", "", "0.97", "", "0.12, left", ""}));
   EXPECT_TRUE(rows()->index(4, 0).data(Qt::ToolTipRole).toString().contains("hardly anything overlaps"));
+  host->resize(host->minimumSizeHint()); // however narrow the dock
+  editor->showCoronalView(true);
+  QCoreApplication::processEvents();
+  for (int column = 0; column < PairQualityModel::ColumnCount; ++column)
+    EXPECT_GE(table->columnWidth(column), static_cast<QAbstractItemView*>(table)->sizeHintForColumn(column))
+        << column;
+}
+
+/// Says the same of every pair that it matches, and moves its slice.
+class SureMethod : public ZxAutoAlignMethod {
+public:
+  using ZxAutoAlignMethod::ZxAutoAlignMethod;
+  int doLayout() override
+  {
+    ZxParamBundle& all = *m_module->sliceData().getParameters()->getBundle("AlignConfidence");
+    ZxParamBundle& own = *all.getBundle("slice000" + std::to_string(m_module->getEditableSlice()));
+    own.setNum("reference", m_module->getReferenceSlice());
+    own.setReals("confidence", {confidence});
+    m_module->rotateAll(7);
+    m_module->translateAll(3, -1.5f);
+    return 1;
+  }
+  static ZxAutoAlignMethod* create(ZxAlignSlices* module) { return new SureMethod(module); }
+  static inline double confidence = 0.5;
+};
+
+// It is that of the pair as the method has left it: not once it is moved, and again when that is taken back.
+TEST_F(QxPairQualityDockTest, AConfidenceEndsWithAMoveOfThePair)
+{
+  ZxAutoAlignMethodFabrique::getInstance()->registerAutoAlignMethodPlugIn("Sure", &SureMethod::create);
+  open();
+  const auto shown = [this] {
+    std::string all;
+    for (int row = 0; row < 6; ++row)
+      all += cell(row, PairQualityModel::ConfidenceColumn).toStdString() + ";";
+    return all;
+  };
+  const auto shows = [&](const std::string& expected) {
+    const bool isSo = QTest::qWaitFor([&] { return shown() == expected; });
+    EXPECT_EQ(shown(), expected);
+    return isSo;
+  };
+  editor->changeAlignMode(module->methods().back().id);
+  goTo(3, 1);
+  editor->doAutoAlign();
+  SureMethod::confidence = 0.75;
+  goTo(2, -1);
+  editor->doAutoAlign(); // the same pair, as it lies from the other side
+  goTo(4, 1);
+  editor->doAutoAlign();
+  EXPECT_TRUE(shows(";;0.75;0.75;;;"));
+  goTo(3, 1);
+  key(Qt::Key_Right); // and all above with it: the next pair stays as it is
+  EXPECT_TRUE(shows(";;;0.75;;;"));
+  EXPECT_FALSE(module->liesAsMatched(2));
+  EXPECT_TRUE(module->liesAsMatched(4));
+  EXPECT_TRUE(module->liesAsMatched(6)) << "nothing is said of it";
+  editor->undoRedo()->undo();
+  EXPECT_TRUE(shows(";;0.75;0.75;;;"));
+  editor->transformAll();
+  for (int i = 0; i < 7; ++i) key(Qt::Key_Up, Qt::ControlModifier);
+  EXPECT_TRUE(shows(";;;;;;"));
+  for (int i = 0; i < 7; ++i) editor->undoRedo()->undo();
+  editor->save();
+  connect(module->portData, greyStack({12, 10, 7}));
+  connect(module->portData, stack); // as it is read from a file
+  EXPECT_TRUE(shows(";;0.75;0.75;;;"));
+  goTo(4, 1);
+  editor->mirror(); // both pairs of it
+  EXPECT_TRUE(shows(";;0.75;;;;"));
 }
 
 } // namespace

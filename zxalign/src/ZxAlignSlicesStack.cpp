@@ -14,6 +14,7 @@
 #include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
 #include "zxalign/AlignRecovery.h"
+#include "zxalign/PairConfidence.h"
 #include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignEditor.h"
 #include "zxalign/ZxAlignSlices.h"
@@ -521,6 +522,13 @@ double ZxAlignSlices::maskedPairQuality(int lower)
   evaluator->setMask0(mask0.empty() ? nullptr : mask0.data());
   evaluator->setMask1(mask1.empty() ? nullptr : mask1.data());
   return static_cast<double>(evaluator->quality(getSlice(lower), getSlice(lower + 1), 0));
+}
+
+bool ZxAlignSlices::liesAsMatched(int slice)
+{
+  const auto said = PairConfidences(m_data->getParameters(), m_data->getDims()).find(slice);
+  return !said || !isInStack(slice) || !isInStack(said->reference) ||
+         said->isOf(getSlice(slice), getSlice(said->reference), m_data->getDims());
 }
 
 McHandle<ZxSpatialData> ZxAlignSlices::alignedVolume()

@@ -247,6 +247,7 @@ public:
                    int firstPair = 0);
   double pairQuality(int lower) override;
   double maskedPairQuality(int lower) override;
+  bool liesAsMatched(int slice) override;
   void minimalSize(int& width, int& height) const override { calcMinBox(&width, &height); }
   McHandle<ZxSpatialData> alignedVolume() override;
   McHandle<ZxSpatialData> alignedLabels() override;
@@ -263,6 +264,7 @@ private:
   bool computeData();
   bool acceptInput(ZxSpatialData* data, ZxLattice* lattice);
   void rejectInput();
+  void leaveInput();
   void checkAuxiliaryInputs(const ZxLattice& lattice);
   void initDataWindow(ZxLattice& lattice);
   void initTransforms();
