@@ -6,6 +6,7 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <string>
 
@@ -88,6 +89,16 @@ void readLandmarks(const ZxParamBundle& bundle, SliceInfo& slice, Scale scale)
 } // namespace
 
 std::string sliceName(std::size_t slice) { return numbered("slice", slice); }
+
+int sliceOfName(const std::string& name)
+{
+  constexpr std::size_t stem = 5; // letters of "slice"
+  int slice = -1;
+  if (name.size() > stem) std::from_chars(name.data() + stem, name.data() + name.size(), slice);
+  const bool isOne =
+      slice >= 0 && !strcasecmp(sliceName(static_cast<std::size_t>(slice)).c_str(), name.c_str());
+  return isOne ? slice : -1;
+}
 
 const char* takenName(const ZxParamBundle& target)
 {

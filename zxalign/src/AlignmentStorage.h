@@ -35,6 +35,8 @@ bool readPoints(const ZxParamBundle& source, McDArray<SliceInfo>& slices, const 
 
 /// The name of a slice's entry in either bundle: "slice0007".
 std::string sliceName(std::size_t slice);
+/// The slice of such a name; -1 for others.
+int sliceOfName(const std::string& name);
 
 inline constexpr const char* transformBundle = "AlignTransform";
 inline constexpr const char* pointBundle = "AlignPoints";

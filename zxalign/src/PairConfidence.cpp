@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <variant>
 
 namespace {
 
@@ -53,14 +54,26 @@ bool PairConfidence::isOf(const SliceXForm& slice, const SliceXForm& of, const Z
 }
 
 PairConfidences::PairConfidences(ZxParamBundle* parameters, const ZxDims& dims)
-  : m_all(parameters ? parameters->findBundle("AlignConfidence") : nullptr), m_dims(dims)
+  : m_own(static_cast<std::size_t>(std::max(dims.slices, 0))), m_dims(dims)
 {
+  const ZxParamBundle* all = parameters ? parameters->findBundle("AlignConfidence") : nullptr;
+  if (!all) return;
+  // In one pass: of a stack of thousands, looking up every slice by its name would take a while.
+  for (const ZxParamBundle::Entry& entry : all->entries()) {
+    const auto* own = std::get_if<ZxParamBundle::Bundle>(&entry.value);
+    const int slice = own ? storage::sliceOfName(entry.name) : -1;
+    if (slice >= 0 && slice < dims.slices) m_own[static_cast<std::size_t>(slice)] = own->get();
+  }
+}
+
+ZxParamBundle* PairConfidences::ownOf(int slice) const
+{
+  return slice >= 0 && slice < m_dims.slices ? m_own[static_cast<std::size_t>(slice)] : nullptr;
 }
 
 std::optional<PairConfidence> PairConfidences::find(int slice) const
 {
-  const ZxParamBundle* own =
-      m_all && slice >= 0 ? m_all->findBundle(storage::sliceName(static_cast<std::size_t>(slice))) : nullptr;
+  const ZxParamBundle* own = ownOf(slice);
   PairConfidence said;
   if (!own || !own->findNums("reference", 1, &said.reference) ||
       !own->findReals("confidence", 1, &said.value))
@@ -73,7 +86,7 @@ std::optional<PairConfidence> PairConfidences::find(int slice) const
 
 void PairConfidences::note(int slice, int reference, const McDArray<SliceInfo>& slices)
 {
-  ZxParamBundle* own = m_all->findBundle(storage::sliceName(static_cast<std::size_t>(slice)));
+  ZxParamBundle* own = ownOf(slice);
   if (!own || !isIn(slice, slices) || !isIn(reference, slices)) return;
   const PairConfidence::Corners corners =
       PairConfidence::cornersOf(at(slices, slice), at(slices, reference), m_dims);
@@ -82,7 +95,7 @@ void PairConfidences::note(int slice, int reference, const McDArray<SliceInfo>& 
 
 void PairConfidences::adopt(const McDArray<SliceInfo>& slices)
 {
-  for (int slice = 0; m_all && slice < static_cast<int>(slices.size()); ++slice)
+  for (int slice = 0; slice < static_cast<int>(slices.size()); ++slice)
     if (const auto said = find(slice); said && !said->corners) note(slice, said->reference, slices);
 }
 

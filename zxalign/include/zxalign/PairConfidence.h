@@ -7,6 +7,7 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
 class ZxParamBundle;
 
@@ -37,7 +38,6 @@ public:
   /// The parameters outlive this object; there may be none.
   PairConfidences(ZxParamBundle* parameters, const ZxDims& dims);
 
-  bool isEmpty() const noexcept { return !m_all; }
   /// What was said of a slice; none where nothing was, or nothing that can be understood.
   std::optional<PairConfidence> find(int slice) const;
   /// Takes the slices to lie as what was said of them is about, where that is not noted yet.
@@ -50,6 +50,8 @@ public:
 private:
   void note(int slice, int reference, const McDArray<SliceInfo>& slices);
 
-  ZxParamBundle* m_all = nullptr; // borrowed
+  ZxParamBundle* ownOf(int slice) const;
+
+  std::vector<ZxParamBundle*> m_own; // of every slice; null where it has none; borrowed
   ZxDims m_dims;
 };
