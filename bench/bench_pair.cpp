@@ -137,7 +137,8 @@ void add(const char* name, void (*run)(benchmark::State&, const Case&), const Ca
 const bool added = [] {
   add("turned5_plain", time<Plain>, {kTurned5});
   add("turned5_presampled", time<Presampled>, {kTurned5});
-  add("turned5_presampled_avx2", time<Presampled>, {kTurned5, 1, 1, HWY_AVX2});
+  if (hwy::SupportedTargets() & HWY_AVX2)
+    add("turned5_presampled_avx2", time<Presampled>, {kTurned5, 1, 1, HWY_AVX2});
   add("turned5_presampled_2_threads", time<Presampled>, {kTurned5, 1, 2});
   add("turned5_in_one_call", time<InOneCall>, {kTurned5});
   add("turned_little_plain", time<Plain>, {kTurnedLittle});

@@ -24,18 +24,16 @@ class FolderTest : public ::testing::Test {
 protected:
   void SetUp() override
   {
-    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-    folder = fs::path(::testing::TempDir()) /
-             (std::string("zx-io-") + info->test_suite_name() + "-" + info->name());
-    fs::remove_all(folder);
-    fs::create_directories(folder);
+    std::string name = (fs::temp_directory_path() / "zx-io-XXXXXX").string();
+    ASSERT_NE(mkdtemp(name.data()), nullptr);
+    folder = name;
     m_previous =
         ZxMessage::getTheMsg()->setSink([this](const std::string& line) { messages += line + '\n'; });
   }
   void TearDown() override
   {
     ZxMessage::getTheMsg()->setSink(m_previous);
-    fs::remove_all(folder);
+    if (!folder.empty()) fs::remove_all(folder);
   }
   std::string path(const std::string& name) const { return (folder / name).string(); }
   /// The names in the folder, in order.

@@ -182,7 +182,7 @@ protected:
   {
     clickInPool(object);
     giveFileName([] { key(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier); }, file(name));
-    ASSERT_TRUE(waitFor([&] { return QFileInfo::exists(file(name)); }))
+    ASSERT_TRUE(waitFor([&] { return QFileInfo::exists(file(name)) && !window().isReadingOrWriting(); }))
         << QDir(folder.path()).entryList().join(' ').toStdString();
   }
   std::string ask(const std::string& script)

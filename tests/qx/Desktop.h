@@ -4,6 +4,7 @@
 #include "support/Volumes.h"
 #include "support/Waiting.h"
 #include "zx/ZxFileAccess.h"
+#include "zx/ZxFileJob.h"
 #include "zx/ZxModule.h"
 #include "zx/ZxObjectPool.h"
 
@@ -104,6 +105,8 @@ protected:
   {
     pool.clear();
     window.reset();
+    FakeFiles::isHeld = false;
+    EXPECT_TRUE(ZxFileJob::stopAll(patience)) << "nothing is read while the program ends";
   }
 
   /// Makes the window anew, as when the program is started again.

@@ -1,13 +1,13 @@
 #include "AlignReport.h"
 
 #include "io/Error.h"
+#include "support/TestFolders.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <filesystem>
 #include <fstream>
-#include <unistd.h>
 
 namespace {
 
@@ -81,7 +81,7 @@ TEST(AlignReport, EqualRunsDifferInSecondsOnly)
 TEST(AlignReport, RefusesAFolderThatDoesNotExistAndReplacesWhatIsThere)
 {
   namespace fs = std::filesystem;
-  const fs::path folder = fs::temp_directory_path() / ("zxalign-report-" + std::to_string(getpid()));
+  const fs::path folder = fileInTestHome("report");
   fs::create_directories(folder);
   const std::string path = (folder / "report.json").string();
   std::ofstream(path) << std::string(100000, 'x');

@@ -3,6 +3,7 @@
 #include "PictureCut.h"
 #include "QualityPlot.h"
 #include "io/Error.h"
+#include "support/TestFolders.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +12,6 @@
 #include <clocale>
 #include <cmath>
 #include <filesystem>
-#include <unistd.h>
 
 namespace {
 
@@ -39,8 +39,7 @@ protected:
     cli::writePicture(input, m_path);
     return QImage(QString::fromStdString(m_path));
   }
-  const std::string m_path =
-      (std::filesystem::temp_directory_path() / ("zxalign-picture-" + std::to_string(getpid()) + ".png"));
+  const std::string m_path = fileInTestHome("picture.png");
 };
 
 } // namespace

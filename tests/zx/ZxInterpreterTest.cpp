@@ -1,6 +1,8 @@
 #include "zx/ZxInterpreter.h"
 #include "zx/ZxWorkArea.h"
 
+#include "support/TestFolders.h"
+
 #include <gtest/gtest.h>
 
 #include <clocale>
@@ -14,8 +16,7 @@ namespace {
 class Script {
 public:
   explicit Script(const std::string& text)
-    : m_path(std::filesystem::temp_directory_path() /
-             ("ZxInterpreterTest-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)) + ".tcl"))
+    : m_path(fileInTestHome("script-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)) + ".tcl"))
   {
     std::ofstream(m_path) << text;
   }

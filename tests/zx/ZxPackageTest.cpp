@@ -1,10 +1,9 @@
 #include "zx/ZxPackage.h"
 
+#include "support/TestFolders.h"
 #include "zx/ZxObjectPool.h"
 
 #include <gtest/gtest.h>
-
-#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -14,7 +13,7 @@ namespace fs = std::filesystem;
 
 TEST(ZxPackage, LoadsThePackageAndSaysWhatIsWrongWithOthers)
 {
-  const fs::path folder = fs::temp_directory_path() / ("zx_package_test_" + std::to_string(getpid()));
+  const fs::path folder = fileInTestHome("packages");
   fs::create_directories(folder / "libfolder.so");
   std::ofstream(folder / "libtext.so") << "no library";
   fs::create_symlink(fs::path(ZX_LIBRARY_FOLDER) / "libhost_zx.so", folder / "libother.so");

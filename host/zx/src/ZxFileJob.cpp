@@ -217,20 +217,23 @@ void stopJob(const std::shared_ptr<Shared>& shared)
 }
 
 /// Runs the work of a job with its own work area and remarks.
-template <class Shared, class F>
-void startJob(const std::shared_ptr<Shared>& shared, const std::string& title, F work)
+template <class Shared>
+void startJob(const std::shared_ptr<Shared>& shared, const std::string& title,
+              std::function<ZxFileOutcome()> work)
 {
   shared->progress.text = title;
   Workers::all().start(
       shared->data ? Workers::Leaves::Files : Workers::Leaves::Nothing,
-      [shared, title, work = std::move(work)] {
+      [shared, title, work = std::move(work)]() mutable {
         JobWorkArea<Shared> area(*shared);
         const ZxThreadReports reports(area, [&](const std::string& line) {
           const std::lock_guard lock(shared->mutex);
           shared->remarks.push_back(line);
         });
         area.startWorking(title.c_str());
-        endWith(shared, work());
+        ZxFileOutcome outcome = work();
+        work = nullptr; // Data that were written may be changed and removed as soon as the job has ended.
+        endWith(shared, std::move(outcome));
       },
       [shared] { stopJob(shared); });
 }

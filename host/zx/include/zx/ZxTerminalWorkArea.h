@@ -7,9 +7,9 @@
 /// Work area of a program in a terminal: one line on standard error with percentage, elapsed and remaining
 /// time and the text; nothing when standard error is not a terminal or quiet is asked for.
 ///
-/// Ctrl+C is the interruption, and so are the signals TERM and HUP, but for those that the program was started
-/// to ignore (nohup). The first one asks the work to stop, and is without effect after the work; a second one
-/// ends the program at once, as it would without this object. One such object at a time.
+/// Ctrl+C is the interruption, and so are the signals TERM and HUP, but for those that the program was
+/// started to ignore (nohup). The first one asks the work to stop, and is without effect after the work; a
+/// second one ends the program at once, as it would without this object. One such object at a time.
 class ZxTerminalWorkArea : public ZxWorkArea {
 public:
   enum class Display { WhenTerminal, Never };
