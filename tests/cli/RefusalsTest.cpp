@@ -81,6 +81,9 @@ TEST_F(Refusals, CompanionsOfOtherSizes)
   writeFile(folder.file("start.csv"), test::identityTable(4));
   expectRefusal({"align", "in.nrrd", "-o", "out.nrrd", "--start-from", "start.csv"}, "has 4 slices");
   expectRefusal({"resample", "in.nrrd", "-o", "out.nrrd", "--transforms", "start.csv"}, "has 4 slices");
+  // What it is compared with in the end is looked at before the work.
+  for (const std::string truth : {"start.csv", "none.csv"})
+    expectRefusal({"align", "in.nrrd", "-o", "out.nrrd", "--truth", truth}, truth);
   expectRefusal({"align", "in.nrrd", "-o", "out.nrrd", "--start-from", "in.nrrd"}, "no alignment to start");
   test::makePhantom(folder.file("other.nrrd"), 3, 50);
   ASSERT_EQ(run({{"align", "other.nrrd", "-o", "o.mha", "--transforms-only"}, {}, folder.path()}).status, 0);
