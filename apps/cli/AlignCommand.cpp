@@ -49,7 +49,9 @@ std::string summaryOf(const AlignReport& report)
          " in " + fixed(report.seconds.aligning, 1) + " s, mean quality " +
          percent(meanQuality(report.pairs, &ZxAlignPairResult::qualityBefore)) + " before, " +
          percent(meanQuality(report.pairs, &ZxAlignPairResult::qualityAfter)) + " after." +
-         (left ? " " + std::to_string(left) + " of them were left as they are." : "");
+         (left == 0   ? ""
+          : left == 1 ? " 1 of them was left as it is."
+                      : " " + std::to_string(left) + " of them were left as they are.");
 }
 
 /// The settings of the module as a table for the help.
