@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
@@ -69,6 +70,13 @@ bool liesIn(const fs::path& path, const fs::path& folder)
 std::string writeFailure(const std::string& path, const std::string& reason)
 {
   return "Cannot write \"" + path + "\": " + reason + ".";
+}
+
+/// Refuses a name that leaves no room for what is added to the names of the files that belong to it.
+void refuseLongName(const std::string& path, std::string_view added = {})
+{
+  const std::size_t length = nameOf(path).size() - (path.ends_with('/') ? 1 : 0);
+  if (length + added.size() > NAME_MAX) throw Failure(writeFailure(path, "the name is too long"));
 }
 
 /// The file beside a header that its voxels go into; empty for formats of one file.
@@ -241,6 +249,7 @@ void OutputFiles::refuseTwice(const std::string& path)
 
 void OutputFiles::announceFolder(const std::string& path)
 {
+  refuseLongName(path);
   refuseTwice(path);
   const fs::path folder = uniquePath(path);
   for (const ProtectedInput& input : m_inputs)
@@ -298,6 +307,7 @@ void OutputFiles::announceVolume(const std::string& path, const ZxLatticeShape& 
 {
   const std::string refusal = io::checkWritable(shape, path);
   if (!refusal.empty()) throw Failure(refusal);
+  refuseLongName(path, ".params.json");
   refuseTwice(path);
   if (isSequence(path)) return refuseInputSlices(path);
   refuseTwice(path + ".params.json");
@@ -313,6 +323,7 @@ void OutputFiles::announceFile(const std::string& path)
   if (!fs::exists(status))
     throw Failure(writeFailure(path, "the folder " + folder.string() + " does not exist"));
   if (!fs::is_directory(status)) throw Failure(writeFailure(path, folder.string() + " is not a folder"));
+  refuseLongName(path);
   if (access(folder.c_str(), W_OK) != 0) throw Failure(writeFailure(path, std::strerror(errno)));
   if (fs::exists(path, error) && !fs::is_regular_file(path, error))
     throw Failure(writeFailure(path, "it is there and not a regular file"));

@@ -136,6 +136,10 @@ TEST_F(Refusals, OutputsThatCannotBeWritten)
   expectRefusal({"align", "in.nrrd", "-o", "out.nrrd", "--report", "in.nrrd"}, "it is an input");
   expectRefusal({"align", "in.nrrd", "-o", "x.nrrd", "--report", "./x.nrrd"}, "two outputs");
 
+  const std::string name(247, 'x');
+  expectRefusal({"align", "in.nrrd", "-o", name + ".nrrd"}, "name is too long");
+  expectRefusal({"align", "in.nrrd", "-o", name + ".csv", "--transforms-only"}, "name is too long");
+
   std::filesystem::create_directory(folder.file("slices"));
   io::writeVolume(*test::noiseField({{48, 40, 3}, 1, McPrimType::UInt8}), folder.file("slices/s%02d.tif"));
   expectRefusal({"align", "slices", "-o", "slices/"}, "slices");
