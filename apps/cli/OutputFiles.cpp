@@ -128,7 +128,8 @@ std::vector<fs::path> entriesOf(const fs::path& folder)
   return entries;
 }
 
-/// Moves that belong together: all of them are done, or those that were done are taken back.
+/// Moves that belong together: all of them are done, or those that were done are taken back, at the latest
+/// when it goes without settle().
 ///
 /// What is replaced or removed stays in hidden folders beside it until the end.
 class Moves {
@@ -136,6 +137,7 @@ public:
   Moves() = default;
   ~Moves()
   {
+    takeBack();
     std::error_code ignored;
     for (const auto& [parent, folder] : m_folders)
       if (!m_isNeeded) fs::remove_all(folder, ignored);
@@ -160,6 +162,8 @@ public:
     m_done.push_back({{}, path, kept});
   }
 
+  /// All is done and stays.
+  void settle() noexcept { m_done.clear(); }
   /// Takes back what was done, the last first. Gives what could not be, as the end of a sentence.
   std::string takeBack() noexcept
   {
@@ -386,6 +390,7 @@ void OutputFiles::commit()
       throw Failure(writeFailure(target, error.code().message() + moves.takeBack()));
     }
   }
+  moves.settle();
   removeStaged();
 }
 
