@@ -49,7 +49,9 @@ std::string summaryOf(const AlignReport& report)
          " in " + fixed(report.seconds.aligning, 1) + " s, mean quality " +
          percent(meanQuality(report.pairs, &ZxAlignPairResult::qualityBefore)) + " before, " +
          percent(meanQuality(report.pairs, &ZxAlignPairResult::qualityAfter)) + " after." +
-         (left ? " " + std::to_string(left) + " of them were left as they are." : "");
+         (left == 0   ? ""
+          : left == 1 ? " 1 of them was left as it is."
+                      : " " + std::to_string(left) + " of them were left as they are.");
 }
 
 /// The settings of the module as a table for the help.
@@ -436,16 +438,14 @@ void AlignCommand::remarkOnParameters(const Stack& stack, Console& console) cons
                    "output.");
 }
 
-void AlignCommand::compareWithTruthTable(AlignReport& report) const
+std::vector<ZxAlignTransform> AlignCommand::readTruth(const ZxDims& dims) const
 {
-  if (m_truth.empty()) return;
-  const std::vector<ZxAlignTransform> truth =
-      readTransformTable(m_truth, report.dimensions.width, report.dimensions.height);
-  if (truth.size() != report.transforms.size())
+  if (m_truth.empty()) return {};
+  std::vector<ZxAlignTransform> truth = readTransformTable(m_truth, dims.width, dims.height);
+  if (truth.size() != static_cast<std::size_t>(dims.slices))
     throw Failure("The table " + m_truth + " has " + std::to_string(truth.size()) + " slices, but " +
-                  m_input.name() + " has " + std::to_string(report.transforms.size()) + ".");
-  report.truth = compareWithTruth(report.transforms, truth, report.dimensions.width, report.dimensions.height,
-                                  report.reference);
+                  m_input.name() + " has " + std::to_string(dims.slices) + ".");
+  return truth;
 }
 
 std::vector<std::pair<std::string, std::string>> AlignCommand::effectiveOptions(AlignModule& module) const
@@ -540,6 +540,8 @@ void AlignCommand::run(Console& console)
   OutputFiles files;
   announce(info, files);
   check(methodName(module.control(), method), info);
+  // What is wrong with the table is said before the work.
+  const std::vector<ZxAlignTransform> truth = readTruth(info.shape.dims);
   using Start = PartialOutput::Start;
   PartialOutput partial(m_output, m_resume ? Start::Resume : Start::Anew, console);
 
@@ -555,7 +557,9 @@ void AlignCommand::run(Console& console)
     report.seconds.reading = reading.seconds();
     align(module, method, stack, report, partial, console);
     applyAtFullSize(module, stack, report);
-    compareWithTruthTable(report);
+    if (!truth.empty())
+      report.truth = compareWithTruth(report.transforms, truth, report.dimensions.width,
+                                      report.dimensions.height, report.reference);
     write(module, stack, report, files, partial, console);
   });
   console.summary(summaryOf(report));

@@ -57,7 +57,8 @@ private:
              Console& console) const;
   void align(AlignModule& module, int method, const Stack& stack, AlignReport& report, PartialOutput& partial,
              Console& console) const;
-  void compareWithTruthTable(AlignReport& report) const;
+  /// The table of --truth; empty when it is not given.
+  std::vector<ZxAlignTransform> readTruth(const ZxDims& dims) const;
 
   void remarkOnParameters(const Stack& stack, Console& console) const;
   void write(AlignModule& module, const Stack& stack, AlignReport& report, OutputFiles& files,

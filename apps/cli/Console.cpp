@@ -67,6 +67,7 @@ std::string Console::reason(const std::string& otherwise)
   const auto cause = std::find_if(m_held.rbegin(), m_held.rend(), isCause);
   std::string reason = m_held.empty() ? otherwise : cause != m_held.rend() ? *cause : m_held.back();
   m_held.clear();
+  if (!reason.empty() && !reason.ends_with('.')) reason += '.';
   return reason;
 }
 

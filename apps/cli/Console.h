@@ -27,7 +27,8 @@ public:
   void remarks();
   /// True when one of the lines held back says what cannot be done.
   bool holdsCause() const;
-  /// Forgets the lines held back and gives the last of them, or the other text where there is none.
+  /// Forgets the lines held back and gives the last of them, or the other text where there is none,
+  /// as a sentence.
   std::string reason(const std::string& otherwise);
 
   /// A line of the result, shown in any case.

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
@@ -71,6 +72,13 @@ std::string writeFailure(const std::string& path, const std::string& reason)
   return "Cannot write \"" + path + "\": " + reason + ".";
 }
 
+/// Refuses a name that leaves no room for what is added to the names of the files that belong to it.
+void refuseLongName(const std::string& path, std::string_view added = {})
+{
+  const std::size_t length = nameOf(path).size() - (path.ends_with('/') ? 1 : 0);
+  if (length + added.size() > NAME_MAX) throw Failure(writeFailure(path, "the name is too long"));
+}
+
 /// The file beside a header that its voxels go into; empty for formats of one file.
 std::string dataFileOf(const std::string& path)
 {
@@ -120,7 +128,8 @@ std::vector<fs::path> entriesOf(const fs::path& folder)
   return entries;
 }
 
-/// Moves that belong together: all of them are done, or those that were done are taken back.
+/// Moves that belong together: all of them are done, or those that were done are taken back, at the latest
+/// when it goes without settle().
 ///
 /// What is replaced or removed stays in hidden folders beside it until the end.
 class Moves {
@@ -128,6 +137,7 @@ public:
   Moves() = default;
   ~Moves()
   {
+    takeBack();
     std::error_code ignored;
     for (const auto& [parent, folder] : m_folders)
       if (!m_isNeeded) fs::remove_all(folder, ignored);
@@ -152,6 +162,8 @@ public:
     m_done.push_back({{}, path, kept});
   }
 
+  /// All is done and stays.
+  void settle() noexcept { m_done.clear(); }
   /// Takes back what was done, the last first. Gives what could not be, as the end of a sentence.
   std::string takeBack() noexcept
   {
@@ -241,6 +253,7 @@ void OutputFiles::refuseTwice(const std::string& path)
 
 void OutputFiles::announceFolder(const std::string& path)
 {
+  refuseLongName(path);
   refuseTwice(path);
   const fs::path folder = uniquePath(path);
   for (const ProtectedInput& input : m_inputs)
@@ -298,6 +311,7 @@ void OutputFiles::announceVolume(const std::string& path, const ZxLatticeShape& 
 {
   const std::string refusal = io::checkWritable(shape, path);
   if (!refusal.empty()) throw Failure(refusal);
+  refuseLongName(path, ".params.json");
   refuseTwice(path);
   if (isSequence(path)) return refuseInputSlices(path);
   refuseTwice(path + ".params.json");
@@ -313,6 +327,7 @@ void OutputFiles::announceFile(const std::string& path)
   if (!fs::exists(status))
     throw Failure(writeFailure(path, "the folder " + folder.string() + " does not exist"));
   if (!fs::is_directory(status)) throw Failure(writeFailure(path, folder.string() + " is not a folder"));
+  refuseLongName(path);
   if (access(folder.c_str(), W_OK) != 0) throw Failure(writeFailure(path, std::strerror(errno)));
   if (fs::exists(path, error) && !fs::is_regular_file(path, error))
     throw Failure(writeFailure(path, "it is there and not a regular file"));
@@ -375,6 +390,7 @@ void OutputFiles::commit()
       throw Failure(writeFailure(target, error.code().message() + moves.takeBack()));
     }
   }
+  moves.settle();
   removeStaged();
 }
 

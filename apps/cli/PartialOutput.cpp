@@ -67,8 +67,8 @@ void writeAtomically(const std::string& text, const fs::path& path, const fs::pa
 std::string foreignIn(const fs::path& folder)
 {
   std::error_code error;
-  for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
-    const std::string name = entry.path().filename().string();
+  for (fs::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
+    const std::string name = it->path().filename().string();
     // Network file systems keep removed files that are still open under such a name.
     if (std::find(std::begin(kOurs), std::end(kOurs), name) == std::end(kOurs) && !name.starts_with(".nfs"))
       return name;

@@ -1,9 +1,12 @@
 #include "Program.h"
 
+#include <fcntl.h>
 #include <malloc.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <csignal>
+#include <initializer_list>
 
 namespace {
 
@@ -17,10 +20,19 @@ void saveAddressSpace()
 #endif
 }
 
+/// The first files to be opened would take the numbers of standard streams that are closed, and receive what
+/// is printed. Writing to these fails.
+void occupyStandardStreams()
+{
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+    if (fcntl(stream, F_GETFD) < 0 && open("/dev/null", O_RDONLY) < 0) return;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+  occupyStandardStreams();
   saveAddressSpace();
   // A file beyond the size limit is a failed write with a reason, not the end of the program.
   std::signal(SIGXFSZ, SIG_IGN);

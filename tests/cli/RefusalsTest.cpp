@@ -81,6 +81,9 @@ TEST_F(Refusals, CompanionsOfOtherSizes)
   writeFile(folder.file("start.csv"), test::identityTable(4));
   expectRefusal({"align", "in.nrrd", "-o", "out.nrrd", "--start-from", "start.csv"}, "has 4 slices");
   expectRefusal({"resample", "in.nrrd", "-o", "out.nrrd", "--transforms", "start.csv"}, "has 4 slices");
+  // What it is compared with in the end is looked at before the work.
+  for (const std::string truth : {"start.csv", "none.csv"})
+    expectRefusal({"align", "in.nrrd", "-o", "out.nrrd", "--truth", truth}, truth);
   expectRefusal({"align", "in.nrrd", "-o", "out.nrrd", "--start-from", "in.nrrd"}, "no alignment to start");
   test::makePhantom(folder.file("other.nrrd"), 3, 50);
   ASSERT_EQ(run({{"align", "other.nrrd", "-o", "o.mha", "--transforms-only"}, {}, folder.path()}).status, 0);
@@ -132,6 +135,10 @@ TEST_F(Refusals, OutputsThatCannotBeWritten)
   }
   expectRefusal({"align", "in.nrrd", "-o", "out.nrrd", "--report", "in.nrrd"}, "it is an input");
   expectRefusal({"align", "in.nrrd", "-o", "x.nrrd", "--report", "./x.nrrd"}, "two outputs");
+
+  const std::string name(247, 'x');
+  expectRefusal({"align", "in.nrrd", "-o", name + ".nrrd"}, "name is too long");
+  expectRefusal({"align", "in.nrrd", "-o", name + ".csv", "--transforms-only"}, "name is too long");
 
   std::filesystem::create_directory(folder.file("slices"));
   io::writeVolume(*test::noiseField({{48, 40, 3}, 1, McPrimType::UInt8}), folder.file("slices/s%02d.tif"));
