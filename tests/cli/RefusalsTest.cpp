@@ -152,6 +152,7 @@ TEST_F(Refusals, APictureThatDoesNotFit)
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.err.find("zxalign: The picture "), 0u) << outcome.err;
   EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+  EXPECT_NE(outcome.err.find("File too large"), std::string::npos) << outcome.err;
   EXPECT_FALSE(std::filesystem::exists(folder.file("p.png")));
 }
 

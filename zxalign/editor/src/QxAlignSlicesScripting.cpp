@@ -13,6 +13,21 @@
 #include <QLayout>
 #include <QToolBar>
 
+namespace {
+
+/// A disk that fills up takes a part first; only what is written after that fails, and says why.
+bool writeAll(QIODevice& file, const QByteArray& bytes)
+{
+  for (qint64 done = 0; done < bytes.size();) {
+    const qint64 n = file.write(bytes.constData() + done, bytes.size() - done);
+    if (n <= 0) return false;
+    done += n;
+  }
+  return true;
+}
+
+} // namespace
+
 void QxAlignSlices::chooseEditMode(int mode)
 {
   if (mode == EditTransform) return m_autoAlignToolBar->editTransform();
@@ -65,7 +80,7 @@ std::string QxAlignSlices::snapshot(const std::string& fileName)
     return fileName + " could not be written: " + writer.errorString().toStdString() + ".";
   QFile file(name);
   const bool isNew = !file.exists();
-  if (file.open(QIODevice::WriteOnly) && file.write(encoded) == encoded.size() && file.flush()) return {};
+  if (file.open(QIODevice::WriteOnly) && writeAll(file, encoded) && file.flush()) return {};
   const std::string reason = file.errorString().toStdString();
   if (isNew) file.remove();
   return fileName + " could not be written: " + reason + ".";
