@@ -4,6 +4,7 @@
 #include "PictureCut.h"
 #include "QualityPlot.h"
 #include "io/Error.h"
+#include "zx/ZxWriteAll.h"
 
 #include <QBuffer>
 #include <QFile>
@@ -123,17 +124,6 @@ QImage paint(const PictureInput& input)
   return picture;
 }
 
-/// A disk that fills up takes a part first; only what is written after that fails, and says why.
-bool writeAll(QIODevice& file, const QByteArray& bytes)
-{
-  for (qint64 done = 0; done < bytes.size();) {
-    const qint64 n = file.write(bytes.constData() + done, bytes.size() - done);
-    if (n <= 0) return false;
-    done += n;
-  }
-  return true;
-}
-
 } // namespace
 
 void writePicture(const PictureInput& input, const std::string& path)
@@ -146,7 +136,8 @@ void writePicture(const PictureInput& input, const std::string& path)
   if (!picture.save(&buffer, "PNG"))
     throw io::Error("The picture " + path + " could not be written: it could not be encoded.");
   QSaveFile file(QFile::decodeName(path.c_str()));
-  if (!file.open(QIODevice::WriteOnly) || !writeAll(file, encoded) || !file.commit())
+  if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) ||
+      !zxWriteAll(file, {encoded.constData(), static_cast<std::size_t>(encoded.size())}) || !file.commit())
     throw io::Error("The picture " + path + " could not be written: " + file.errorString().toStdString() +
                     ".");
 }

@@ -1,4 +1,5 @@
 // The editor window: what scripts ask of it beyond the slots that people use.
+#include "zx/ZxWriteAll.h"
 #include "zxalign/QxAlignSlices.h"
 #include "zxalign/QxAutoAlignToolBar.h"
 #include "zxalign/QxDrawAlignSlices.h"
@@ -12,21 +13,6 @@
 #include <QImageWriter>
 #include <QLayout>
 #include <QToolBar>
-
-namespace {
-
-/// A disk that fills up takes a part first; only what is written after that fails, and says why.
-bool writeAll(QIODevice& file, const QByteArray& bytes)
-{
-  for (qint64 done = 0; done < bytes.size();) {
-    const qint64 n = file.write(bytes.constData() + done, bytes.size() - done);
-    if (n <= 0) return false;
-    done += n;
-  }
-  return true;
-}
-
-} // namespace
 
 void QxAlignSlices::chooseEditMode(int mode)
 {
@@ -80,7 +66,9 @@ std::string QxAlignSlices::snapshot(const std::string& fileName)
     return fileName + " could not be written: " + writer.errorString().toStdString() + ".";
   QFile file(name);
   const bool isNew = !file.exists();
-  if (file.open(QIODevice::WriteOnly) && writeAll(file, encoded) && file.flush()) return {};
+  if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
+      zxWriteAll(file, {encoded.constData(), static_cast<std::size_t>(encoded.size())}) && file.flush())
+    return {};
   const std::string reason = file.errorString().toStdString();
   if (isNew) file.remove();
   return fileName + " could not be written: " + reason + ".";
