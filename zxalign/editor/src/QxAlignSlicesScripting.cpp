@@ -1,16 +1,12 @@
 // The editor window: what scripts ask of it beyond the slots that people use.
-#include "zx/ZxWriteAll.h"
+#include "qx/QxPictureFile.h"
 #include "zxalign/QxAlignSlices.h"
 #include "zxalign/QxAutoAlignToolBar.h"
 #include "zxalign/QxDrawAlignSlices.h"
 #include "zxalign/QxOrthoViewManager.h"
 #include "zxalign/QxViewAlignSlicesOrthogonalCommonToolBar.h"
 
-#include <QBuffer>
 #include <QCoreApplication>
-#include <QFile>
-#include <QFileInfo>
-#include <QImageWriter>
 #include <QLayout>
 #include <QToolBar>
 
@@ -57,19 +53,5 @@ std::string QxAlignSlices::snapshot(const std::string& fileName)
   // The fourth byte of what is on the screen says nothing; a picture is opaque.
   const QImage picture = grab().toImage().convertToFormat(QImage::Format_RGB32);
   for (QToolBar* bar : bars) bar->show();
-  const QString name = QString::fromStdString(fileName);
-  // In memory first: encoders print words of their own where they cannot write.
-  QByteArray encoded;
-  QBuffer buffer(&encoded);
-  QImageWriter writer(&buffer, QFileInfo(name).suffix().toLatin1());
-  if (!writer.write(picture))
-    return fileName + " could not be written: " + writer.errorString().toStdString() + ".";
-  QFile file(name);
-  const bool isNew = !file.exists();
-  if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
-      zxWriteAll(file, {encoded.constData(), static_cast<std::size_t>(encoded.size())}) && file.flush())
-    return {};
-  const std::string reason = file.errorString().toStdString();
-  if (isNew) file.remove();
-  return fileName + " could not be written: " + reason + ".";
+  return qxWritePicture(picture, fileName);
 }
