@@ -1,6 +1,7 @@
 #include "AlignReport.h"
 
 #include "io/Error.h"
+#include "zx/ZxWriteAll.h"
 
 #include <QFile>
 #include <QSaveFile>
@@ -124,8 +125,7 @@ void writeReport(const AlignReport& report, const std::string& path)
 {
   const std::string text = reportText(report);
   QSaveFile file(QFile::decodeName(path.c_str()));
-  if (!file.open(QIODevice::WriteOnly) || file.write(text.data(), static_cast<qint64>(text.size())) < 0 ||
-      !file.commit())
+  if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || !zxWriteAll(file, text) || !file.commit())
     throw io::Error("The report " + path + " could not be written: " + file.errorString().toStdString() +
                     ".");
 }

@@ -4,6 +4,7 @@
 #include "PictureCut.h"
 #include "QualityPlot.h"
 #include "io/Error.h"
+#include "zx/ZxWriteAll.h"
 
 #include <QBuffer>
 #include <QFile>
@@ -135,7 +136,8 @@ void writePicture(const PictureInput& input, const std::string& path)
   if (!picture.save(&buffer, "PNG"))
     throw io::Error("The picture " + path + " could not be written: it could not be encoded.");
   QSaveFile file(QFile::decodeName(path.c_str()));
-  if (!file.open(QIODevice::WriteOnly) || file.write(encoded) != encoded.size() || !file.commit())
+  if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) ||
+      !zxWriteAll(file, {encoded.constData(), static_cast<std::size_t>(encoded.size())}) || !file.commit())
     throw io::Error("The picture " + path + " could not be written: " + file.errorString().toStdString() +
                     ".");
 }

@@ -154,15 +154,23 @@ TEST_F(Refusals, FullDiskLeavesNothing)
     expectRefusal({"align", "in.nrrd", "-o", output, "--report", "r.json"}, output.substr(0, 2), 2000);
 }
 
-// All but the picture fits: what has been computed is kept for "--resume".
-TEST_F(Refusals, APictureThatDoesNotFit)
+// All else fits: what has been computed is kept for "--resume".
+TEST_F(Refusals, APictureOrAReportThatDoesNotFit)
 {
-  const Outcome outcome =
-      run({{"align", "in.nrrd", "-o", "out.nrrd", "--picture", "p.png"}, {}, folder.path(), 16000});
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.err.find("zxalign: The picture "), 0u) << outcome.err;
-  EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
-  EXPECT_FALSE(std::filesystem::exists(folder.file("p.png")));
+  const auto expectProblem = [&](const std::vector<std::string>& outputs, const std::string& problem,
+                                 long limit) {
+    std::vector<std::string> arguments = {"align", "in.nrrd"};
+    arguments.insert(arguments.end(), outputs.begin(), outputs.end());
+    const Outcome outcome = run({arguments, {}, folder.path(), limit});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err.find("zxalign: " + problem + " could not be written: File too large"), 0u)
+        << outcome.err;
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+    EXPECT_FALSE(std::filesystem::exists(folder.file(outputs.back())));
+  };
+  expectProblem({"-o", "out.nrrd", "--picture", "p.png"}, "The picture p.png", 16000);
+  test::makePhantom(folder.file("in.nrrd"), 90, 16);
+  expectProblem({"-o", "t.csv", "--transforms-only", "--report", "r.json"}, "The report r.json", 20000);
 }
 
 TEST_F(Refusals, DamagedFilesOfTheCollection)

@@ -1,6 +1,7 @@
 #include "zx/ZxRecoveryFile.h"
 
 #include "zx/ZxMessage.h"
+#include "zx/ZxWriteAll.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -87,8 +88,8 @@ std::string ZxRecoveryFile::write(const std::string& bytes)
   if (!QDir().mkpath(folder())) return "the folder cannot be made";
   if (!m_private->lock.isLocked() && !m_private->lock.tryLock(0)) return "its lock cannot be made";
   QSaveFile file(m_private->path);
-  const auto size = static_cast<qint64>(bytes.size());
-  if (file.open(QIODevice::WriteOnly) && file.write(bytes.data(), size) == size && file.commit()) return {};
+  if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && zxWriteAll(file, bytes) && file.commit())
+    return {};
   return file.errorString().toStdString();
 }
 

@@ -53,6 +53,5 @@ std::string QxAlignSlices::snapshot(const std::string& fileName)
   // The fourth byte of what is on the screen says nothing; a picture is opaque.
   const QImage picture = grab().toImage().convertToFormat(QImage::Format_RGB32);
   for (QToolBar* bar : bars) bar->show();
-  const std::string reason = qxWritePicture(picture, fileName);
-  return reason.empty() ? reason : fileName + " could not be written: " + reason + ".";
+  return qxWritePicture(picture, fileName);
 }

@@ -5,5 +5,5 @@
 class QImage;
 
 /// Writes a picture in the format that the file's name ends in. A file that stands there is replaced when the
-/// new one is whole. Empty, or why it could not be written.
+/// new one is whole. Empty, or one sentence with the name and the reason.
 std::string qxWritePicture(const QImage& picture, const std::string& fileName);
