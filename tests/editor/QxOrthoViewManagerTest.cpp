@@ -144,6 +144,34 @@ TEST_F(QxOrthoViewManagerTest, MovesThePixelsOfProjections)
   EXPECT_TRUE(isUpToDate());
 }
 
+// Moves are told in whole pixels. What they round away is not shown, but does not add up.
+TEST_F(QxOrthoViewManagerTest, IsNeverFurtherOffThanHalfAPixel)
+{
+  for (const bool projects : {false, true}) {
+    openBoth(stackOf<std::uint8_t>(1));
+    views->setUseMaxIntProj(projects);
+    const auto move = [this](float distance, int told) {
+      for (int z = 2; z <= 4; ++z) {
+        module->getSlice(z).translationX += distance;
+        module->getSlice(z).translationY -= distance;
+      }
+      views->updateView(2, 4, OrthoOrientation::Both, told, -told, true, false, false);
+    };
+    const Bytes before = shown(Sagittal);
+    move(0.4f, 0);
+    EXPECT_EQ(shown(Sagittal), before);
+    move(0.4f, 0);
+    EXPECT_NE(shown(Sagittal), before);
+    EXPECT_TRUE(isUpToDate()) << "off by 0.8, projects " << projects;
+    move(1.4f, 1);
+    EXPECT_EQ(isUpToDate(), !projects);
+    move(1.4f, 1);
+    EXPECT_TRUE(isUpToDate()) << "off by 0.8 again, projects " << projects;
+    views = {};
+    editor.reset();
+  }
+}
+
 TEST_F(QxOrthoViewManagerTest, BoxesOfCutLinesCutOffTheSmallerEndAndRoundTheLarger)
 {
   open(stackOf<std::uint8_t>(1));

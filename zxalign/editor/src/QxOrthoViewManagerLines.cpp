@@ -13,6 +13,7 @@
 #include <QElapsedTimer>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <mutex>
 
@@ -50,6 +51,11 @@ Range movedRange(Range range, int distance, int size)
   const std::int64_t last = std::min<std::int64_t>(std::int64_t{range.last} + distance, size - 1);
   return first <= last ? Range{static_cast<int>(first), static_cast<int>(last)} : Range{};
 }
+
+// What a move of whole pixels rounds away at most. Several moves may add up to more.
+constexpr float kLargestError = 0.501f;
+
+bool isOff(float shown, float wanted) { return std::abs(wanted - shown) > kLargestError; }
 
 void clearOutside(McTypedData2D& image, int z, Range valid)
 {
@@ -150,7 +156,7 @@ void QxOrthoViewManager::updateView(int from, int to, OrthoOrientation orientati
 
 void QxOrthoViewManager::translateSlices(int from, int to, int dx, int dy, OrthoOrientation orientation)
 {
-  if (dx == 0 && dy == 0) return;
+  if (dx == 0 && dy == 0 && !areOff(from, to, orientation)) return;
   if (m_projects) {
     // A projection along an axis does not change with a move along it.
     translateProjections(from, to, dy, OrthoOrientation::Sagittal, orientation);
@@ -164,6 +170,21 @@ void QxOrthoViewManager::translateSlices(int from, int to, int dx, int dy, Ortho
   updateLinesIfAutomatic();
 }
 
+bool QxOrthoViewManager::areOff(int from, int to, OrthoOrientation orientation)
+{
+  const std::lock_guard lock(m_mutex);
+  takeTransforms(from, to);
+  for (const OrthoOrientation v : kViews)
+    for (int z = from; z <= to && view(v) && isSelected(v, orientation); ++z) {
+      const OrthoColumns::Column& column = m_columns.column(v, z);
+      const SliceXForm& now = m_columns.transform(z);
+      const bool x = isOff(column.shownX, now.translationX), y = isOff(column.shownY, now.translationY);
+      const bool matters = m_projects ? (v == OrthoOrientation::Sagittal ? y : x) : x || y;
+      if (matters && column.state == State::UpToDate) return true;
+    }
+  return false;
+}
+
 void QxOrthoViewManager::translateProjections(int from, int to, int distance, OrthoOrientation moved,
                                               OrthoOrientation selection)
 {
@@ -175,13 +196,24 @@ void QxOrthoViewManager::translateProjections(int from, int to, int distance, Or
     const Range old = m_columns.valid(moved, z);
     const Range now = movedRange(old, distance, image.width());
     if (now.first != -1) image.movePixels(z, now.first - distance, now.first, now.last - now.first + 1);
-    m_columns.setValid(moved, z, now);
+    const bool isTrue = countMove(moved, z, distance);
+    m_columns.setValid(moved, z, isTrue ? now : Range{});
     m_columns.mark(moved, z, State::ToCompute);
     // What the move has uncovered in the last slice keeps its old pixels until it is recomputed: the slice
     // that is being moved does not flicker.
     if (z < to) clearOutside(image, z, now);
   }
   m_outdated[static_cast<int>(moved)] = true;
+}
+
+bool QxOrthoViewManager::countMove(OrthoOrientation moved, int z, int distance)
+{
+  OrthoColumns::Column& column = m_columns.column(moved, z);
+  const SliceXForm& now = m_columns.transform(z);
+  const bool vertical = moved == OrthoOrientation::Sagittal;
+  float& shown = vertical ? column.shownY : column.shownX;
+  shown += static_cast<float>(distance);
+  return !isOff(shown, vertical ? now.translationY : now.translationX);
 }
 
 void QxOrthoViewManager::updateLinesIfAutomatic()
@@ -326,6 +358,9 @@ void QxOrthoViewManager::commitJob(const Job& job)
   };
   if (job.valid.first == -1) {
     copy(0, width);
+    OrthoColumns::Column& column = m_columns.column(job.view, job.z);
+    column.shownX = job.transform.translationX;
+    column.shownY = job.transform.translationY;
   } else {
     copy(0, job.valid.first);
     copy(job.valid.last + 1, width - 1 - job.valid.last);

@@ -22,6 +22,8 @@ public:
   struct Column {
     State state = State::UpToDate;
     std::uint64_t changes = 0; ///< grows with everything that makes a computation in progress worthless
+    float shownX = 0.0f;       ///< the slice's translation that the pixels stand for, moves of them included
+    float shownY = 0.0f;
   };
   /// Pixels of a column, both included; first is -1 when there is none.
   struct Range {

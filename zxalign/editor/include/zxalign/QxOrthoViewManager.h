@@ -160,6 +160,10 @@ private:
   // QxOrthoViewManagerLines.cpp: what is stale, and its computation.
   void mark(int from, int to, OrthoOrientation orientation, OrthoColumns::State state);
   void blankColumn(OrthoOrientation orientation, int z); // m_mutex is held
+  /// Whether columns are further off than a rounding: moves of less than half a pixel have added up.
+  bool areOff(int from, int to, OrthoOrientation orientation);
+  /// Notes a move of a column's pixels; false when it then stands for another translation than the slice's.
+  bool countMove(OrthoOrientation moved, int z, int distance);
   void translateProjections(int from, int to, int distance, OrthoOrientation moved,
                             OrthoOrientation selection);
   void takeTransforms(int from, int to); // m_mutex is held
