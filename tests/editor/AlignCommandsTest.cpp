@@ -4,6 +4,7 @@
 #include "zx/ZxInterpreter.h"
 #include "zxalign/QxViewAlignSlicesCoronal.h"
 
+#include <QDockWidget>
 #include <QDoubleSpinBox>
 #include <QImage>
 
@@ -222,6 +223,9 @@ TEST_F(AlignCommandsTest, ShowViewsAndWriteAPicture)
   result("updateOrthoViews");
   EXPECT_FALSE(isBlack()) << "also while nothing is updated by itself";
   result("showTransformToolBar 1");
+  result("showPairQuality 1");
+  EXPECT_TRUE(editor->findChild<QDockWidget*>("pairQualityDock")->isVisible());
+  result("showPairQuality 0");
   result("setCheckerboardSize 20");
   EXPECT_EQ(editor->getChessFieldSize(), 20);
   result("redrawInhibit 2");

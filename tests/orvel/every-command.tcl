@@ -109,6 +109,8 @@ align fire
 > viewZoomIn
 > viewZoomOut
 > showTransformToolBar 1
+> showPairQuality 1
+> showPairQuality 0
 > setCheckerboardSize 12
 > setCheckerboardSize 0
 > showCoronalView 1

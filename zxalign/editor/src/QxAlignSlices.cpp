@@ -86,15 +86,15 @@ void QxAlignSlices::placeInMainWindow()
 
 void QxAlignSlices::createPanels()
 {
-  auto* pairQuality = new QxPairQualityDock(*this);
-  addDockWidget(Qt::BottomDockWidgetArea, pairQuality);
+  m_pairQuality = new QxPairQualityDock(*this);
+  addDockWidget(Qt::BottomDockWidgetArea, m_pairQuality);
   // The orthogonal views need the height, and have the width.
   setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
-  pairQuality->hide();
-  connect(pairQuality, &QDockWidget::visibilityChanged, this, [this] { m_orthoViews->keepInWindow(); });
+  m_pairQuality->hide();
+  connect(m_pairQuality, &QDockWidget::visibilityChanged, this, [this] { m_orthoViews->keepInWindow(); });
   QToolBar* panels = addToolBar("Panels");
   panels->setObjectName("panelToolBar");
-  panels->addAction(pairQuality->toggleViewAction());
+  panels->addAction(m_pairQuality->toggleViewAction());
   addToolBarBreak(); // The toolbar of the orthogonal views gets a row of its own.
 }
 

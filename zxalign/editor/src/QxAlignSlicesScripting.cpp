@@ -4,6 +4,7 @@
 #include "zxalign/QxAutoAlignToolBar.h"
 #include "zxalign/QxDrawAlignSlices.h"
 #include "zxalign/QxOrthoViewManager.h"
+#include "zxalign/QxPairQualityDock.h"
 #include "zxalign/QxViewAlignSlicesOrthogonalCommonToolBar.h"
 
 #include <QCoreApplication>
@@ -33,6 +34,8 @@ void QxAlignSlices::setOrthoViewZWindow(int halfWidth)
   if (halfWidth >= 0) m_orthoViews->setZRange(halfWidth);
   m_orthoViews->setShowZRange(halfWidth >= 0);
 }
+
+void QxAlignSlices::showPairQuality(bool visible) { m_pairQuality->setVisible(visible); }
 
 void QxAlignSlices::setOrthoViewAutoUpdate(bool on)
 {

@@ -50,8 +50,9 @@ public:
   /// One step of the slice view's zoom.
   virtual void viewZoomIn() = 0;
   virtual void viewZoomOut() = 0;
-  /// Show or hide the toolbar of numbers and the orthogonal views.
+  /// Show or hide the toolbar of numbers, the panel with the quality of all pairs, and the orthogonal views.
   virtual void showTransformToolBar(bool visible) = 0;
+  virtual void showPairQuality(bool visible) = 0;
   virtual void showCoronalView(bool visible) = 0;
   virtual void showSagittalView(bool visible) = 0;
   /// One step of the zoom of both orthogonal views.

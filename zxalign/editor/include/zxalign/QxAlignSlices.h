@@ -25,6 +25,7 @@ class QxAlignUndoRedo;
 class QxAutoAlignToolBar;
 class QxDrawAlignSlices;
 class QxOrthoViewManager;
+class QxPairQualityDock;
 class ZxAlignSlices;
 struct ZxAlignPair;
 
@@ -95,6 +96,7 @@ public:
   void showEdit() override;
   void inhibitRedraw(int delta) override;
   void setOrthoViewZWindow(int halfWidth) override;
+  void showPairQuality(bool visible) override;
   void setOrthoViewAutoUpdate(bool on) override;
   void updateOrthogonalViews() override;
   std::string snapshot(const std::string& fileName) override;
@@ -266,6 +268,7 @@ private:
   QxAutoAlignToolBar* m_autoAlignToolBar = nullptr;      // child
   QPointer<QxAlignSlicesOptionsDialog> m_options;        // child, while showParameters() runs
   QxAlignTransformToolBar* m_transformToolBar = nullptr; // child
+  QxPairQualityDock* m_pairQuality = nullptr;            // child
   McHandle<QxOrthoViewManager> m_orthoViews;
   std::unique_ptr<AlignBorderPreviews> m_previews;
   std::unique_ptr<AlignKeyboard> m_keyboard;
