@@ -21,6 +21,8 @@
 namespace cli {
 namespace {
 
+constexpr std::string_view kRobust = "robust"; // the one that looks at more neighbours than one
+
 /// One of the two values of --window.
 float windowValue(const std::string& text)
 {
@@ -149,7 +151,9 @@ void AlignCommand::declareSearch(CLI::App& options)
   options.add_option("--rotation-step", m_rotationStep, "The same as --set rotation-step=DEGREES, see below")
       ->type_name("DEGREES");
   options.add_option("--levels", m_levels, "The same as --set levels=N, see below")->type_name("N");
-  options.add_option("--neighbours", m_neighbours, "The same as --set neighbours=K, see below")
+  options
+      .add_option("--neighbours", m_neighbours,
+                  "For the method robust: the same as --set neighbours=K, see below")
       ->type_name("K");
   options
       .add_option("--window", m_window,
@@ -195,12 +199,14 @@ void AlignCommand::declareOutputs(CLI::App& options)
 
 bool AlignCommand::writesTable() const { return m_transformsOnly && hasEnding(m_output, ".csv"); }
 
-void AlignCommand::check(const io::VolumeInfo& info) const
+void AlignCommand::check(const std::string& method, const io::VolumeInfo& info) const
 {
   const ZxDims& dims = info.shape.dims;
   requireMemory(info.shape, "The");
   requireMemory(m_resample.outputShape(info.shape), "Aligned");
-  if (m_scale.enlargement() > 1) throw Failure("--scale makes slices smaller: it is 1/2, 1/3 and so on.");
+  if (!m_neighbours.empty() && method != kRobust)
+    throw Failure("--neighbours is for the method robust, and the method here is " + method +
+                  ": add --method robust, or leave out --neighbours.");
   if (m_transformsOnly && m_resample.hasLabels())
     throw Failure("--labels needs the resampling that --transforms-only leaves out.");
   if (!m_picture.empty() && !hasEnding(m_picture, ".png"))
@@ -301,12 +307,12 @@ void AlignCommand::applyAtFullSize(AlignModule& module, const Stack& stack, Alig
   const ZxDims &full = stack.info.shape.dims, &reduced = stack.compared->getLattice()->getDims();
   for (ZxAlignTransform& transform : report.transforms) transform = m_scale.toFull(transform, reduced, full);
   for (ZxAlignPairResult& pair : report.pairs) pair.transform = m_scale.toFull(pair.transform, reduced, full);
-  passConfidence(stack.compared->parameters(), stack.volume->parameters());
   const std::string rotationStep = control.getSetting("rotation-step");
   const float min = module.windowMin(), max = module.windowMax();
   module.connectInput(*stack.volume, AlignModule::Window::Later);
   control.setTransforms(report.transforms);
   control.setLandmarks(stack.landmarks);
+  passConfidence(stack.compared->parameters(), stack.volume->parameters());
   // What the slices were compared with, for the report and the picture.
   module.set("rotation-step", rotationStep);
   module.setWindow(min, max);
@@ -356,16 +362,16 @@ RunFacts AlignCommand::facts(AlignModule& module, const io::VolumeInfo& info, co
   RunFacts facts = {
       {"the command", "align"}, {"the version", ZXALIGN_VERSION}, {"the method", report.method}};
   m_input.addFacts(info, facts);
-  facts.emplace_back("--scale", report.scale);
+  facts.push_back({"--scale", report.scale});
   for (const ZxAlignSetting& setting : module.control().settings())
-    facts.emplace_back(setting.name, module.control().getSetting(setting.name));
-  facts.emplace_back("the reference slice", std::to_string(report.reference));
-  facts.emplace_back("the window", shortest(module.windowMin()) + " to " + shortest(module.windowMax()));
-  facts.emplace_back("--transforms-only", m_transformsOnly ? "on" : "off");
+    facts.push_back({setting.name, module.control().getSetting(setting.name)});
+  facts.push_back({"the reference slice", std::to_string(report.reference)});
+  facts.push_back({"the window", shortest(module.windowMin()) + " to " + shortest(module.windowMax())});
+  facts.push_back({"--transforms-only", m_transformsOnly ? "on" : "off"});
   const std::pair<const char*, const std::string&> files[] = {
       {"--mask", m_mask}, {"--start-from", m_startFrom}, {"--landmarks", m_landmarks}};
   for (const auto& [option, path] : files) {
-    facts.emplace_back(option, path);
+    facts.push_back({option, pathFact(path)});
     const bool isTable = path.empty() || hasEnding(path, ".csv");
     addFileFacts(isTable ? std::vector<std::string>{path} : io::readInfo({path}).files, facts);
   }
@@ -469,16 +475,16 @@ McHandle<ZxSpatialData> AlignCommand::writeVolumes(AlignModule& module, const St
   }
   if (m_transformsOnly) {
     module.storeAlignment();
-    growVolume(files, partial, "volume", m_output, stack.volume, console);
+    growVolume(files, partial, PartialOutput::kVolume, m_output, stack.volume, console);
     return {};
   }
   m_resample.settle(module, stack.info.shape);
   McHandle<ZxSpatialData> aligned = module.alignedVolume();
   passConfidence(stack.volume->parameters(), aligned->parameters());
-  report.seconds.resampling = growVolume(files, partial, "volume", m_output, aligned, console);
+  report.seconds.resampling = growVolume(files, partial, PartialOutput::kVolume, m_output, aligned, console);
   if (m_resample.hasLabels())
-    report.seconds.resampling +=
-        growVolume(files, partial, "labels", m_resample.labelsOutput(), module.alignedLabels(), console);
+    report.seconds.resampling += growVolume(files, partial, PartialOutput::kLabels, m_resample.labelsOutput(),
+                                            module.alignedLabels(), console);
   return aligned;
 }
 
@@ -529,11 +535,11 @@ void AlignCommand::run(Console& console)
 {
   AlignModule module(console, m_plugIns);
   const int method = findMethod(module.control(), m_method);
-  if (!m_scaleText.empty()) m_scale = SliceScale::of(m_scaleText, "--scale");
+  if (!m_scaleText.empty()) m_scale = SliceScale::of(m_scaleText, SliceScale::Allowed::Reduction);
   const io::VolumeInfo info = m_input.info();
   OutputFiles files;
   announce(info, files);
-  check(info);
+  check(methodName(module.control(), method), info);
   using Start = PartialOutput::Start;
   PartialOutput partial(m_output, m_resume ? Start::Resume : Start::Anew, console);
 

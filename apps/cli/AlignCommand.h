@@ -38,7 +38,7 @@ private:
   };
 
   bool writesTable() const;
-  void check(const io::VolumeInfo& info) const;
+  void check(const std::string& method, const io::VolumeInfo& info) const;
   void announce(const io::VolumeInfo& info, OutputFiles& files) const;
 
   AlignReport newReport(AlignModule& module, int method, const io::VolumeInfo& info) const;

@@ -55,6 +55,8 @@ void AlignModule::connectInput(ZxSpatialData& input, Window window)
   m_module->fire();
   if (lendsWindow) input.parameters().remove(kDataWindow);
   if (ZxWorkArea::getTheWorkArea()->wasInterrupted()) throw Stopped("Stopped while reading " + name);
+  // A damaged slice met on the way, in the search for the range, would only be met again.
+  if (m_console.holdsCause()) throw Failure(m_console.reason({}));
   if (!m_module->portData.isConnected() || m_control->numSlices() == 0)
     throw Failure(name + ": " + m_console.reason("The volume cannot be aligned."));
   m_console.remarks();

@@ -23,8 +23,10 @@ public:
 
   /// Adds a line of our own to those held back.
   void remark(const std::string& line) { m_held.push_back(line); }
-  /// Shows the lines held back, unless quiet.
+  /// Shows the lines held back, unless quiet. What is said again and again is said once, with the number.
   void remarks();
+  /// True when one of the lines held back says what cannot be done.
+  bool holdsCause() const;
   /// Forgets the lines held back and gives the last of them, or the other text where there is none.
   std::string reason(const std::string& otherwise);
 

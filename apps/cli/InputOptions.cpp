@@ -39,7 +39,7 @@ McHandle<ZxField3> InputOptions::open() const
 
 void InputOptions::addFacts(const io::VolumeInfo& info, RunFacts& facts) const
 {
-  facts.emplace_back("--pad", m_pad ? "on" : "off");
+  facts.push_back({"--pad", m_pad ? "on" : "off"});
   addFileFacts(info.files, facts);
 }
 

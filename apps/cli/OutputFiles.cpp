@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "Text.h"
+#include "UniquePath.h"
 #include "io/Volume.h"
 
 #include <fcntl.h>
@@ -13,19 +14,11 @@
 #include <cstring>
 #include <initializer_list>
 #include <iterator>
+#include <map>
 
 namespace cli {
 namespace fs = std::filesystem;
 namespace {
-
-/// A path that is the same for the same file, however it was written. Works for files yet to be made.
-fs::path uniquePath(const fs::path& path)
-{
-  std::error_code error;
-  const fs::path result = fs::weakly_canonical(fs::absolute(path), error);
-  const fs::path& best = error ? path : result;
-  return best.has_filename() ? best : best.parent_path();
-}
 
 bool isSequence(const std::string& path)
 {
@@ -119,13 +112,103 @@ void flush(const fs::path& folder, const fs::path& target)
   }
 }
 
-/// Moves a file or folder into a folder; a folder that is there already receives the files.
-void moveInto(const fs::path& from, const fs::path& folder)
+/// All files and folders directly in a folder.
+std::vector<fs::path> entriesOf(const fs::path& folder)
 {
-  const fs::path to = folder / from.filename();
-  if (!fs::is_directory(from) || !fs::exists(to)) return fs::rename(from, to);
-  for (const fs::directory_entry& entry : fs::directory_iterator(from)) moveInto(entry.path(), to);
+  std::vector<fs::path> entries;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder)) entries.push_back(entry.path());
+  return entries;
 }
+
+/// Moves that belong together: all of them are done, or those that were done are taken back.
+///
+/// What is replaced or removed stays in hidden folders beside it until the end.
+class Moves {
+public:
+  Moves() = default;
+  ~Moves()
+  {
+    std::error_code ignored;
+    for (const auto& [parent, folder] : m_folders)
+      if (!m_isNeeded) fs::remove_all(folder, ignored);
+  }
+  Moves(const Moves&) = delete;
+  Moves& operator=(const Moves&) = delete;
+
+  /// Moves a file or folder into a folder; a folder that is there already receives the files. Throws
+  /// fs::filesystem_error.
+  void moveInto(const fs::path& from, const fs::path& folder)
+  {
+    const fs::path to = folder / from.filename();
+    if (!fs::is_directory(from) || !fs::exists(to)) return move(from, to);
+    for (const fs::path& entry : entriesOf(from)) moveInto(entry, to);
+  }
+  /// Removes a file, if it is there. Throws fs::filesystem_error.
+  void remove(const fs::path& path)
+  {
+    if (!isFile(path)) return;
+    const fs::path kept = placeFor(path);
+    fs::rename(path, kept);
+    m_done.push_back({{}, path, kept});
+  }
+
+  /// Takes back what was done, the last first. Gives what could not be, as the end of a sentence.
+  std::string takeBack() noexcept
+  {
+    std::string rest;
+    for (; !m_done.empty(); m_done.pop_back()) {
+      const auto& [from, to, replaced] = m_done.back();
+      std::error_code error;
+      if (!from.empty()) fs::rename(to, from, error);
+      if (!error && !replaced.empty()) fs::rename(replaced, to, error);
+      if (!error) continue;
+      rest += "; new is " + to.string();
+      if (!replaced.empty()) rest += ", what it was is " + replaced.string();
+      m_isNeeded = m_isNeeded || !replaced.empty();
+    }
+    return rest;
+  }
+
+private:
+  struct Done {
+    fs::path from, to;
+    fs::path replaced; ///< what stood there; empty for nothing
+  };
+  static bool isFile(const fs::path& path)
+  {
+    const fs::file_status status = fs::symlink_status(path);
+    return fs::is_regular_file(status) || fs::is_symlink(status);
+  }
+  /// Where a file is kept that is to be replaced: of the same disk.
+  fs::path placeFor(const fs::path& path)
+  {
+    const fs::path parent = path.has_parent_path() ? path.parent_path() : fs::path(".");
+    fs::path& folder = m_folders[parent];
+    if (folder.empty()) {
+      std::string name = (parent / (".zxalign-" + std::string(6, 'X'))).string(); // mkdtemp fills it in
+      if (!mkdtemp(name.data())) throw fs::filesystem_error("no folder", {errno, std::generic_category()});
+      folder = name;
+    }
+    return folder / path.filename();
+  }
+  void move(const fs::path& from, const fs::path& to)
+  {
+    fs::path replaced;
+    if (isFile(to)) {
+      // With a second name for it there is no moment without a file of that name.
+      replaced = placeFor(to);
+      if (link(to.c_str(), replaced.c_str()) != 0) fs::rename(to, replaced);
+      m_done.push_back({{}, to, replaced});
+    }
+    fs::rename(from, to);
+    if (!replaced.empty()) m_done.pop_back();
+    m_done.push_back({from, to, replaced});
+  }
+
+  std::map<fs::path, fs::path> m_folders; ///< the hidden one of each folder
+  std::vector<Done> m_done;
+  bool m_isNeeded = false; ///< something is kept that could not be put back
+};
 
 } // namespace
 
@@ -280,20 +363,16 @@ void OutputFiles::commit()
     });
   };
   std::stable_partition(m_staged.begin(), m_staged.end(), keepsInputs);
-  std::string done;
+  Moves moves;
   for (const Staged& s : m_staged) {
-    // Parameters of what is replaced do not belong to what replaces it.
-    std::error_code ignored;
-    if (!fs::exists(s.folder / s.parameters, ignored)) fs::remove(s.target / s.parameters, ignored);
-    for (const fs::directory_entry& entry : fs::directory_iterator(s.folder)) {
-      const fs::path target = s.target / entry.path().filename();
-      try {
-        moveInto(entry.path(), s.target);
-      } catch (const fs::filesystem_error& error) {
-        throw Failure(writeFailure(target.string(),
-                                   error.code().message() + (done.empty() ? "" : "; written is" + done)));
-      }
-      done += " " + target.string();
+    fs::path entry = s.parameters;
+    try {
+      // Parameters of what is replaced do not belong to what replaces it.
+      if (!fs::exists(s.folder / s.parameters)) moves.remove(s.target / s.parameters);
+      for (const fs::path& staged : entriesOf(s.folder)) moves.moveInto(entry = staged, s.target);
+    } catch (const fs::filesystem_error& error) {
+      const std::string target = (s.target / entry.filename()).lexically_normal().string();
+      throw Failure(writeFailure(target, error.code().message() + moves.takeBack()));
     }
   }
   removeStaged();

@@ -46,7 +46,7 @@ public:
   /// finds there what it has written before, and what has not been committed stays.
   void grow(const std::string& path, const std::filesystem::path& folder,
             const std::function<void(const std::string&)>& writer);
-  /// Moves everything into place. Throws Failure, which says what is in place already.
+  /// Moves everything into place, or nothing. Throws Failure, which says what could not be put back then.
   void commit();
 
 private:

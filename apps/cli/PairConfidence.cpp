@@ -30,7 +30,12 @@ std::optional<PairConfidence> confidenceOf(const ZxParamBundle& parameters, int 
 void passConfidence(const ZxParamBundle& from, ZxParamBundle& to)
 {
   const ZxParamBundle* all = from.findBundle(kBundle);
-  if (ZxParamBundle* target = all ? to.getBundle(kBundle) : nullptr) target->merge(*all);
+  ZxParamBundle* target = all ? to.getBundle(kBundle) : nullptr;
+  if (!target) return;
+  target->merge(*all);
+  // Where the slices lie is another place in another volume: whoever opens that notes it.
+  for (const ZxParamBundle::Entry& entry : all->entries())
+    if (ZxParamBundle* own = target->findBundle(entry.name)) own->remove("corners");
 }
 
 void forgetConfidence(ZxParamBundle& parameters) { parameters.remove(kBundle); }

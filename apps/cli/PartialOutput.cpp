@@ -25,6 +25,8 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* kState = "state.json";
+/// All that a run puts into its folder; the state comes last, so that what is removed has it to the end.
+constexpr const char* kOurs[] = {PartialOutput::kVolume, PartialOutput::kLabels, "state.json.new", kState};
 
 std::string withoutSlash(std::string path)
 {
@@ -59,6 +61,29 @@ void writeAtomically(const std::string& text, const fs::path& path, const fs::pa
   std::remove(beside.c_str());
   errno = reason;
   cannotWrite(name);
+}
+
+/// The name of something in a folder of ours that no run puts there; empty when there is none.
+std::string foreignIn(const fs::path& folder)
+{
+  std::error_code error;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
+    const std::string name = entry.path().filename().string();
+    // Network file systems keep removed files that are still open under such a name.
+    if (std::find(std::begin(kOurs), std::end(kOurs), name) == std::end(kOurs) && !name.starts_with(".nfs"))
+      return name;
+  }
+  return {};
+}
+
+/// Throws what names the thing.
+template <class Refusal>
+void refuseForeign(const fs::path& folder)
+{
+  const std::string foreign = foreignIn(folder);
+  if (!foreign.empty())
+    throw Refusal(folder.string() + " is removed when the work is done, and " + foreign +
+                  " in it is from no run; move that away.");
 }
 
 dev_t diskOf(const fs::path& folder)
@@ -105,14 +130,15 @@ public:
 std::string PartialOutput::nameFor(const std::string& output) { return withoutSlash(output) + ".partial"; }
 
 PartialOutput::PartialOutput(const std::string& output, Start start, Console& console)
-  : m_folder(nameFor(output)), m_name(m_folder.string()), m_resumes(start == Start::Resume)
+  : m_console(console), m_folder(nameFor(output)), m_name(m_folder.string()),
+    m_resumes(start == Start::Resume)
 {
-  lookAt(start, console);
+  lookAt(start);
 }
 
 PartialOutput::~PartialOutput() = default;
 
-void PartialOutput::lookAt(Start start, Console& console)
+void PartialOutput::lookAt(Start start)
 {
   std::error_code error;
   if (!fs::exists(fs::symlink_status(m_folder, error))) {
@@ -127,10 +153,11 @@ void PartialOutput::lookAt(Start start, Console& console)
   if (!state)
     throw Failure(m_name + " is there and not what a stopped run has left; move it away or choose another "
                            "output.");
+  refuseForeign<Failure>(m_folder);
   // The lock stays until the end also where the folder is to be replaced: nobody takes it up meanwhile.
   m_lock = std::move(lock);
   if (start == Start::Anew) {
-    console.remark(m_name + " of a stopped run, which --resume would take up, is replaced.");
+    m_console.remark(m_name + " of a stopped run, which --resume would take up, is replaced.");
     return;
   }
   m_state = std::move(*state);
@@ -230,6 +257,7 @@ void PartialOutput::publish(const std::string& hidden)
   // What an earlier stopped run has left gives way as long as it is what lookAt() has seen; nothing else
   // does.
   const bool replaces = m_lock && m_lock->isOf(m_folder);
+  if (replaces) refuseForeign<Conflict>(m_folder);
   const auto move = [&](unsigned int how) {
     return renameat2(AT_FDCWD, hidden.c_str(), AT_FDCWD, m_folder.c_str(), how) == 0;
   };
@@ -278,8 +306,9 @@ bool PartialOutput::writeQuietly() noexcept
   return false;
 }
 
-std::string PartialOutput::tail(bool stopped) noexcept
+std::string PartialOutput::tail(End end) noexcept
 {
+  const bool stopped = end == End::Stopped;
   // Without pairs and slices there is nothing that would not come again at once.
   const bool hasWork = !m_state.pairs.empty() || m_hasSlices || m_resumes;
   const bool isWhole = !hasWork || m_isWritten || writeQuietly();
@@ -288,7 +317,10 @@ std::string PartialOutput::tail(bool stopped) noexcept
     return "; " + std::to_string(m_pairsOnDisk) + " of " + std::to_string(m_state.pairs.size()) +
            " finished pairs are kept in " + m_name + ", and --resume takes them up: " + m_problem;
   if (hasWork && m_isOurs && (stopped || m_hasProgress))
-    return "; what is done is kept in " + m_name + ", and --resume takes it up.";
+    return "; what is done is kept in " + m_name +
+           (end == End::InputUnreadable
+                ? ": --resume takes it up once the same files can be read; mended ones are aligned anew."
+                : ", and --resume takes it up.");
   if (m_isOurs && !hasWork) remove();
   return stopped ? "; nothing was written." : ".";
 }
@@ -317,21 +349,31 @@ void PartialOutput::guard(const std::function<void()>& work)
     sentence = stopped ? doing() : error.what();
   }
   if (sentence.ends_with('.')) sentence.pop_back();
-  sentence += tail(stopped);
+  const bool isUnreadable = sentence.starts_with("Cannot read ");
+  sentence += tail(stopped ? End::Stopped : isUnreadable ? End::InputUnreadable : End::Failed);
   if (stopped) throw Stopped(sentence);
   throw Failure(sentence);
 }
 
+void PartialOutput::removeFolder() noexcept
+{
+  const std::string foreign = foreignIn(m_folder);
+  std::error_code error;
+  if (!foreign.empty()) {
+    for (const char* name : kOurs) fs::remove_all(m_folder / name, error);
+    m_console.remark(m_name + " stays, since " + foreign + " in it is from no run.");
+    return;
+  }
+  // It goes at once: nobody finds it without its state, should the program be killed meanwhile.
+  std::string hidden = (m_folder.parent_path() / (".zxalign-" + std::string(6, 'X'))).string();
+  if (mkdtemp(hidden.data())) fs::rename(m_folder, hidden, error);
+  fs::remove_all(error ? m_folder : fs::path(hidden), error);
+}
+
 void PartialOutput::remove() noexcept
 {
-  std::error_code error;
   // Also what this run was to replace and had no need to.
-  if (m_lock && m_lock->isOf(m_folder)) {
-    // It goes at once: nobody finds it without its state, should the program be killed meanwhile.
-    std::string hidden = (m_folder.parent_path() / (".zxalign-" + std::string(6, 'X'))).string();
-    if (mkdtemp(hidden.data())) fs::rename(m_folder, hidden, error);
-    fs::remove_all(error ? m_folder : fs::path(hidden), error);
-  }
+  if (m_lock && m_lock->isOf(m_folder)) removeFolder();
   m_isOurs = m_isWritten = false;
   m_lock.reset();
 }

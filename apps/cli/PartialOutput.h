@@ -22,8 +22,12 @@ class PartialOutput {
 public:
   enum class Start { Anew, Resume };
 
+  /// Names of the folders that volumes grow in.
+  static constexpr const char* kVolume = "volume";
+  static constexpr const char* kLabels = "labels";
+
   /// Looks at what stands there and changes nothing. Throws Failure: nothing to resume, a file or folder that
-  /// is none of ours, another process at work.
+  /// is none of ours, or has one in it, another process at work.
   PartialOutput(const std::string& output, Start start, Console& console);
   ~PartialOutput();
   PartialOutput(const PartialOutput&) = delete;
@@ -57,18 +61,23 @@ public:
   /// failure before anything was done says no more than its reason.
   void guard(const std::function<void()>& work);
   /// The run is at its end, or has nothing to keep.
+  /// What somebody else has put into the folder stays, with a remark.
   void remove() noexcept;
 
 private:
   class Lock;
   class Conflict;
-  void lookAt(Start start, Console& console);
+  void lookAt(Start start);
   void hold();
   void publish(const std::string& hidden);
   void write();
   bool writeQuietly() noexcept;
-  std::string tail(bool stopped) noexcept;
+  void removeFolder() noexcept;
+  enum class End { Stopped, Failed, InputUnreadable };
+  /// What becomes of the work, to follow the reason of an end.
+  std::string tail(End end) noexcept;
 
+  Console& m_console;
   std::filesystem::path m_folder;
   std::string m_name; ///< of the folder, for sentences
   RunState m_state;

@@ -59,7 +59,7 @@ std::vector<PairQuality> QualityCommand::measure(AlignModule& module, Console& c
   return pairs;
 }
 
-std::string QualityCommand::remarkOn(const ZxParamBundle& parameters, int lower)
+std::string QualityCommand::remarkOn(const ZxParamBundle& parameters, ZxAlignControl& control, int lower)
 {
   std::string text;
   for (const int slice : {lower, lower + 1}) {
@@ -67,7 +67,7 @@ std::string QualityCommand::remarkOn(const ZxParamBundle& parameters, int lower)
     // What was said about a slice belongs to the pair with the slice that it was aligned to.
     const bool other = slice == lower ? confidence && confidence->reference > slice
                                       : confidence && confidence->reference < slice;
-    if (other) text += "  " + cli::describe(slice, *confidence);
+    if (other && control.liesAsMatched(slice)) text += "  " + cli::describe(slice, *confidence);
   }
   return text;
 }
@@ -93,7 +93,7 @@ void QualityCommand::run(Console& console)
   for (const PairQuality& pair : pairs)
     console.result("slices " + std::to_string(pair.lower) + " - " + std::to_string(pair.lower + 1) +
                    "  quality " + fixed(pair.quality * 100.0, 2) + " %" + (pair.worst ? " *" : "") +
-                   remarkOn(volume->parameters(), pair.lower));
+                   remarkOn(volume->parameters(), module.control(), pair.lower));
 }
 
 } // namespace cli

@@ -30,8 +30,8 @@ public:
 
 private:
   std::vector<PairQuality> measure(AlignModule& module, Console& console) const;
-  /// What a method has said about the pair, or nothing.
-  static std::string remarkOn(const ZxParamBundle& parameters, int lower);
+  /// What a method has said about the pair as it lies, or nothing.
+  static std::string remarkOn(const ZxParamBundle& parameters, ZxAlignControl& control, int lower);
 
   InputOptions m_input;
   std::string m_mask;

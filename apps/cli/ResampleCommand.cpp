@@ -95,9 +95,9 @@ RunFacts ResampleCommand::facts(const io::VolumeInfo& info) const
 {
   RunFacts facts = {{"the command", "resample"}, {"the version", ZXALIGN_VERSION}};
   m_input.addFacts(info, facts);
-  facts.emplace_back("--transforms", m_transforms);
+  facts.push_back({"--transforms", pathFact(m_transforms)});
   addFileFacts({m_transforms}, facts);
-  facts.emplace_back("--scale", m_scale.text());
+  facts.push_back({"--scale", m_scale.text()});
   m_resample.addFacts(facts);
   return facts;
 }
@@ -106,9 +106,10 @@ void ResampleCommand::write(AlignModule& module, OutputFiles& files, PartialOutp
                             Console& console) const
 {
   const WorkingPhase phase("Writing " + m_output);
-  growVolume(files, partial, "volume", m_output, module.alignedVolume(), console);
+  growVolume(files, partial, PartialOutput::kVolume, m_output, module.alignedVolume(), console);
   if (m_resample.hasLabels())
-    growVolume(files, partial, "labels", m_resample.labelsOutput(), module.alignedLabels(), console);
+    growVolume(files, partial, PartialOutput::kLabels, m_resample.labelsOutput(), module.alignedLabels(),
+               console);
   files.commit();
   partial.remove();
 }
@@ -116,7 +117,7 @@ void ResampleCommand::write(AlignModule& module, OutputFiles& files, PartialOutp
 void ResampleCommand::run(Console& console)
 {
   AlignModule module(console);
-  if (!m_scaleText.empty()) m_scale = SliceScale::of(m_scaleText, "--scale");
+  if (!m_scaleText.empty()) m_scale = SliceScale::of(m_scaleText, SliceScale::Allowed::Both);
   const io::VolumeInfo info = m_input.info();
   check(info);
   OutputFiles files;

@@ -79,9 +79,8 @@ void ResampleOptions::announceLabels(const InputOptions& input, const ZxLatticeS
   files.announceVolume(m_labelsOutput, outputShape(info.shape));
 }
 
-void requireMemory(const ZxLatticeShape& shape, const char* whose)
+void requireMemory(const ZxLatticeShape& shape, const char* whose, std::uint64_t slices)
 {
-  constexpr std::uint64_t slices = 12; // of input, output and what lies between them
   if (shape.sliceBytes() <= zxAvailableMemory() / slices) return;
   throw Failure(std::string(whose) + " slices of " + std::to_string(shape.dims.width) + " x " +
                 std::to_string(shape.dims.height) + " pixels are too large for the free memory.");
@@ -89,13 +88,13 @@ void requireMemory(const ZxLatticeShape& shape, const char* whose)
 
 void ResampleOptions::addFacts(RunFacts& facts) const
 {
-  facts.emplace_back("--size",
-                     m_size.size() == 2 ? std::to_string(m_size[0]) + " " + std::to_string(m_size[1]) : "");
-  facts.emplace_back("--auto-size", m_autoSize ? "on" : "off");
-  facts.emplace_back("--background", m_background);
-  facts.emplace_back("--interpolation", m_interpolation);
-  facts.emplace_back("--labels", m_labels);
-  facts.emplace_back("--labels-out", m_labelsOutput);
+  facts.push_back(
+      {"--size", m_size.size() == 2 ? std::to_string(m_size[0]) + " " + std::to_string(m_size[1]) : ""});
+  facts.push_back({"--auto-size", m_autoSize ? "on" : "off"});
+  facts.push_back({"--background", m_background});
+  facts.push_back({"--interpolation", m_interpolation});
+  facts.push_back({"--labels", pathFact(m_labels)});
+  facts.push_back({"--labels-out", pathFact(m_labelsOutput)});
   if (hasLabels()) addFileFacts(io::readInfo({m_labels}).files, facts);
 }
 
@@ -139,7 +138,9 @@ void ResampleOptions::settle(AlignModule& module, const ZxLatticeShape& input) c
   ZxLatticeShape output = input;
   output.dims.width = parseInteger(module.control().getSetting("width")).value_or(output.dims.width);
   output.dims.height = parseInteger(module.control().getSetting("height")).value_or(output.dims.height);
-  requireMemory(output, "Aligned");
+  // Other sizes have been checked when nothing was held yet.
+  constexpr std::uint64_t ofOutput = 4;
+  if (m_autoSize) requireMemory(output, "Aligned", ofOutput);
   if (m_labelField) module.connect("LabelField", *m_labelField);
 }
 

@@ -3,6 +3,7 @@
 #include "AlignModule.h"
 #include "InputOptions.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -14,8 +15,9 @@ namespace cli {
 
 class OutputFiles;
 
-/// Refuses, before it is tried, work on slices of which a dozen does not fit into the free memory.
-void requireMemory(const ZxLatticeShape& shape, const char* whose);
+/// Refuses, before it is tried, work on slices of which so many do not fit into the free memory: those of
+/// input, output and what lies between them.
+void requireMemory(const ZxLatticeShape& shape, const char* whose, std::uint64_t slices = 12);
 
 /// How the aligned volume is made: the options that the commands align and resample share.
 class ResampleOptions {

@@ -1,5 +1,6 @@
 #include "RunState.h"
 
+#include "UniquePath.h"
 #include "io/Error.h"
 #include "io/ParameterJson.h"
 
@@ -21,16 +22,17 @@ void addFile(const std::string& path, RunFacts& facts)
 {
   struct stat about {};
   if (stat(path.c_str(), &about) != 0 || !S_ISREG(about.st_mode)) return;
-  facts.emplace_back(std::string(kFile) + path, std::to_string(about.st_size) + " bytes of " +
-                                                    std::to_string(about.st_mtim.tv_sec) + "." +
-                                                    std::to_string(about.st_mtim.tv_nsec));
+  facts.push_back({std::string(kFile) + pathFact(path),
+                   std::to_string(about.st_size) + " bytes of " + std::to_string(about.st_mtim.tv_sec) + "." +
+                       std::to_string(about.st_mtim.tv_nsec),
+                   path});
 }
 
 std::string valueOf(const RunFacts& facts, const std::string& name)
 {
   const auto found =
-      std::find_if(facts.begin(), facts.end(), [&](const auto& fact) { return fact.first == name; });
-  return found == facts.end() ? std::string() : found->second;
+      std::find_if(facts.begin(), facts.end(), [&](const RunFact& fact) { return fact.name == name; });
+  return found == facts.end() ? std::string() : found->value;
 }
 
 std::string inWords(const std::string& value) { return value.empty() ? "not given" : value; }
@@ -63,7 +65,8 @@ ZxAlignPairResult pairOf(const Json& json)
 RunState stateOf(const Json& json)
 {
   RunState state;
-  for (const Json& fact : json.at("run")) state.facts.emplace_back(fact.at(0), fact.at(1));
+  for (const Json& fact : json.at("run"))
+    state.facts.push_back({fact.at(0), fact.at(1), fact.size() > 2 ? fact.at(2) : Json("")});
   for (const Json& pair : json.at("pairs")) state.pairs.push_back(pairOf(pair));
   for (const Json& transform : json.at("transforms")) state.transforms.push_back(transformOf(transform));
   state.parameters = io::fromJson(json.at("parameters").dump(), "state.json");
@@ -79,16 +82,20 @@ void addFileFacts(const std::vector<std::string>& files, RunFacts& facts)
   for (const std::string& file : files) addFile(file, facts);
 }
 
+std::string pathFact(const std::string& path) { return path.empty() ? path : uniquePath(path).string(); }
+
 std::string differenceOf(const RunFacts& there, const RunFacts& here)
 {
   RunFacts all = here; // what is new comes first: it is what the user has just typed
-  all.insert(all.end(), there.begin(), there.end());
-  for (const auto& [name, ignored] : all) {
+  // What was typed for the other run may have been typed in another folder.
+  for (const RunFact& fact : there) all.push_back({fact.name, fact.value});
+  for (const RunFact& fact : all) {
+    const std::string& name = fact.name;
     const std::string before = valueOf(there, name), now = valueOf(here, name);
     if (before == now) continue;
     if (!name.starts_with(kFile))
       return name + " is " + inWords(before) + " there and " + inWords(now) + " here";
-    const std::string file = name.substr(kFile.size());
+    const std::string file = fact.shown.empty() ? name.substr(kFile.size()) : fact.shown;
     if (before.empty()) return file + " was no input of it";
     return now.empty() ? file + " is no input now" : file + " has changed since";
   }
@@ -99,7 +106,10 @@ std::string stateText(const RunState& state)
 {
   Json json = {{"program", "zxalign"}, {"content", kContent}};
   json["run"] = Json::array();
-  for (const auto& [name, value] : state.facts) json["run"].push_back(Json::array({name, value}));
+  for (const RunFact& fact : state.facts) {
+    json["run"].push_back(Json::array({fact.name, fact.value}));
+    if (!fact.shown.empty()) json["run"].back().push_back(fact.shown);
+  }
   json["pairs alone"] = state.pairsAlone;
   json["changes parameters"] = state.changesParameters;
   json["pairs"] = Json::array();

@@ -10,13 +10,24 @@
 
 namespace cli {
 
-/// What decides about the result of a run, name and value as text: inputs, method, settings, options. Two
-/// runs of equal facts give the same files.
-using RunFacts = std::vector<std::pair<std::string, std::string>>;
+/// Something that decides about the result of a run, as text: an input, the method, a setting, an option.
+struct RunFact {
+  std::string name;
+  std::string value;
+  std::string shown{}; ///< what sentences call it where that is not its name; decides nothing
+  friend bool operator==(const RunFact& a, const RunFact& b)
+  {
+    return a.name == b.name && a.value == b.value;
+  }
+};
+/// Two runs of equal facts give the same files.
+using RunFacts = std::vector<RunFact>;
 
-/// Adds what tells each file from another one of its name: size and time of change. Nothing for what is no
-/// file.
+/// Adds what tells each file from any other: where it really is, size and time of change. Nothing for what is
+/// no file.
 void addFileFacts(const std::vector<std::string>& files, RunFacts& facts);
+/// The value of an option that is a path: the same from every folder. Empty where it is not given.
+std::string pathFact(const std::string& path);
 
 /// Empty when the facts are equal and in the same order, else what differs: "iterations is 20 there and 10
 /// here".

@@ -52,14 +52,18 @@ ZxAlignTransform conjugated(const ZxAlignTransform& transform, const ZxDims& fro
 
 } // namespace
 
-SliceScale SliceScale::of(const std::string& text, const char* option)
+SliceScale SliceScale::of(const std::string& text, Allowed allowed)
 {
   SliceScale scale;
   const std::optional<double> ratio = ratioOf(text);
   const std::optional<int> above = ratio ? wholeNumber(*ratio) : std::nullopt;
   const std::optional<int> below = ratio && *ratio > 0.0 ? wholeNumber(1.0 / *ratio) : std::nullopt;
+  const std::string largest = std::to_string(kLargest);
+  if (allowed == Allowed::Reduction && !below)
+    throw Failure("--scale of align only reduces: it takes 1, 1/2, 1/3 and so on to 1/" + largest +
+                  ", or the same as 0.5, 0.25, not \"" + text + "\".");
   if (!above && !below)
-    throw Failure(std::string(option) + " takes one over a whole number up to " + std::to_string(kLargest) +
+    throw Failure("--scale takes one over a whole number up to " + largest +
                   " (1/4, 0.25) or such a number, not \"" + text + "\".");
   scale.m_enlargement = above.value_or(1);
   scale.m_reduction = below.value_or(1);

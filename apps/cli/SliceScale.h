@@ -16,8 +16,10 @@ namespace cli {
 class SliceScale {
 public:
   SliceScale() = default;
-  /// From "1/4", "0.25" or "4". Throws Failure, naming the option, when it is none of that.
-  static SliceScale of(const std::string& text, const char* option);
+  enum class Allowed { Reduction, Both };
+  /// From "1/4" or "0.25", and from "4" where that is allowed: the value of --scale. Throws Failure, saying
+  /// what is allowed, when it is none of that.
+  static SliceScale of(const std::string& text, Allowed allowed);
 
   /// True when it changes nothing.
   bool isOne() const noexcept { return m_reduction == 1 && m_enlargement == 1; }

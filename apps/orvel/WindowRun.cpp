@@ -25,9 +25,12 @@ void runScript(const std::string& script)
 }
 
 /// A script that wants to quit closes the window, which asks about unsaved changes; it may stay open.
-void quit(QxMainWindow& window, int status)
+void quit(QxMainWindow& window, int status, int milliseconds = 0)
 {
-  QTimer::singleShot(0, &window, [&window, status] {
+  QTimer::singleShot(milliseconds, &window, [&window, status] {
+    // It is no work to ask about when what scripts have asked for later is looked at just now.
+    if (ZxInterpreter::getTheInterpreter().isEvaluating())
+      return quit(window, status, scriptEventMilliseconds);
     if (window.close()) QCoreApplication::exit(status);
   });
 }
@@ -52,7 +55,7 @@ int runWindow(const std::string& script, const std::vector<std::string>& files)
   // The script finds what was opened with the window.
   QTimer whenOpened;
   QObject::connect(&whenOpened, &QTimer::timeout, [&] {
-    if (window.isReadingOrWriting()) return;
+    if (window.isReadingOrWriting() || interpreter.isEvaluating()) return;
     whenOpened.stop();
     runScript(script);
   });

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <hwy/cache_control.h>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "PairSide.cpp"
@@ -21,6 +22,36 @@ namespace hn = hwy::HWY_NAMESPACE;
 // Bytes of a row that are compared at a time: few enough for the fastest cache and for sums in 32 bits.
 constexpr int kChunk = 4096;
 constexpr int kSlack = 64;
+constexpr int kCacheLine = 64;
+
+// Lines of the cache that the points of a tile may touch in a row of the grid: about half of the smallest
+// fast cache, since the next row touches most of them again.
+constexpr std::int64_t kTileLines = 256;
+
+/// Columns of the grid that are gone through together, row by row.
+HWY_INLINE int tileWidth(const PairSide& a, const PairSide& b)
+{
+  const auto linesOf = [](const PairSide& s) { // per 65536 columns
+    const std::int64_t along = s.m.m11 < 0 ? -s.m.m11 : s.m.m11, across = s.m.m12 < 0 ? -s.m.m12 : s.m.m12;
+    return along * s.pixelBytes / kCacheLine + across;
+  };
+  const std::int64_t width = kTileLines * 65536 / (linesOf(a) + linesOf(b) + 1);
+  return static_cast<int>(std::clamp<std::int64_t>(width, kCacheLine, kChunk / a.pixelBytes));
+}
+
+/// Calls f(row, column, n) for pieces of up to `width` points that together are the spans.
+template <class F>
+HWY_INLINE void forTiles(int width, const RowSpan* spans, int rowBegin, int rowEnd, const F& f)
+{
+  int longest = 0;
+  for (int row = rowBegin; row < rowEnd; ++row) longest = std::max(longest, spans[row - rowBegin].size());
+  for (int from = 0; from < longest; from += width)
+    for (int row = rowBegin; row < rowEnd; ++row) {
+      const int column = spans[row - rowBegin].begin + from;
+      const int n = std::min(width, spans[row - rowBegin].end - column);
+      if (n > 0) f(row, column, n);
+    }
+}
 
 /// A place along a row of the grid in an image.
 struct Place {
@@ -42,6 +73,14 @@ HWY_INLINE Place moved(const PairSide& s, Place p, int points)
 {
   const auto n = static_cast<std::uint32_t>(points);
   return {p.x + n * static_cast<std::uint32_t>(s.m.m11), p.y + n * static_cast<std::uint32_t>(s.m.m12)};
+}
+
+// Asks for the bytes at a distance from others, wherever that is. What a turned row reads lies on a slant
+// that no processor foresees.
+HWY_INLINE void prefetch(const std::uint8_t* bytes, std::int64_t distance)
+{
+  hwy::Prefetch(reinterpret_cast<const std::uint8_t*>(reinterpret_cast<std::uintptr_t>(bytes) +
+                                                      static_cast<std::uintptr_t>(distance)));
 }
 
 HWY_NOINLINE void fetchPlain(const PairSide& s, Place p, int n, std::uint8_t* out)
@@ -130,13 +169,21 @@ HWY_INLINE Corner cornerOf(const PairSide& s, Place p)
   return {s.m.m11 < 0 ? last.x : p.x, s.m.m12 < 0 ? last.y : p.y};
 }
 
+// Bytes from a block of points to those that are not in the cache yet: a few rows of the grid further on, the
+// more the more rows a block skips for the next one to ask for.
+HWY_INLINE std::int64_t distanceAhead(const PairSide& s)
+{
+  const std::int64_t rows = 4 + s.blockRows;
+  return ((rows * s.m.m22) >> 16) * s.stride + ((rows * s.m.m21) >> 16);
+}
+
 /// Looks up blocks of points that lie within 16 columns of at most `Rows` rows each: 16 bytes of every row,
 /// and from each the points that lie in it. Takes as many blocks at a time as fit into a vector.
 template <int Rows, int Blocks>
 class TurnedBlocks {
 public:
   HWY_INLINE TurnedBlocks(const PairSide& s, Place first)
-    : m_pixels(s.pixels), m_end(s.end), m_stride(s.stride), m_height(s.height),
+    : m_pixels(s.pixels), m_end(s.end), m_ahead(distanceAhead(s)), m_stride(s.stride), m_height(s.height),
       m_stepX(static_cast<std::uint32_t>(s.m.m11)), m_stepY(static_cast<std::uint32_t>(s.m.m12)),
       m_first(cornerOf(s, first)), m_even(s.even), m_odd(s.odd), m_fractionX(fractions(m_first.x, m_stepX)),
       m_fractionY(fractions(m_first.y, m_stepY))
@@ -149,6 +196,7 @@ public:
     const std::uint8_t* const bytes0 = bytesAt(k);
     const std::uint8_t* const bytes1 = Blocks == 1 ? bytes0 : bytesAt(k + kPairBlock);
     const std::uint8_t* const last = m_end - (Rows - 1) * m_stride - kPairBlock;
+    prefetch(bytes0, m_ahead);
     if (HWY_LIKELY(bytes0 <= last && bytes1 <= last)) return store(k, Rows, bytes0, bytes1, out);
     if (Blocks > 1) return false;
     // Near the last row there may be fewer.
@@ -223,6 +271,7 @@ private:
 
   const std::uint8_t* m_pixels;
   const std::uint8_t* m_end;
+  std::int64_t m_ahead;
   std::int64_t m_stride;
   int m_height;
   std::uint32_t m_stepX, m_stepY;
@@ -391,34 +440,39 @@ HWY_INLINE const std::uint8_t* pixelsOf(const PairSide& s, Place p, int n, std::
   return buffer;
 }
 
+// Asks for the bytes of the next row of the grid when they lie side by side: between two rows other bytes are
+// read for so long that the processor has forgotten where it was.
+HWY_INLINE void prefetchNextRow(const PairSide& s, Place p, int n)
+{
+  if (s.path != PairSide::Path::Row) return;
+  const std::int64_t bytes = std::int64_t{n} * s.pixelBytes;
+  for (std::int64_t k = 0; k < bytes; k += kCacheLine) prefetch(pixelAt(s, p), s.stride + k);
+}
+
 std::uint64_t sumRows(const PairSide& a, const PairSide& b, const RowSpan* spans, int rowBegin, int rowEnd)
 {
   alignas(64) std::uint8_t bufferA[kChunk + kSlack];
   alignas(64) std::uint8_t bufferB[kChunk + kSlack];
-  const int chunk = kChunk / a.pixelBytes;
   Sum sum;
-  for (int row = rowBegin; row < rowEnd; ++row) {
-    const RowSpan span = spans[row - rowBegin];
-    for (int column = span.begin; column < span.end; column += chunk) {
-      const int n = std::min(chunk, span.end - column);
-      const std::uint8_t* const pa = pixelsOf(a, placeOf(a, row, column), n, bufferA);
-      const std::uint8_t* const pb = pixelsOf(b, placeOf(b, row, column), n, bufferB);
-      sum.add(pa, pb, n * a.pixelBytes, a.pixelBytes == 4);
-    }
-  }
+  forTiles(tileWidth(a, b), spans, rowBegin, rowEnd, [&](int row, int column, int n) {
+    const Place placeA = placeOf(a, row, column);
+    prefetchNextRow(a, placeA, n);
+    const std::uint8_t* const pa = pixelsOf(a, placeA, n, bufferA);
+    const std::uint8_t* const pb = pixelsOf(b, placeOf(b, row, column), n, bufferB);
+    sum.add(pa, pb, n * a.pixelBytes, a.pixelBytes == 4);
+  });
   return sum.value();
 }
 
-void fetchRow(const PairSide& s, int row, RowSpan span, std::uint8_t* out)
+void fetchRows(const PairSide& s, const RowSpan* spans, int rowBegin, int rowEnd, std::uint8_t* out,
+               std::int64_t outStride)
 {
   alignas(64) std::uint8_t buffer[kChunk + kSlack];
-  const int chunk = kChunk / s.pixelBytes;
-  for (int column = span.begin; column < span.end; column += chunk) {
-    const int n = std::min(chunk, span.end - column);
-    const auto bytes = static_cast<std::size_t>(n) * static_cast<std::size_t>(s.pixelBytes);
-    std::memcpy(out, pixelsOf(s, placeOf(s, row, column), n, buffer), bytes);
-    out += bytes;
-  }
+  forTiles(tileWidth(s, s), spans, rowBegin, rowEnd, [&](int row, int column, int n) {
+    const std::uint8_t* const pixels = pixelsOf(s, placeOf(s, row, column), n, buffer);
+    std::memcpy(out + row * outStride + std::int64_t{column} * s.pixelBytes, pixels,
+                static_cast<std::size_t>(n) * static_cast<std::size_t>(s.pixelBytes));
+  });
 }
 
 } // namespace kernels::HWY_NAMESPACE
@@ -430,7 +484,7 @@ namespace kernels {
 namespace {
 
 HWY_EXPORT(sumRows);
-HWY_EXPORT(fetchRow);
+HWY_EXPORT(fetchRows);
 
 // Rows that a block of points may touch until looking up every point by itself becomes faster.
 constexpr std::int64_t kMostBlockRows = 12;
@@ -486,9 +540,10 @@ std::uint64_t sumPairRows(const PairSide& a, const PairSide& b, const RowSpan* s
   return HWY_DYNAMIC_DISPATCH(sumRows)(a, b, spans, rowBegin, rowEnd);
 }
 
-void fetchPairRow(const PairSide& side, int row, RowSpan span, std::uint8_t* out)
+void fetchPairRows(const PairSide& side, const RowSpan* spans, int rowBegin, int rowEnd, std::uint8_t* out,
+                   std::int64_t outStride)
 {
-  HWY_DYNAMIC_DISPATCH(fetchRow)(side, row, span, out);
+  HWY_DYNAMIC_DISPATCH(fetchRows)(side, spans, rowBegin, rowEnd, out, outStride);
 }
 
 } // namespace kernels

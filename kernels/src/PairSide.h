@@ -55,7 +55,9 @@ private:
 std::uint64_t sumPairRows(const PairSide& a, const PairSide& b, const RowSpan* spans, int rowBegin,
                           int rowEnd);
 
-/// Writes the pixels of a row of the grid, one after the other.
-void fetchPairRow(const PairSide& side, int row, RowSpan span, std::uint8_t* out);
+/// Writes the pixels of these rows of the grid to their places in an image of the grid's size, whose first
+/// pixel is at `out` and whose rows are `outStride` bytes apart.
+void fetchPairRows(const PairSide& side, const RowSpan* spans, int rowBegin, int rowEnd, std::uint8_t* out,
+                   std::int64_t outStride);
 
 } // namespace kernels

@@ -46,12 +46,7 @@ void SampledReference::sample(const PairImage& image, const Affine16& m, int gri
   const PairSide source(image, m, channels);
   forRows(0, m_gridHeight, rowGrain(m_gridWidth), [&](int rowBegin, int rowEnd) {
     clipToImage(image, m, rowBegin, rowEnd - rowBegin, m_spans.get() + rowBegin);
-    for (int row = rowBegin; row < rowEnd; ++row) {
-      const RowSpan span = m_spans[static_cast<std::size_t>(row)];
-      if (span.size() > 0)
-        fetchPairRow(source, row, span,
-                     m_pixels.get() + row * m_side->stride + std::int64_t{span.begin} * m_side->pixelBytes);
-    }
+    fetchPairRows(source, m_spans.get() + rowBegin, rowBegin, rowEnd, m_pixels.get(), m_side->stride);
   });
 }
 

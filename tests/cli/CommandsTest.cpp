@@ -46,6 +46,20 @@ TEST_F(Commands, ResampleByIdentityGivesTheInputBack)
   }
 }
 
+TEST_F(Commands, ResampleSaysOnceWhatHoldsForEverySlice)
+{
+  writeFile(folder.file("id.csv"), test::identityTable(3));
+  io::writeVolume(*test::noiseField({{37, 22, 3}, 1, McPrimType::UInt8}), folder.file("in.nrrd"));
+  const Outcome outcome = run(
+      {{"resample", "in.nrrd", "-o", "out.nrrd", "--transforms", "id.csv", "--background", "most-frequent"},
+       {},
+       folder.path()});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_NE(outcome.err.find("\nBackground color slice 0: "), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.err.find(" (and so on, 3 slices)\n"), std::string::npos) << outcome.err;
+  EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 2) << outcome.err;
+}
+
 // The slice is turned by a quarter and shifted unequally, so that a wrong sense, axis or centre shows.
 TEST_F(Commands, ResampleMovesSlicesAsTheTableSays)
 {

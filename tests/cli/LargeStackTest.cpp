@@ -37,7 +37,7 @@ TEST(LargeStack, NeedsTheMemoryOfAFewSlices)
   ASSERT_GT(kSlices * kSlice, 3 * static_cast<std::uintmax_t>(kLimit));
   const auto expectRun = [&](std::vector<std::string> arguments) {
     arguments.insert(arguments.end(), {"--threads", "2"});
-    test::Run limited{arguments, {{"MALLOC_ARENA_MAX", "2"}}, folder.path()};
+    test::Run limited{arguments, {}, folder.path()};
     limited.largestMemory = kLimit;
     const test::Outcome outcome = test::run(limited);
     EXPECT_EQ(outcome.status, 0) << testing::PrintToString(arguments) << outcome.err;

@@ -70,6 +70,24 @@ TEST(PlugIns, ThatThrowEndInOneSentenceAndWriteNothing)
   EXPECT_EQ(folder.contents(), before);
 }
 
+// A pair without memory for its method is not done: --resume begins with it.
+TEST(PlugIns, ThatLackMemoryHaveFailed)
+{
+  const test::Folder folder;
+  test::makePhantom(folder.file("in.nrrd"), 5, 64);
+  std::vector<std::string> align = {
+      "align",  "in.nrrd",     "-o", "out.nrrd", "--method",
+      "Hungry", "--reference", "1",  "--plugin", wanted("T", "addHungry", "ThrowingPlugIn")};
+  for (const std::string said : {"what is done is kept in out.nrrd.partial", "could not be allocated.\n"}) {
+    const Outcome outcome = run({align, {}, folder.path()});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.err.find("Not enough memory: 123456789 bytes"), std::string::npos) << outcome.err;
+    EXPECT_NE(outcome.err.find(said), std::string::npos) << outcome.err;
+    EXPECT_EQ(count(test::readFile(folder.file("out.nrrd.partial/state.json")), "\"editable\""), 1u);
+    align.push_back("--resume");
+  }
+}
+
 TEST(PlugIns, AStartUpScriptAtFaultIsAFailure)
 {
   const test::Folder folder;

@@ -108,6 +108,9 @@ TEST_F(Refusals, ArgumentsThatMakeNoSense)
       {{"--labels", "in.nrrd"}, "labels-out"},
       {{"--interpolation", "cubic"}, "interpolation"},
       {{"--threads", "0"}, "threads"},
+      {{"--neighbours", "3"}, "add --method robust, or leave out --neighbours"},
+      {{"--scale", "2"}, "--scale of align only reduces: it takes 1, 1/2, 1/3"},
+      {{"--scale", "1/0"}, "--scale of align only reduces"},
       {{"--sideways"}, "sideways"}};
   for (const auto& [more, reason] : cases) {
     std::vector<std::string> arguments = align;

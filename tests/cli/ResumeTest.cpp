@@ -143,6 +143,26 @@ protected:
   std::mt19937 random{12};
 };
 
+// A slice that cannot be read may be damaged, and a mended one makes another run; or its disk is away.
+TEST_F(Resume, SaysWhatAnUnreadableSliceMeansForIt)
+{
+  fs::create_directory(folder.file("in"));
+  test::makePhantom(folder.file("in/%02d.png"), 6, 200);
+  const std::string first = folder.file("in/00.png"), whole = readFile(first);
+  test::writeFile(first, whole.substr(0, whole.size() / 2));
+  // The search for the range meets it at once.
+  const Arguments align = {"align", "in", "-o", "a.nrrd"};
+  expectRefusal(align, "Cannot read slice 0 from \"in/00.png\"");
+  const Arguments inWindow = with(align, {"--window", "0", "200"});
+  const Outcome failed = run({inWindow, {}, folder.path()});
+  EXPECT_EQ(failed.status, 1);
+  EXPECT_NE(failed.err.find("--resume takes it up once the same files can be read"), std::string::npos)
+      << failed.err;
+  expectRefusal(with(inWindow, {"--resume"}), "Cannot read slice 0");
+  test::writeFile(first, whole);
+  expectRefusal(with(inWindow, {"--resume"}), "in/00.png has changed since");
+}
+
 // Killed at once and asked to stop, after any number of slices, in every kind of file.
 TEST_F(Resume, GoesOnAfterTheLastSliceOfEveryFormat)
 {
@@ -220,6 +240,25 @@ TEST_F(Resume, KnowsItsInputsByTheirFiles)
   leaveStopped({"align", "in", "-o", "b.nrrd"}, "b.nrrd");
   test::writeFile(folder.file("in/log.txt"), "no slice");
   expectRun({"align", "in", "-o", "b.nrrd", "--resume"});
+}
+
+// Another folder to work in, and a link on the way, change the names of the files but not the files.
+TEST_F(Resume, GoesOnFromAnotherFolder)
+{
+  for (const std::string name : {"in", "out", "elsewhere"}) fs::create_directory(folder.file(name));
+  test::makePhantom(folder.file("in/stack.nrrd"), 12, 200);
+  test::writeLabels(folder.file("in/labels.nrrd"), {200, 200, 12});
+  fs::create_directory_symlink(folder.file("in"), folder.file("elsewhere/link"));
+  const auto align = [&](const std::string& in, const std::string& out) {
+    return Arguments{"align",        in + "/stack.nrrd",  "-o",       out + "/a.nrrd",
+                     "--mask",       in + "/labels.nrrd", "--labels", in + "/labels.nrrd",
+                     "--labels-out", out + "/l.nrrd"};
+  };
+  leaveStopped(align("in", "out"), "out/a.nrrd");
+  const Outcome resumed = run({with(align("link", "../out"), {"--resume"}), {}, folder.file("elsewhere")});
+  EXPECT_EQ(resumed.status, 0) << resumed.err;
+  EXPECT_NE(resumed.out.find("before the stop"), std::string::npos) << resumed.out;
+  EXPECT_TRUE(fs::exists(folder.file("out/a.nrrd")) && fs::exists(folder.file("out/l.nrrd")));
 }
 
 TEST_F(Resume, KeepsWhatWasWrittenBeforeTheDiskWasFull)
@@ -319,6 +358,32 @@ TEST_F(Resume, TouchesNoInputAndNoOutputInItsFolder)
   expectRefusal({"align", "a.nrrd.partial/in.nrrd", "-o", "a.nrrd"}, "an input is in it");
   expectRefusal({"align", "in.nrrd", "-o", "a.nrrd", "--report", "a.nrrd.partial/r.json"},
                 "is removed when the work is done");
+}
+
+TEST_F(Resume, KeepsWhatIsOfOthersInItsFolder)
+{
+  test::makePhantom(folder.file("in.nrrd"), 12, 200);
+  const Arguments align = {"align", "in.nrrd", "-o", "a.nrrd"};
+  const std::string notes = folder.file("a.nrrd.partial/notes.txt");
+  leaveStopped(align, "a.nrrd");
+  test::writeFile(notes, "mine");
+  expectRefusal(align, "notes.txt in it is from no run");
+  expectRefusal(with(align, {"--resume"}), "notes.txt in it is from no run");
+  // Put there while a run is at work, which ends all the same.
+  Outcome outcome;
+  untilMet("a.nrrd", [&] {
+    fs::remove_all(folder.file("a.nrrd.partial"));
+    const auto putNotes = [&](pid_t) {
+      if (!fs::exists(notes)) test::writeFile(notes, "mine");
+      return false;
+    };
+    outcome = test::runUntil({align, {}, folder.path()}, putNotes, SIGTERM);
+    return fs::exists(notes);
+  });
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_NE(outcome.err.find("a.nrrd.partial stays, since notes.txt"), std::string::npos) << outcome.err;
+  EXPECT_EQ(readFile(notes), "mine");
+  EXPECT_FALSE(fs::exists(folder.file("a.nrrd.partial/state.json")));
 }
 
 TEST_F(Resume, SaysWhenNothingCouldBeKept)

@@ -29,6 +29,8 @@ int statusOf(pid_t child)
 [[noreturn]] void become(const Run& run)
 {
   setenv("ZX_PACKAGE_PATH", ZX_TEST_PACKAGES, 1);
+  // As from a terminal, also where the tests run under nohup or in the background of a script.
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, SIG_DFL);
   for (const auto& [name, value] : run.environment) setenv(name.c_str(), value.c_str(), 1);
   if (!run.folder.empty() && chdir(run.folder.c_str()) != 0) _exit(127);
   if (run.largestFile >= 0) {

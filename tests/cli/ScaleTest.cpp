@@ -23,7 +23,7 @@ TEST(SliceScale, MovesTheSameTissue)
   const ZxAlignTransform transform{3.25f, -1.5f, 31.0f, true};
   for (const ZxDims full : {ZxDims{96, 64, 1}, ZxDims{101, 67, 1}, ZxDims{98, 63, 1}})
     for (const std::string text : {"1/4", "0.5", "1/3", "2"}) {
-      const SliceScale scale = SliceScale::of(text, "--scale");
+      const SliceScale scale = SliceScale::of(text, SliceScale::Allowed::Both);
       const double f = static_cast<double>(scale.reduction()) / scale.enlargement();
       const ZxDims reduced{full.width / scale.reduction() * scale.enlargement(),
                            full.height / scale.reduction() * scale.enlargement(), 1};
@@ -39,10 +39,11 @@ TEST(SliceScale, MovesTheSameTissue)
       EXPECT_EQ(back.angleDegrees, transform.angleDegrees);
       EXPECT_TRUE(back.flip);
     }
-  EXPECT_EQ(SliceScale::of("0.25", "--scale").text(), "1/4");
-  EXPECT_EQ(SliceScale::of("1/4", "--scale").toReduced(ZxAlignPoint{41, 7}), (ZxAlignPoint{10, 1}));
+  EXPECT_EQ(SliceScale::of("0.25", SliceScale::Allowed::Both).text(), "1/4");
+  EXPECT_EQ(SliceScale::of("1/4", SliceScale::Allowed::Both).toReduced(ZxAlignPoint{41, 7}),
+            (ZxAlignPoint{10, 1}));
   for (const char* bad : {"0.3", "0", "-1", "1/0", "two", "1/4/2", "nan"})
-    EXPECT_THROW(SliceScale::of(bad, "--scale"), cli::Failure) << bad;
+    EXPECT_THROW(SliceScale::of(bad, SliceScale::Allowed::Both), cli::Failure) << bad;
 }
 
 class Scale : public testing::Test {

@@ -1,5 +1,6 @@
 #include "zxalign/AlignRecovery.h"
 
+#include "support/Waiting.h"
 #include "zxalign/ModuleTest.h"
 
 #include <QDir>
@@ -46,7 +47,7 @@ protected:
   }
   bool written()
   {
-    return QTest::qWaitFor([this] { return !module->recovery().isPending(); });
+    return waitFor([this] { return !module->recovery().isPending(); });
   }
   QStringList files() const { return QDir(folder).entryList({"*.json"}, QDir::Files); }
   /// The module goes without an end, as if it had been killed; what it wrote is left.
@@ -85,6 +86,25 @@ TEST_F(AlignRecoveryTest, WhatWasEditedLastIsGivenBackExactlyAndCanBeUndone)
   EXPECT_EQ(files().size(), 1) << "the old file makes way for that of this module";
   module->undoRedo().undo();
   EXPECT_TRUE(module->currentState() == opened);
+}
+
+// Then the side of the edited slice may point out of the stack.
+TEST_F(AlignRecoveryTest, IsOfferedAlsoOfTheEndsOfTheStackWithAFixedReference)
+{
+  for (const auto& [slice, side] : {std::pair(0, 1), {dims.slices - 1, -1}}) {
+    open(stackFrom("a.tif"));
+    module->setEditableSide(side);
+    module->setReferenceFixed(true);
+    module->setSlice(slice);
+    edit(2.5f);
+    crash();
+    open(stackFrom("a.tif"));
+    ASSERT_TRUE(asked) << slice;
+    asked->restore();
+    EXPECT_EQ(module->getSlice(7).translationX, 2.5f);
+    EXPECT_EQ(module->getEditableSlice(), slice);
+    module->recovery().forget();
+  }
 }
 
 TEST_F(AlignRecoveryTest, NothingIsLeftOfWhatWasSavedDiscardedOrTakenBack)
@@ -153,7 +173,7 @@ TEST_F(AlignRecoveryTest, KeepsWritingWhileLongWorkChangesSlices)
   {
     const ZxWorkingPhase phase("aligning");
     edit(1);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return !files().isEmpty(); }));
+    EXPECT_TRUE(waitFor([this] { return !files().isEmpty(); }));
     module->getSlice(7).translationX = 2; // without a record of its own
     EXPECT_TRUE(module->recovery().isPending());
   }
@@ -215,19 +235,19 @@ public:
   explicit Victim(const QString& file)
   {
     m_process.start(ZX_RECOVERY_VICTIM, {file});
-    m_process.waitForStarted();
+    m_process.waitForStarted(patienceMilliseconds);
   }
   ~Victim() { kill(); }
   /// Lets it go on until it has kept so many edits.
   bool keeps(int edits)
   {
-    while (m_kept < edits && m_process.waitForReadyRead()) read();
+    while (m_kept < edits && m_process.waitForReadyRead(patienceMilliseconds)) read();
     return m_kept >= edits;
   }
   void kill()
   {
     m_process.kill();
-    m_process.waitForFinished();
+    m_process.waitForFinished(patienceMilliseconds);
     read();
   }
   int kept() const { return m_kept; }
@@ -282,7 +302,7 @@ TEST_F(AlignRecoveryTest, TwoProgramsWithTheSameDataLeaveEachOtherAlone)
   asked->restore();
   EXPECT_GE(module->getSlice(7).translationX, static_cast<float>(victim.kept()));
   ours->recovery().forget();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !ours->recovery().isPending(); }));
+  EXPECT_TRUE(waitFor([&] { return !ours->recovery().isPending(); }));
   EXPECT_EQ(files().size(), 1);
 }
 

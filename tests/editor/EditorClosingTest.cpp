@@ -82,6 +82,12 @@ TEST_F(EditorClosingTest, UnsavedChangesAreAskedFor)
   EXPECT_TRUE(editor->canClose()); // as the main window asks
   EXPECT_TRUE(isStored());
   EXPECT_FALSE(module->isModified());
+  EXPECT_TRUE(isShown()) << "something else may keep the main window open";
+  edit();
+  answerPrompt("&Don't Save");
+  EXPECT_TRUE(editor->canClose());
+  EXPECT_TRUE(isShown() && module->isModified());
+  editor->closePage();
   EXPECT_FALSE(isShown());
   EXPECT_EQ(button(), "Edit");
   EXPECT_EQ(ZxWorkArea::getTheWorkArea()->getProgressText(), "");
@@ -120,6 +126,7 @@ TEST_F(EditorClosingTest, AnotherStackIsTakenUpWhileTheWindowIsOpen)
   connect(module->portData, another);
   EXPECT_EQ(current(), 1);
   EXPECT_FALSE(item("undoAction")->isEnabled());
+  EXPECT_FALSE(module->isModified());
   editor->drawArea()->viewport()->grab();
   key(Qt::Key_End);
   EXPECT_EQ(current(), 2);
@@ -154,6 +161,7 @@ TEST_F(EditorClosingTest, AnInputThatCannotBeAlignedLeavesNothing)
   edit();
   connect(module->portData, greyStack({24, 18, 1}));
   EXPECT_FALSE(module->portData.isConnected());
+  EXPECT_FALSE(module->isModified());
   editor->drawArea()->viewport()->grab();
   key(Qt::Key_Right);
   connect(module->portData, stack);
@@ -199,7 +207,7 @@ TEST_F(EditorClosingTest, TheModuleMayGoWhileItsWindowAsks)
     answerPrompt("&Save");
   });
   editor->cancel();
-  QTRY_VERIFY(!window);
+  EXPECT_TRUE(waitFor([&] { return !window; }));
 }
 
 TEST_F(EditorClosingTest, TheMainWindowMayGoFirst)

@@ -14,9 +14,9 @@ protected:
   void SetUp() override
   {
     EditorTest::SetUp();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(host.get()));
+    ASSERT_TRUE(waitForExposed(host.get()));
     host->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(host.get()));
+    ASSERT_TRUE(waitForActive(host.get()));
   }
   /// To whatever has the focus.
   void real(Qt::Key k, Qt::KeyboardModifiers modifiers = {})
@@ -82,7 +82,7 @@ TEST_F(EditorDisplayTest, ModifiersLetGoInAMenuAreNotStuck)
   auto* menu = host->findChild<QMenu*>("landmarksMenu");
   QTest::keyPress(host->windowHandle(), Qt::Key_Control);
   menu->popup(host->mapToGlobal(QPoint(50, 50)));
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(menu));
+  ASSERT_TRUE(waitForExposed(menu));
   QTest::keyRelease(menu, Qt::Key_Control);
   menu->close();
   real(Qt::Key_Up);
@@ -96,7 +96,7 @@ TEST_F(EditorDisplayTest, AKeyHeldWhileAnotherWindowComesShowsBothSlicesAgain)
   QWidget other;
   other.show();
   other.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+  ASSERT_TRUE(waitForActive(&other));
   EXPECT_EQ(editor->drawArea()->displayedSlice(), QxDrawAlignSlices::BothSlices);
 }
 

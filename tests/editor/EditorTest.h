@@ -1,6 +1,7 @@
 #pragma once
 
 #include "qx/QxMainWindow.h"
+#include "support/Waiting.h"
 #include "zxalign/AlignEditorFactory.h"
 #include "zxalign/ModuleTest.h"
 #include "zxalign/QxAlignMenuBar.h"
@@ -45,7 +46,7 @@ protected:
       ADD_FAILURE() << "unexpected: " << modal->objectName().toStdString();
       modal->close();
     });
-    watchdog.start(std::chrono::seconds(10));
+    watchdog.start(patience);
   }
   void TearDown() override
   {

@@ -4,6 +4,7 @@
 #include "mc/McLine.h"
 #include "qx/QxImageViewer.h"
 #include "reference/PlainLines.h"
+#include "support/Waiting.h"
 #include "zx/ZxInterpreter.h"
 #include "zxalign/QxAlignSlices.h"
 #include "zxalign/QxOrthoViewManager.h"

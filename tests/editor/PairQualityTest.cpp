@@ -1,8 +1,12 @@
 #include "zxalign/QxPairQualityDock.h"
 
 #include "EditorTest.h"
+#include "zx/ZxParamBundle.h"
 #include "zxalign/PairQualityModel.h"
+#include "zxalign/QxAlignUndoRedo.h"
 #include "zxalign/QxPairQualityCurve.h"
+#include "zxalign/ZxAutoAlignMethod.h"
+#include "zxalign/ZxAutoAlignMethodFabrique.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -21,8 +25,7 @@ protected:
   void open(const McHandle<ZxField3>& stack) { connect(module->portData, stack); }
   bool isComplete()
   {
-    return QTest::qWaitFor(
-        [this] { return qualities->count() > 0 && qualities->upToDate() == qualities->count(); });
+    return waitFor([this] { return qualities->count() > 0 && qualities->upToDate() == qualities->count(); });
   }
   /// What the module itself says of each pair, by making it the current one.
   void expectAsTheModule()
@@ -83,7 +86,7 @@ TEST_F(PairQualitiesTest, OnlyPairsThatChangedAreComputedAnew)
   EXPECT_EQ(current.takeLast()[0].toInt(), 5);
   changed.clear();
   module->getSlice(3).translationY = 4;
-  ASSERT_TRUE(QTest::qWaitFor([&] { return changed.size() == 2; }));
+  ASSERT_TRUE(waitFor([&] { return changed.size() == 2; }));
   EXPECT_EQ(changed[0][0].toInt() + changed[1][0].toInt(), 2 + 3);
   EXPECT_EQ(std::set<int>({changed[0][0].toInt(), changed[1][0].toInt()}), std::set<int>({2, 3}));
   expectAsTheModule();
@@ -107,14 +110,14 @@ TEST_F(PairQualitiesTest, GiveWayToOtherWorkAndFollowTheInput)
   EXPECT_TRUE(isComplete());
   QSignalSpy reset(qualities.get(), &PairQualities::reset);
   open(greyStack({12, 10, 4})); // as many slices, other ones
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !reset.isEmpty(); }));
+  ASSERT_TRUE(waitFor([&] { return !reset.isEmpty(); }));
   expectAsTheModule();
   module->portData.disconnect();
   module->fire();
-  ASSERT_TRUE(QTest::qWaitFor([&] { return qualities->count() == 0; }));
+  ASSERT_TRUE(waitFor([&] { return qualities->count() == 0; }));
   EXPECT_EQ(qualities->worst(), -1);
   open(greyStack({400, 300, 30}));
-  ASSERT_TRUE(QTest::qWaitFor([&] { return qualities->count() == 29; }));
+  ASSERT_TRUE(waitFor([&] { return qualities->count() == 29; }));
   qualities.reset(); // while it computes
 }
 
@@ -126,7 +129,7 @@ protected:
     EXPECT_FALSE(dock->isVisible());
     child<QToolBar>("panelToolBar")->actions().first()->trigger();
     ASSERT_TRUE(dock->isVisible());
-    ASSERT_TRUE(QTest::qWaitFor([this] { return dock->qualities().upToDate() == 6; }));
+    ASSERT_TRUE(waitFor([this] { return dock->qualities().upToDate() == 6; }));
   }
   QAbstractItemModel* rows() { return child<QTableView>("pairQualityTable")->model(); }
   QString cell(int row, int column) { return rows()->index(row, column).data().toString(); }
@@ -174,8 +177,7 @@ TEST_F(QxPairQualityDockTest, TheTableSortsByQualityAndMarksTheWorst)
   EXPECT_EQ(std::min(current(), reference()), worst);
   EXPECT_TRUE(child<QLabel>("pairQualityState")->text().contains(PairQualityModel::slicesText(worst)));
   editor->resetAll();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return dock->qualities().worst() != worst; }))
-      << "the table follows an edit";
+  EXPECT_TRUE(waitFor([&] { return dock->qualities().worst() != worst; })) << "the table follows an edit";
 }
 
 // A method leaves its outcome with the slice that it matched, with the lower or the upper one of the pair.
@@ -193,12 +195,82 @@ TEST_F(QxPairQualityDockTest, ShowsTheConfidenceOfTheMethodThatMatchedAPair)
   store("slice0003", 2, 0.974, "");
   store("slice0004", 5, 0.124, "hardly anything overlaps");
   store("slice0001", 3, 0.5, ""); // no neighbours: shown nowhere
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !cell(4, PairQualityModel::ConfidenceColumn).isEmpty(); }));
+  ASSERT_TRUE(waitFor([&] { return !cell(4, PairQualityModel::ConfidenceColumn).isEmpty(); }));
   EXPECT_FALSE(table->isColumnHidden(PairQualityModel::ConfidenceColumn));
   QStringList shown;
   for (int row = 0; row < 6; ++row) shown << cell(row, PairQualityModel::ConfidenceColumn);
   EXPECT_EQ(shown, (QStringList{"", "", "0.97", "", "0.12, left", ""}));
   EXPECT_TRUE(rows()->index(4, 0).data(Qt::ToolTipRole).toString().contains("hardly anything overlaps"));
+  host->resize(host->minimumSizeHint()); // however narrow the dock
+  editor->showCoronalView(true);
+  QCoreApplication::processEvents();
+  for (int column = 0; column < PairQualityModel::ColumnCount; ++column)
+    EXPECT_GE(table->columnWidth(column), static_cast<QAbstractItemView*>(table)->sizeHintForColumn(column))
+        << column;
+}
+
+/// Says the same of every pair that it matches, and moves its slice.
+class SureMethod : public ZxAutoAlignMethod {
+public:
+  using ZxAutoAlignMethod::ZxAutoAlignMethod;
+  int doLayout() override
+  {
+    ZxParamBundle& all = *m_module->sliceData().getParameters()->getBundle("AlignConfidence");
+    ZxParamBundle& own = *all.getBundle("slice000" + std::to_string(m_module->getEditableSlice()));
+    own.setNum("reference", m_module->getReferenceSlice());
+    own.setReals("confidence", {confidence});
+    m_module->rotateAll(7);
+    m_module->translateAll(3, -1.5f);
+    return 1;
+  }
+  static ZxAutoAlignMethod* create(ZxAlignSlices* module) { return new SureMethod(module); }
+  static inline double confidence = 0.5;
+};
+
+// It is that of the pair as the method has left it: not once it is moved, and again when that is taken back.
+TEST_F(QxPairQualityDockTest, AConfidenceEndsWithAMoveOfThePair)
+{
+  ZxAutoAlignMethodFabrique::getInstance()->registerAutoAlignMethodPlugIn("Sure", &SureMethod::create);
+  open();
+  const auto shown = [this] {
+    std::string all;
+    for (int row = 0; row < 6; ++row)
+      all += cell(row, PairQualityModel::ConfidenceColumn).toStdString() + ";";
+    return all;
+  };
+  const auto shows = [&](const std::string& expected) {
+    const bool isSo = QTest::qWaitFor([&] { return shown() == expected; });
+    EXPECT_EQ(shown(), expected);
+    return isSo;
+  };
+  editor->changeAlignMode(module->methods().back().id);
+  goTo(3, 1);
+  editor->doAutoAlign();
+  SureMethod::confidence = 0.75;
+  goTo(2, -1);
+  editor->doAutoAlign(); // the same pair, as it lies from the other side
+  goTo(4, 1);
+  editor->doAutoAlign();
+  EXPECT_TRUE(shows(";;0.75;0.75;;;"));
+  goTo(3, 1);
+  key(Qt::Key_Right); // and all above with it: the next pair stays as it is
+  EXPECT_TRUE(shows(";;;0.75;;;"));
+  EXPECT_FALSE(module->liesAsMatched(2));
+  EXPECT_TRUE(module->liesAsMatched(4));
+  EXPECT_TRUE(module->liesAsMatched(6)) << "nothing is said of it";
+  editor->undoRedo()->undo();
+  EXPECT_TRUE(shows(";;0.75;0.75;;;"));
+  editor->transformAll();
+  for (int i = 0; i < 7; ++i) key(Qt::Key_Up, Qt::ControlModifier);
+  EXPECT_TRUE(shows(";;;;;;"));
+  for (int i = 0; i < 7; ++i) editor->undoRedo()->undo();
+  editor->save();
+  connect(module->portData, greyStack({12, 10, 7}));
+  connect(module->portData, stack); // as it is read from a file
+  EXPECT_TRUE(shows(";;0.75;0.75;;;"));
+  goTo(4, 1);
+  editor->mirror(); // both pairs of it
+  EXPECT_TRUE(shows(";;0.75;;;;"));
 }
 
 } // namespace

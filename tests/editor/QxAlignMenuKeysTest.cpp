@@ -1,5 +1,6 @@
 // The keys of the editor's menus, in a real window.
 #include "qx/QxMainWindow.h"
+#include "support/Waiting.h"
 #include "zxalign/AlignEditorFactory.h"
 #include "zxalign/ModuleTest.h"
 #include "zxalign/QxAlignMenuBar.h"
@@ -51,9 +52,9 @@ protected:
   {
     window.resize(900, 700);
     window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    ASSERT_TRUE(waitForExposed(&window));
     window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    ASSERT_TRUE(waitForActive(&window));
   }
   /// Every key emits its signal once, wherever in the editor the focus is.
   void expectKeysActOnce(QxAlignSlices& editor)

@@ -21,7 +21,7 @@ protected:
     openBoth(greyStack({17, 12, 30}));
     editor->resize(1500, 700);
     editor->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(editor.get()));
+    ASSERT_TRUE(waitForExposed(editor.get()));
   }
   QxFullSlider& slider(int i) { return *bar().findChildren<QxFullSlider*>("Slice").at(i); }
   /// Makes the column of the sagittal view black, to see whether it is computed again.
@@ -59,15 +59,15 @@ TEST_F(QxViewAlignSlicesOrthogonalCommonToolBarTest, SlidersShowForTheirViewsAnd
   show();
   EXPECT_TRUE(slider(0).isVisible());
   views->showSagittalView(false);
-  EXPECT_TRUE(QTest::qWaitFor([this] { return !slider(0).isVisible(); }));
+  EXPECT_TRUE(waitFor([this] { return !slider(0).isVisible(); }));
   EXPECT_FALSE(child<QLabel>("sagittalLabel")->isVisible());
   EXPECT_TRUE(slider(1).isVisible());
   views->setUseMaxIntProj(true);
-  EXPECT_TRUE(QTest::qWaitFor([this] { return !slider(1).isVisible(); }));
+  EXPECT_TRUE(waitFor([this] { return !slider(1).isVisible(); }));
   views->showSagittalView(true);
-  EXPECT_TRUE(QTest::qWaitFor([this] { return !slider(0).isVisible(); }));
+  EXPECT_TRUE(waitFor([this] { return !slider(0).isVisible(); }));
   views->setUseMaxIntProj(false);
-  EXPECT_TRUE(QTest::qWaitFor([this] { return slider(0).isVisible() && slider(1).isVisible(); }));
+  EXPECT_TRUE(waitFor([this] { return slider(0).isVisible() && slider(1).isVisible(); }));
 }
 
 TEST_F(QxViewAlignSlicesOrthogonalCommonToolBarTest, APersonMovesTheCutsAndCodeDoesNotEcho)
@@ -148,7 +148,7 @@ TEST_F(QxViewAlignSlicesOrthogonalCommonToolBarTest, ItGoesWithTheLastView)
   EXPECT_EQ(views->getToolBar(), first);
   views->showCoronalView(false);
   EXPECT_FALSE(views->getToolBar());
-  EXPECT_TRUE(QTest::qWaitFor([&first] { return !first; }));
+  EXPECT_TRUE(waitFor([&first] { return !first; }));
   views->showCoronalView(true);
   EXPECT_EQ(child<QLabel>("zoomLabel")->text(), "2:1 ");
 }

@@ -1,6 +1,7 @@
 #include "zxalign/QxViewAlignSlicesOrthogonalLineShape.h"
 
 #include "qx/QxImageViewer.h"
+#include "support/Waiting.h"
 
 #include <gtest/gtest.h>
 
@@ -25,7 +26,7 @@ public:
     viewer.addShape(&marker);
     viewer.resize(400, 360);
     viewer.show();
-    EXPECT_TRUE(QTest::qWaitForWindowExposed(&viewer));
+    EXPECT_TRUE(waitForExposed(&viewer));
   }
   QImage picture(int slice, int length, float zoom, bool transposed)
   {

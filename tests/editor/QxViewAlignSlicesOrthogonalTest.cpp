@@ -46,7 +46,7 @@ TEST_F(QxViewAlignSlicesOrthogonalTest, SizesAreThoseOfTheStackInItsAspectRatio)
   open(nanometres({60, 40, 21}, 10.0f));
   editor->resize(1000, 700);
   editor->show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(editor.get()));
+  ASSERT_TRUE(waitForExposed(editor.get()));
   views->showSagittalView(true);
   views->showCoronalView(true);
   const QxImageViewer& coronal = *view(Coronal)->viewer();

@@ -20,7 +20,7 @@ protected:
     auto crashed = open();
     crashed->undoRedo().saveState();
     crashed->getSlice(2).translationX = 8;
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !crashed->recovery().isPending(); }));
+    ASSERT_TRUE(waitFor([&] { return !crashed->recovery().isPending(); }));
   }
   void TearDown() override
   {
@@ -41,7 +41,7 @@ protected:
     EXPECT_TRUE(question()->isVisible());
     for (QAbstractButton* button : question()->buttons())
       if (button->text() == text) button->click();
-    EXPECT_TRUE(QTest::qWaitFor([this] { return !question(); }));
+    EXPECT_TRUE(waitFor([this] { return !question(); }));
   }
   bool isKept() const { return !QDir(state.path() + "/zxalign/recovery").entryList({"*.json"}).isEmpty(); }
 
@@ -62,7 +62,7 @@ TEST_F(RecoveryQuestionTest, RestoresOrDiscardsOrAsksAgainAndNeverBlocks)
     const McHandle<ZxAlignSlices> opened = open();
     answer("&Restore");
     EXPECT_EQ(opened->getSlice(2).translationX, 8.0f);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !opened->recovery().isPending(); }));
+    EXPECT_TRUE(waitFor([&] { return !opened->recovery().isPending(); }));
   }
   EXPECT_TRUE(isKept()) << "it is still unsaved";
   {
@@ -78,7 +78,7 @@ TEST_F(RecoveryQuestionTest, GoesWithItsModule)
   McHandle<ZxAlignSlices> opened = open();
   ASSERT_TRUE(question());
   opened = {};
-  EXPECT_TRUE(QTest::qWaitFor([this] { return !question(); }));
+  EXPECT_TRUE(waitFor([this] { return !question(); }));
   EXPECT_TRUE(isKept());
 }
 

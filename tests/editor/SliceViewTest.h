@@ -2,6 +2,7 @@
 
 #include "reference/PlainCompose.h"
 #include "support/Random.h"
+#include "support/Waiting.h"
 #include "zxalign/QxDrawAlignSlices.h"
 #include "zxalign/SliceInfo.h"
 
@@ -30,7 +31,7 @@ protected:
   {
     view.resize(width, height);
     view.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&view));
+    ASSERT_TRUE(waitForExposed(&view));
     paintSlice();
   }
   void paintSlice()

@@ -12,7 +12,7 @@ class UpdateOrthogonalViewsThreadTest : public OrthoViewTest {
 protected:
   testing::AssertionResult endsUpToDate()
   {
-    if (QTest::qWaitFor([this] { return isComplete(); }, 60000)) return testing::AssertionSuccess();
+    if (waitFor([this] { return isComplete(); })) return testing::AssertionSuccess();
     return testing::AssertionFailure() << "stale columns are left";
   }
   bool isComplete()
@@ -107,7 +107,7 @@ TEST_F(UpdateOrthogonalViewsThreadTest, RefreshesTheViews)
   openBoth(stack());
   editor->resize(900, 700);
   editor->show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(editor.get()));
+  ASSERT_TRUE(waitForExposed(editor.get()));
   bar().autoCheckBoxChange(false);
   views->updateView(3, 9, Both, 0, 0, false, true, false);
   UpdateOrthogonalViewsThread thread(views.get());

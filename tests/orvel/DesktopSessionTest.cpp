@@ -4,6 +4,7 @@
 #include "io/Volume.h"
 #include "qx/QxMainWindow.h"
 #include "support/Volumes.h"
+#include "support/Waiting.h"
 #include "zx/ZxInterpreter.h"
 #include "zx/ZxObjectPool.h"
 
@@ -28,8 +29,6 @@
 
 namespace {
 
-constexpr int patience = 30000; // milliseconds
-
 class DesktopSessionTest : public testing::Test {
 protected:
   void SetUp() override
@@ -43,7 +42,7 @@ protected:
     window().resize(1280, 720);
     window().show();
     window().activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    ASSERT_TRUE(waitForActive(&window()));
   }
 
   /// A bright square with a dark corner on grey; on slice 3 and beyond it lies 5 to the right and 3 lower.
@@ -66,7 +65,6 @@ protected:
     EXPECT_TRUE(found && found->isVisible()) << name;
     return found;
   }
-  static bool waitFor(const std::function<bool()>& condition) { return QTest::qWaitFor(condition, patience); }
 
   // Hands. A place is one of the widget; what lies there on the screen gets the event.
 
@@ -143,7 +141,7 @@ protected:
     whileOpen<QDialog>(open, [&](QDialog* dialog) {
       auto* field = dialog->findChild<QLineEdit*>("fileNameEdit");
       ASSERT_TRUE(field);
-      ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog));
+      ASSERT_TRUE(waitForExposed(dialog));
       click(field);
       key(Qt::Key_A, Qt::ControlModifier);
       type(name);

@@ -68,6 +68,22 @@ TEST_F(ScriptInWindowTest, StoppingAModuleEndsTheScriptThatRanIt)
   EXPECT_EQ(interpreter.getVar("reached"), nullptr);
 }
 
+// A command of the console, or the script of the command line, may come while what another one has asked for
+// later is at work.
+TEST_F(ScriptInWindowTest, AnotherScriptRunsWhileOneLooksForEvents)
+{
+  timer.stop();
+  ZxInterpreter& interpreter = ZxInterpreter::getTheInterpreter();
+  ZxScriptResult inner;
+  QTimer::singleShot(0, &window, [&] {
+    inner = interpreter.eval("catch {error x} message; set message");
+    interpreter.setVar("isOver", "1");
+  });
+  EXPECT_EQ(interpreter.eval("while {![info exists ::isOver]} {}").state, ZxScriptResult::State::Done);
+  EXPECT_EQ(inner.state, ZxScriptResult::State::Done);
+  EXPECT_EQ(inner.text, "x");
+}
+
 TEST_F(ScriptInWindowTest, WhatScriptsPrintIsOnTheConsole)
 {
   ZxInterpreter::getTheInterpreter().eval("puts one; echo two");

@@ -1,4 +1,5 @@
-// Throws wherever the package calls a plug-in.
+// Throws wherever the package calls a plug-in, or has no memory for the work.
+#include "zx/ZxMessage.h"
 #include "zxalign/ZxAlignSlices.h"
 #include "zxalign/ZxAutoAlignMethod.h"
 #include "zxalign/ZxAutoAlignMethodFabrique.h"
@@ -17,7 +18,19 @@ public:
   }
 };
 
+/// Leaves every slice as it is, slice 3 for lack of memory.
+class Hungry : public ZxAutoAlignMethod {
+public:
+  using ZxAutoAlignMethod::ZxAutoAlignMethod;
+  int doLayout() override
+  {
+    if (m_module->getEditableSlice() == 3) ZxMessage::getTheMsg()->memError(123456789);
+    return 0;
+  }
+};
+
 ZxAutoAlignMethod* create(ZxAlignSlices* module) { return new Thrower(module); }
+ZxAutoAlignMethod* createHungry(ZxAlignSlices* module) { return new Hungry(module); }
 ZxAutoAlignMethod* createNothing(ZxAlignSlices*) { throw 42; }
 
 } // namespace
@@ -26,6 +39,11 @@ extern "C" void addThrower(ZxAutoAlignMethodFabrique* registry)
 {
   registry->registerAutoAlignMethodPlugIn("Thrower", &create);
   registry->registerAutoAlignMethodPlugIn("Unmakeable", &createNothing);
+}
+
+extern "C" void addHungry(ZxAutoAlignMethodFabrique* registry)
+{
+  registry->registerAutoAlignMethodPlugIn("Hungry", &createHungry);
 }
 
 extern "C" void throwHalfWay(ZxAutoAlignMethodFabrique* registry)

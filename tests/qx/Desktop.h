@@ -2,6 +2,7 @@
 
 #include "qx/QxMainWindow.h"
 #include "support/Volumes.h"
+#include "support/Waiting.h"
 #include "zx/ZxFileAccess.h"
 #include "zx/ZxModule.h"
 #include "zx/ZxObjectPool.h"
@@ -111,10 +112,9 @@ protected:
     window.reset();
     window = std::make_unique<QxMainWindow>();
     window->show();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    EXPECT_TRUE(waitForActive(window.get()));
   }
   static void settle() { QCoreApplication::processEvents(); }
-  static bool waitFor(const std::function<bool()>& condition) { return QTest::qWaitFor(condition, 10000); }
 
   template <class T = QWidget>
   T* find(const char* name) const

@@ -42,9 +42,16 @@ protected:
 
 class Page : public QWidget, public QxCentralPage {
 public:
-  bool canClose() override { return answer; }
+  bool canClose() override
+  {
+    ++asked;
+    return answer;
+  }
+  void closePage() override { ++closed; }
   const ZxObject* editedObject() const override { return edited; }
   bool answer = false;
+  int asked = 0;
+  int closed = 0;
   const ZxObject* edited = nullptr;
 };
 
@@ -108,9 +115,32 @@ TEST_F(QxCloseGuardTest, AsksEditorsAlsoBeforeTheirObjectsGo)
   }
   EXPECT_TRUE(pool.contains(stack.get()));
   EXPECT_FALSE(pool.contains(other.get()));
-  window->close();
-  EXPECT_FALSE(isClosed());
   page->answer = true;
-  window->close();
+  find<QTreeWidget>("poolList")->selectAll(); // the stack and the module
+  page->asked = 0;
+  find<QAction>("removeObject")->trigger();
+  EXPECT_FALSE(pool.contains(stack.get()));
+  EXPECT_EQ(page->asked, 1);
+  EXPECT_EQ(page->closed, 1);
+}
+
+// Who cancels the last question finds everything as it was before the first.
+TEST_F(QxCloseGuardTest, ClosesEditorsWhenEverythingIsAnswered)
+{
+  Page* pages[] = {new Page, new Page};
+  for (Page* page : pages) window->getCentralLayout()->addWidget(page);
+  const auto closed = [&] { return std::pair(pages[0]->closed, pages[1]->closed); };
+  const auto stack = addUnsaved("stack", "/x/stack.vol");
+  pages[0]->answer = pages[1]->answer = true;
+  pages[0]->edited = stack.get();
+  EXPECT_EQ(closeAnswering("Cancel"), QStringList{"unsavedPrompt: stack"});
+  EXPECT_EQ(closed(), std::pair(0, 0));
+  pages[0]->answer = false; // the one that is asked last
+  EXPECT_TRUE(closeAnswering("Cancel").isEmpty());
+  EXPECT_EQ(closed(), std::pair(0, 0));
+  EXPECT_EQ(pages[1]->asked, 2);
+  pages[0]->answer = true;
+  closeAnswering("Don't Save");
   EXPECT_TRUE(isClosed());
+  EXPECT_EQ(closed(), std::pair(1, 1));
 }

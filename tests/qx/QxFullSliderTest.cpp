@@ -1,6 +1,7 @@
 #include "qx/QxFullSlider.h"
 
 #include "qx/QxSlider.h"
+#include "support/Waiting.h"
 
 #include <gtest/gtest.h>
 
@@ -63,7 +64,7 @@ TEST_F(FullSliderTest, TextIsTakenWhenTheFocusLeavesAndDroppedOnEscape)
   EXPECT_FLOAT_EQ(slider.getValue(), 12.0f);
   EXPECT_EQ(slider.field()->text(), "12");
   slider.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&slider));
+  ASSERT_TRUE(waitForActive(&slider));
   slider.field()->setFocus();
   slider.field()->selectAll();
   QTest::keyClicks(slider.field(), "34");

@@ -118,6 +118,22 @@ TEST_F(QxMainWindowTest, LeavesKeysAndHelpToTheCurrentPage)
   EXPECT_EQ(save->shortcut(), QKeySequence("Ctrl+S"));
 }
 
+TEST_F(QxMainWindowTest, KeepsPlaceholdersReadableInDarkThemes)
+{
+  const QPalette theme = QApplication::palette();
+  QPalette dark;
+  dark.setColor(QPalette::Base, QColor(35, 38, 41));
+  dark.setColor(QPalette::Text, QColor(239, 240, 241));
+  for (const QColor& given : {QColor(0, 0, 0, 128), QColor(150, 160, 170)}) {
+    dark.setColor(QPalette::PlaceholderText, given);
+    QApplication::setPalette(dark);
+    reopen();
+    const QColor shown = window->palette().color(QPalette::PlaceholderText);
+    EXPECT_EQ(shown, given.red() > 0 ? given : QColor(239, 240, 241, 128)) << "a theme's own choice stays";
+  }
+  QApplication::setPalette(theme);
+}
+
 TEST_F(QxMainWindowTest, SaysInItsTitleWhatIsEdited)
 {
   const QString alone = window->windowTitle();

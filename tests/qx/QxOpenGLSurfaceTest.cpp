@@ -2,6 +2,7 @@
 #include "ViewerPictures.h"
 #include "qx/QxImageViewer.h"
 #include "qx/QxImageViewerShape.h"
+#include "support/Waiting.h"
 
 #include <gtest/gtest.h>
 
@@ -60,7 +61,7 @@ protected:
     viewer->setPixelScale(1.0f, 2.0f);
     viewer->addShape(&marker);
     viewer->show();
-    EXPECT_TRUE(QTest::qWaitForWindowExposed(viewer.get()));
+    EXPECT_TRUE(waitForExposed(viewer.get()));
     EXPECT_EQ(viewer->usesOpenGL(), surface == QxImageViewer::Surface::OpenGL);
     return viewer;
   }
@@ -142,7 +143,7 @@ TEST_F(OpenGLTest, AnImageAndAWindowCanBeReplaced)
   QxImageViewer* moved = openGL.release();
   column->addWidget(moved);
   window.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+  ASSERT_TRUE(waitForExposed(&window));
   EXPECT_EQ(moved->snapshot(), before);
   EXPECT_EQ(window.grab().toImage().convertToFormat(before.format()), before);
 }

@@ -1,5 +1,6 @@
 #include "zx/ZxFileJob.h"
 #include "support/Console.h"
+#include "support/Patience.h"
 #include "support/Volumes.h"
 #include "zx/ZxObjectPool.h"
 #include "zx/ZxWorkArea.h"
@@ -7,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
+#include <QDeadlineTimer>
 
 #include <future>
 
@@ -94,7 +95,7 @@ protected:
   }
   ~ZxFileJobTest() override
   {
-    EXPECT_TRUE(ZxFileJob::stopAll(10s));
+    EXPECT_TRUE(ZxFileJob::stopAll(patience));
     ZxObjectPool::getThePool().clear();
     ZxFileAccess::setTheFileAccess(nullptr);
   }
@@ -116,7 +117,7 @@ TEST_F(ZxFileJobTest, GivesWhatWasReadAndItsRemarksWhenItIsFinished)
   EXPECT_EQ(job->progress().fraction, 0.25f);
   EXPECT_FALSE(job->finish());
   files->open();
-  ASSERT_TRUE(job->wait(10s));
+  ASSERT_TRUE(job->wait(patience));
   EXPECT_EQ(console.take(), Lines()) << "remarks wait for the thread of the objects";
   const McHandle<ZxSpatialData> data = job->finish();
   ASSERT_TRUE(data);
@@ -158,10 +159,10 @@ TEST_F(ZxFileJobTest, SaysWhyItFailedAndCallsBackInTheEventLoop)
   bool ended = false;
   job->whenEnded([&] { ended = true; });
   files->open();
-  ASSERT_TRUE(job->wait(10s));
+  ASSERT_TRUE(job->wait(patience));
   EXPECT_FALSE(ended);
-  QElapsedTimer clock;
-  for (clock.start(); !ended && clock.elapsed() < 10000;) QCoreApplication::processEvents();
+  const QDeadlineTimer deadline(patience);
+  while (!ended && !deadline.hasExpired()) QCoreApplication::processEvents();
   EXPECT_TRUE(ended);
   EXPECT_FALSE(job->finish());
   EXPECT_EQ(console.take(), (Lines{"The file is odd.", files->failure}));
@@ -183,12 +184,12 @@ TEST_F(ZxFileJobTest, DataThatAreWrittenStayAsTheyAre)
   data->parameters().setString("State", "after");
   data->touch();
   files->open();
-  ASSERT_TRUE(job->wait(10s));
+  ASSERT_TRUE(job->wait(patience));
   EXPECT_EQ(job->finish(), McHandle<ZxSpatialData>(data));
   EXPECT_EQ(files->writtenValue, "before");
   EXPECT_TRUE(data->isUnsaved()) << "it has changed meanwhile";
   EXPECT_EQ(data->getFileName(), "out/a.nrrd");
-  ASSERT_TRUE(ZxFileJob::stopAll(10s));
+  ASSERT_TRUE(ZxFileJob::stopAll(patience));
   EXPECT_NE(data->getLattice()->beginWrite(0), nullptr);
   EXPECT_TRUE(pool.remove(data.get()));
 }
@@ -208,10 +209,10 @@ TEST_F(ZxFileJobTest, AWriteIsStoppedUntilItsLastStep)
     const bool tooLate = gate == HeldFiles::Gate::InLastStep;
     EXPECT_EQ(job->isRunning(), tooLate);
     files->open();
-    ASSERT_TRUE(job->wait(10s));
+    ASSERT_TRUE(job->wait(patience));
     EXPECT_EQ(job->state(), tooLate ? ZxFileJob::State::Done : ZxFileJob::State::Stopped);
     job->finish();
     EXPECT_EQ(data->isUnsaved(), !tooLate);
-    ASSERT_TRUE(ZxFileJob::stopAll(10s));
+    ASSERT_TRUE(ZxFileJob::stopAll(patience));
   }
 }

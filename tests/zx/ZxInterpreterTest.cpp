@@ -1,4 +1,5 @@
 #include "zx/ZxInterpreter.h"
+#include "zx/ZxWorkArea.h"
 
 #include <gtest/gtest.h>
 
@@ -37,6 +38,17 @@ TEST(ZxInterpreter, HoldsGlobalVariablesAsText)
   EXPECT_STREQ(interpreter().getVar("::text"), "{two words} \xC3\xA4 \\n");
   EXPECT_STREQ(interpreter().getVar("text"), "{two words} \xC3\xA4 \\n");
   EXPECT_FALSE(interpreter().setVar("::no_such_namespace::text", "1"));
+}
+
+TEST(ZxInterpreter, LetsNothingHappenLaterWhileWorkGoesOn)
+{
+  interpreter().eval("set happened 0; after 0 {set happened 1}");
+  ZxWorkArea::getTheWorkArea()->setBusy(true);
+  interpreter().handleEvents();
+  EXPECT_STREQ(interpreter().getVar("happened"), "0");
+  ZxWorkArea::getTheWorkArea()->setBusy(false);
+  interpreter().handleEvents();
+  EXPECT_STREQ(interpreter().getVar("happened"), "1");
 }
 
 TEST(ZxInterpreter, EvaluatesScriptsAtGlobalLevelAndAsUtf8)

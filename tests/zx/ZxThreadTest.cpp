@@ -1,4 +1,5 @@
 #include "zx/ZxThread.h"
+#include "support/Waiting.h"
 
 #include <gtest/gtest.h>
 
@@ -75,7 +76,7 @@ TEST(ZxThread, ManyStartsDuringAPassMakeOneMore)
   Steps thread(3);
   EXPECT_TRUE(thread.wait());
   thread.start();
-  ASSERT_TRUE(QTest::qWaitFor([&] { return thread.passes() == 1; }));
+  ASSERT_TRUE(waitFor([&] { return thread.passes() == 1; }));
   for (int i = 0; i < 5; ++i) thread.start();
   EXPECT_FALSE(thread.wait(1));
   thread.release(6);
@@ -89,7 +90,7 @@ TEST(ZxThread, StopEndsAPassAndCancelsTheNextAndAStartAfterItCounts)
 {
   Steps thread(3);
   thread.start();
-  ASSERT_TRUE(QTest::qWaitFor([&] { return thread.passes() == 1; }));
+  ASSERT_TRUE(waitFor([&] { return thread.passes() == 1; }));
   thread.start();
   thread.stop();
   thread.release(1);
@@ -98,7 +99,7 @@ TEST(ZxThread, StopEndsAPassAndCancelsTheNextAndAStartAfterItCounts)
   EXPECT_EQ(thread.done(), 1);
 
   thread.start();
-  ASSERT_TRUE(QTest::qWaitFor([&] { return thread.passes() == 2; }));
+  ASSERT_TRUE(waitFor([&] { return thread.passes() == 2; }));
   thread.stop();
   thread.start(); // a whole pass after the one that was stopped
   thread.release(4);

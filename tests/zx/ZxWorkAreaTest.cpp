@@ -32,7 +32,16 @@ TEST(ZxWorkArea, CountsBusyAndHasOnePhase)
   EXPECT_EQ(ZxWorkArea::getTheWorkArea(), silent);
 }
 
-TEST(ZxTerminalWorkArea, TakesTheFirstInterruptAndLeavesTheSecond)
+/// Signals as a program gets them from a terminal, whatever the tests run under.
+class ZxTerminalWorkAreaTest : public testing::Test {
+protected:
+  ZxTerminalWorkAreaTest()
+  {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, SIG_DFL);
+  }
+};
+
+TEST_F(ZxTerminalWorkAreaTest, TakesTheFirstInterruptAndLeavesTheSecond)
 {
   ZxTerminalWorkArea work(ZxTerminalWorkArea::Display::Never);
   EXPECT_FALSE(work.wasInterrupted(1));
@@ -41,7 +50,7 @@ TEST(ZxTerminalWorkArea, TakesTheFirstInterruptAndLeavesTheSecond)
   EXPECT_EQ(std::signal(SIGINT, SIG_DFL), SIG_DFL);
 }
 
-TEST(ZxTerminalWorkArea, SurvivesTheSignalsThatAreNoneOfIt)
+TEST_F(ZxTerminalWorkAreaTest, SurvivesTheSignalsThatAreNoneOfIt)
 {
   std::signal(SIGHUP, SIG_IGN); // as under nohup
   {

@@ -96,6 +96,47 @@ TEST_F(ZxAlignSlicesTest, FindsTheDataWindow)
   EXPECT_EQ(editableImage()[1], 255); // 31
 }
 
+TEST_F(ZxAlignSlicesTest, SaysWhatIsInTheWayOfStoring)
+{
+  const auto field = greyStack(kDims);
+  connect(module->portData, field);
+  setTransform(3, {1, -2, 30, true});
+  for (const std::string name : {"AlignPoints", "AlignTransform"}) {
+    field->parameters().setNum(name, 7);
+    module->setModified(true);
+    EXPECT_FALSE(module->saveAlignment());
+    EXPECT_TRUE(module->isModified());
+    EXPECT_NE(console.take().at(0).find("\"" + name + "\" is taken"), std::string::npos);
+    EXPECT_EQ(field->parameters().findBundle("AlignTransform"), nullptr);
+  }
+}
+
+/// Slice 2 cannot be read.
+class DamagedVoxels : public ZxReadOnlyVoxelSource {
+public:
+  explicit DamagedVoxels(ZxLattice& whole) : m_whole(whole) {}
+  bool readSlice(int k, void* dst) override { return k != 2 && m_whole.readSlice(k, dst); }
+  bool readBox(const ZxBox3i& box, void* dst) override { return m_whole.readBox(box, dst); }
+
+private:
+  ZxLattice& m_whole;
+};
+
+TEST_F(ZxAlignSlicesTest, LeavesPairsAloneThatItCannotRead)
+{
+  const auto whole = greyStack(kDims);
+  ZxLattice& lattice = *whole->getLattice();
+  connect(module->portData, ZxField3::create(std::make_unique<ZxLattice3>(
+                                lattice.shape(), std::make_unique<DamagedVoxels>(lattice))));
+  const AlignState before = module->currentState();
+  for (int editable : {2, 3}) {
+    module->setReferenceSlice(editable - 1);
+    module->setSlice(editable);
+    EXPECT_EQ(module->doLayout(0), 0);
+    EXPECT_TRUE(module->currentState().slices == before.slices);
+  }
+}
+
 TEST_F(ZxAlignSlicesTest, ReadsTheStoredAlignment)
 {
   const auto field = greyStack(kDims);

@@ -4,6 +4,7 @@
 #include "AlignCommandArguments.h"
 #include "LandmarkTable.h"
 #include "zx/ZxMessage.h"
+#include "zxalign/AlignRecovery.h"
 #include "zxalign/ZxAlignEditor.h"
 #include "zxalign/ZxAlignEditorScripting.h"
 #include "zxalign/ZxAlignSlices.h"
@@ -28,6 +29,8 @@ int number(Interp interp, int value)
 }
 
 void say(const char* text) { ZxMessage::getTheMsg()->printf("%s", text); }
+
+int noInput(Interp interp) { return zxError(interp, "there is no input"); }
 
 /// True when the editor is open, and can be asked.
 bool hasEditor(const Module& module) { return module.isEditorOpen() && module.editor()->scripting(); }
@@ -88,6 +91,7 @@ int setLandmark(Module& module, Interp, Words words)
   module.getSlice(slice).landmarks[static_cast<std::size_t>(index)] =
       QPoint(alignInteger(words[2]), alignInteger(words[3]));
   module.setModified(true);
+  module.recovery().queue();
   editor(module).draw();
   return kZxOk;
 }
@@ -107,14 +111,21 @@ int getLandmark(Module& module, Interp interp, Words words)
   return kZxOk;
 }
 
+void landmarksChanged(Module& module)
+{
+  module.setModified(true);
+  module.updateViews();
+}
+
 int addLandmark(Module& module, Interp interp, Words words)
 {
   const auto x = zxGetInt(interp, words[0]);
   const auto y = x ? zxGetInt(interp, words[1]) : std::nullopt;
   if (!y) return kZxError;
-  if (module.numSlices() == 0) return zxError(interp, "there is no input");
+  if (module.numSlices() == 0) return noInput(interp);
   module.undoRedo().saveState();
   module.addPoint(QPoint(*x, *y));
+  landmarksChanged(module);
   return kZxOk;
 }
 
@@ -126,6 +137,7 @@ int removeLandmark(Module& module, Interp interp, Words words)
   if (count < 3) return zxError(interp, "a slice keeps at least two landmarks");
   module.undoRedo().saveState();
   module.removePoint(*index);
+  landmarksChanged(module);
   return kZxOk;
 }
 
@@ -207,7 +219,7 @@ int getTransformAll(Module& module, Interp interp, Words) { return number(interp
 
 // Transforms.
 
-/// False, after a message, for a number that no slice can be moved or turned by.
+/// False, after a message, for a number that no slice can be moved or turned by, or come to lie at.
 bool isFinite(const char* command, float value)
 {
   if (!std::isfinite(value)) ZxMessage::getTheMsg()->printf("%s: the number is not finite", command);
@@ -218,7 +230,9 @@ int translate(Module& module, Interp, Words words)
 {
   const float dx = alignReal(words[0]);
   const float dy = alignReal(words[1]);
-  if (!isFinite("translate", dx) || !isFinite("translate", dy)) return kZxOk;
+  for (const SliceInfo& slice : module.slices()) // All of them may follow the editable one.
+    if (!isFinite("translate", slice.translationX + dx) || !isFinite("translate", slice.translationY + dy))
+      return kZxOk;
   module.translateRelative(dx, dy);
   if (hasEditor(module)) editor(module).showEdit();
   return kZxOk;
@@ -260,6 +274,7 @@ std::string text(float value)
 
 int getTransform(Module& module, Interp interp, Words words)
 {
+  if (module.numSlices() == 0) return noInput(interp);
   const auto slice = zxGetIndex(interp, words[0], module.numSlices(), "slice");
   if (!slice) return kZxError;
   const SliceXForm& t = module.getSlice(*slice);
@@ -269,6 +284,7 @@ int getTransform(Module& module, Interp interp, Words words)
 
 int setTransform(Module& module, Interp interp, Words words)
 {
+  if (module.numSlices() == 0) return noInput(interp);
   const auto slice = zxGetIndex(interp, words[0], module.numSlices(), "slice");
   if (!slice) return kZxError;
   std::array<float, 3> numbers{};
@@ -298,7 +314,7 @@ int redo(Module& module, Interp, Words)
 
 int getQuality(Module& module, Interp interp, Words)
 {
-  if (module.numSlices() == 0) return zxError(interp, "there is no input");
+  if (module.numSlices() == 0) return noInput(interp);
   return zxResult(interp, text(module.computeQuality()));
 }
 
@@ -350,9 +366,13 @@ int setOutputDims(Module& module, Interp, Words words)
 {
   const int width = alignInteger(words[0]);
   const int height = alignInteger(words[1]);
+  if (std::max(width, height) > ZxAlignSettings::maxOutputSize) {
+    ZxMessage::getTheMsg()->printf("setOutputDims: a side has at most %d pixels",
+                                   ZxAlignSettings::maxOutputSize);
+    return kZxOk;
+  }
   ZxAlignSettings& settings = module.alignSettings();
-  if (width >= settings.outputWidth && height >= settings.outputHeight &&
-      std::max(width, height) <= ZxAlignSettings::maxOutputSize) {
+  if (width >= settings.outputWidth && height >= settings.outputHeight) {
     settings.outputWidth = width;
     settings.outputHeight = height;
     return kZxOk;
@@ -459,7 +479,7 @@ int read(Module& module, Interp, Words)
   if (hasEditor(module))
     editor(module).read();
   else
-    module.readTransform();
+    module.readTransformAgain();
   return kZxOk;
 }
 

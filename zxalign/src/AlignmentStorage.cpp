@@ -3,6 +3,8 @@
 #include "mc/McRound.h"
 #include "zx/ZxMessage.h"
 
+#include <strings.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <string>
@@ -86,6 +88,14 @@ void readLandmarks(const ZxParamBundle& bundle, SliceInfo& slice, Scale scale)
 } // namespace
 
 std::string sliceName(std::size_t slice) { return numbered("slice", slice); }
+
+const char* takenName(const ZxParamBundle& target)
+{
+  for (const char* name : {transformBundle, pointBundle})
+    for (const ZxParamBundle::Entry& entry : target.entries())
+      if (!strcasecmp(entry.name.c_str(), name) && !target.findBundle(name)) return name;
+  return nullptr;
+}
 
 bool writeTransforms(ZxParamBundle& target, const McDArray<SliceInfo>& slices, const ZxDims& dims)
 {

@@ -14,6 +14,9 @@
 /// per slice a bundle "slice%04d" of points x, y.
 namespace storage {
 
+/// The first bundle's name under which a plain value stands, so that nothing can be stored; null for none.
+const char* takenName(const ZxParamBundle& target);
+
 /// False when a plain value stands under the bundle's name.
 bool writeTransforms(ZxParamBundle& target, const McDArray<SliceInfo>& slices, const ZxDims& dims);
 bool writePoints(ZxParamBundle& target, const McDArray<SliceInfo>& slices);

@@ -4,6 +4,8 @@
 #include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignSlices.h"
 
+#include <new>
+
 namespace {
 
 /// Equal as values that a quality depends on: NaN equals NaN.
@@ -43,15 +45,26 @@ PairQualityJob::Key PairQualityJob::keyOf(ZxAlignSlices& module, int lower)
           mapping.max};
 }
 
-float PairQualityJob::run(Buffers& buffers) const
+std::optional<float> PairQualityJob::run(Buffers& buffers) const
+{
+  try {
+    return compute(buffers);
+  } catch (const std::bad_alloc&) {
+    buffers = {}; // What was got of them may be what others lack.
+    return {};
+  }
+}
+
+float PairQualityJob::compute(Buffers& buffers) const
 {
   ZxLattice& lattice = *m_mapping->lattice;
   const ZxDims& dims = lattice.getDims();
   const bool colour = lattice.isColor();
   const std::size_t bytes = lattice.shape().sliceBytes();
+  const std::size_t values = colour ? 1 : static_cast<std::size_t>(lattice.getNumDataVars());
   buffers.raw.resize(bytes);
   for (int i = 0; i < 2; ++i) {
-    buffers.grey[i].resize(bytes);
+    buffers.grey[i].resize(dims.slicePixels() * values);
     buffers.colour[i].resize(colour ? bytes : 0);
     mapSlice(*m_mapping, m_lower + i, m_module.sliceData().dataMutex(), buffers.raw.data(),
              buffers.grey[i].data(), colour ? buffers.colour[i].data() : nullptr);

@@ -47,9 +47,8 @@ bool decodeState(const QJsonObject& object, const ZxDims& dims, AlignState& stat
     if (!decodeSlice(slices[i].toArray(), state.slices[static_cast<std::size_t>(i)])) return false;
   state.currentSlice = object["currentSlice"].toInt(-1);
   state.side = object["side"].toInt();
-  const int reference = state.currentSlice - state.side;
-  return (state.side == 1 || state.side == -1) && state.currentSlice >= 0 &&
-         state.currentSlice < dims.slices && reference >= 0 && reference < dims.slices;
+  // The slice on the other side may be outside of the stack: with a fixed reference the side does not matter.
+  return (state.side == 1 || state.side == -1) && state.currentSlice >= 0 && state.currentSlice < dims.slices;
 }
 
 } // namespace

@@ -181,9 +181,14 @@ SliceMapping ZxAlignData::mapping() const
 bool ZxAlignData::mapNormally(int slice, McDArray<unsigned char>& grey, McDArray<unsigned char>& colour)
 {
   // The message comes without the mutex: a console may repaint, and what it shows may want the mutex.
-  const bool isRead = ::mapSlice(mapping(), slice, m_mutex, m_rawSlice.data(), grey.data(), colour.data());
-  if (!isRead) tellUnreadable(slice);
-  return isRead;
+  try {
+    const bool isRead = ::mapSlice(mapping(), slice, m_mutex, m_rawSlice.data(), grey.data(), colour.data());
+    if (!isRead) tellUnreadable(slice);
+    return isRead;
+  } catch (const std::bad_alloc&) { // A mask is read in one piece.
+    ZxMessage::getTheMsg()->memError(m_mask ? m_mask->shape().sliceBytes() : m_rawSlice.size());
+    return false;
+  }
 }
 
 void ZxAlignData::projectionRange(Role role, int& first, int& last) const

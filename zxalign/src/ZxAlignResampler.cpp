@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <new>
 
 namespace {
 
@@ -45,7 +46,9 @@ void ZxAlignResampler::run(bool reuse)
   if (!result) return;
   describeResult(*result);
   const ZxWorkingPhase phase("Resampling");
-  if (resampleImage(*result->getLattice()) == Outcome::Stopped) return;
+  const Outcome outcome = resampleImage(*result->getLattice());
+  result->touch(); // Who shows it may have looked at slices that were not written yet.
+  if (outcome == Outcome::Stopped) return;
   inheritParameters(*result);
   m_module.setResult(0, result.get());
   if (m_module.portLabelField.isConnected()) resampleLabels(reuse);
@@ -211,7 +214,9 @@ void ZxAlignResampler::resampleLabels(bool reuse)
   ZxWorkArea::getTheWorkArea()->setProgressText("Realigning Labels...");
   describeLabels(*input, *result);
   m_module.setResult(1, result.get());
-  if (resampleLabelSlices(*input->getLattice(), *result->getLattice()) == Outcome::Stopped) return;
+  const Outcome outcome = resampleLabelSlices(*input->getLattice(), *result->getLattice());
+  result->touch();
+  if (outcome == Outcome::Stopped) return;
   m_module.m_appliedLabelSlices = m_module.m_slices;
 }
 
@@ -270,7 +275,13 @@ ZxAlignResampler::Outcome ZxAlignResampler::resampleLabelSlices(ZxLattice& input
   const ZxDims& dims = input.getDims();
   // The label field may be one that was connected after the input and has fewer slices.
   const int slices = std::min(dims.slices, m_input.getDims().slices);
-  std::vector<unsigned char> source(input.shape().sliceBytes());
+  std::vector<unsigned char> source;
+  try {
+    source.resize(input.shape().sliceBytes());
+  } catch (const std::bad_alloc&) {
+    msg()->memError(input.shape().sliceBytes());
+    return Outcome::Stopped;
+  }
   for (int k = 0; k < slices; ++k) {
     workArea->setProgressText("Resampling slice %d of %d", k + 1, slices);
     void* target = output.beginWrite(k);

@@ -10,6 +10,7 @@
 #include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
 #include "zxalign/AlignRecovery.h"
+#include "zxalign/PairConfidence.h"
 #include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignEditor.h"
 #include "zxalign/ZxAutoAlignMethod.h"
@@ -138,18 +139,24 @@ void ZxAlignSlices::rejectInput()
   const McHandle<ZxSpatialData> before(m_data->getSpatialData());
   const ZxEditorPause pause(m_editor.get());
   portData.disconnect();
-  m_recovery->detach();
-  m_undoRedo.clear();
+  leaveInput();
   m_data->reset();
   if (m_editor) m_editor->reinitialise();
+}
+
+// What was edited and not saved stays in the recovery file of the old input.
+void ZxAlignSlices::leaveInput()
+{
+  m_recovery->detach();
+  m_undoRedo.clear(); // its snapshots are of other slices
+  m_modified = false;
 }
 
 bool ZxAlignSlices::acceptInput(ZxSpatialData* data, ZxLattice* lattice)
 {
   const McHandle<ZxSpatialData> before(m_data->getSpatialData()); // as in rejectInput()
   const ZxEditorPause pause(m_editor.get());
-  m_recovery->detach();
-  m_undoRedo.clear(); // its snapshots are of other slices
+  leaveInput();
   if (!m_data->init(data, lattice)) {
     if (m_editor) m_editor->reinitialise();
     return false;
@@ -210,6 +217,7 @@ void ZxAlignSlices::initTransforms()
   }
   int applied = 0;
   if (!parameters.findNums("AlignIsApplied", 1, &applied) || applied == 0) readTransform();
+  PairConfidences(m_data->getParameters(), dims).adopt(m_slices);
   if (portReference.isConnected()) readReference(dynamic_cast<ZxField3*>(portReference.getSource()));
 }
 
@@ -425,15 +433,21 @@ void ZxAlignSlices::unlockDataMutex() { m_data->dataMutex().unlock(); }
 int ZxAlignSlices::doLayout(int mode)
 {
   if (m_methodRuns || !hasEditableSlice() || !isInStack(m_referenceSlice)) return 0;
+  if (!m_data->isPairReadable()) return 0; // Said when it was mapped; it looks like a black slice.
   const std::unique_ptr<ZxAutoAlignMethod> method(m_methods->createAutoAlignMethod(this, mode));
   if (!method) return 0;
   int result = 0;
+  const auto confidences = [this] { return PairConfidences(m_data->getParameters(), m_data->getDims()); };
+  const int slice = m_editableSlice;
+  const McDArray<SliceInfo> slicesBefore = m_slices;
+  const std::optional<PairConfidence> before = confidences().find(slice);
   withoutPasses([&] {
     // Landmarks are points of the slices themselves, whatever is shown of them.
     std::optional<ProjectedPair> projected;
     if (m_useMaxIntProjection && mode != landmarkMethod) projected.emplace(*this);
     result = runMethod(*method, mode);
   });
+  if (result) confidences().follow(slice, before, slicesBefore, m_slices);
   if (result) m_recovery->queue();
   updateViews();
   return result;

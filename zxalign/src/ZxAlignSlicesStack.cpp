@@ -14,6 +14,7 @@
 #include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
 #include "zxalign/AlignRecovery.h"
+#include "zxalign/PairConfidence.h"
 #include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignEditor.h"
 #include "zxalign/ZxAlignSlices.h"
@@ -200,7 +201,13 @@ bool ZxAlignSlices::saveTransform(ZxParamBundle& target, McDArray<SliceInfo>& sl
   input->setNum("OutputImageWidth", m_settings.outputWidth);
   input->setNum("OutputImageHeigth", m_settings.outputHeight);
   m_data->touchInputData();
-  if (!storage::writeTransforms(target, slices, m_data->getDims())) return false;
+  if (const char* taken = storage::takenName(target)) {
+    ZxMessage::getTheMsg()->printf(
+        "The alignment cannot be stored with %s: \"%s\" is taken by a plain parameter.",
+        m_data->getInputDataName().getString(), taken);
+    return false;
+  }
+  storage::writeTransforms(target, slices, m_data->getDims());
   savePoints(target, slices);
   if (&target == input) m_recovery->stored();
   return true;
@@ -362,6 +369,16 @@ void ZxAlignSlices::resetTransforms(int first, int last)
   transformsChanged();
 }
 
+void ZxAlignSlices::readTransformAgain()
+{
+  if (numSlices() == 0) return;
+  m_undoRedo.saveState();
+  readTransform();
+  const bool wasModified = m_modified; // What is read is stored.
+  transformsChanged();
+  m_modified = wasModified;
+}
+
 void ZxAlignSlices::transformsChanged()
 {
   m_modified = true;
@@ -414,11 +431,12 @@ void ZxAlignSlices::selectPair(const ZxAlignPair& pair)
 
 bool ZxAlignSlices::alignPair(const ZxAlignPair& pair, int method, ZxAlignPairResult& result)
 {
-  if (!m_data->isPairReadable()) return false;
   result.pair = pair;
   result.qualityBefore = static_cast<double>(computeQuality());
   const ZxAlignTransform before = toControl(getSlice(pair.editable));
-  if (!doLayout(method)) return false;
+  // A method without memory for its work ends like one that leaves the pair as it is, but for the message.
+  const int memErrors = ZxMessage::getTheMsg()->numMemErrors();
+  if (!doLayout(method) || ZxMessage::getTheMsg()->numMemErrors() != memErrors) return false;
   result.transform = toControl(getSlice(pair.editable));
   result.changed = !(result.transform == before);
   result.qualityAfter = static_cast<double>(computeQuality());
@@ -504,6 +522,13 @@ double ZxAlignSlices::maskedPairQuality(int lower)
   evaluator->setMask0(mask0.empty() ? nullptr : mask0.data());
   evaluator->setMask1(mask1.empty() ? nullptr : mask1.data());
   return static_cast<double>(evaluator->quality(getSlice(lower), getSlice(lower + 1), 0));
+}
+
+bool ZxAlignSlices::liesAsMatched(int slice)
+{
+  const auto said = PairConfidences(m_data->getParameters(), m_data->getDims()).find(slice);
+  return !said || !isInStack(slice) || !isInStack(said->reference) ||
+         said->isOf(getSlice(slice), getSlice(said->reference), m_data->getDims());
 }
 
 McHandle<ZxSpatialData> ZxAlignSlices::alignedVolume()

@@ -53,12 +53,14 @@ bool QxCloseGuard::mayClose()
 {
   if (m_isAsking) return false;
   const QScopedValueRollback asking(m_isAsking, true);
-  for (const auto ask : {&QxCloseGuard::askAboutWork, &QxCloseGuard::askPages, &QxCloseGuard::askAboutWriting,
+  // What is saved in an editor makes data unsaved: these come last.
+  for (const auto ask : {&QxCloseGuard::askAboutWork, &QxCloseGuard::askAboutWriting, &QxCloseGuard::askPages,
                          &QxCloseGuard::askAboutUnsaved}) {
     const Answer answer = (this->*ask)();
     if (answer == Answer::Later) closeLater();
     if (answer != Answer::Close) return false;
   }
+  closePages();
   m_files->queue()->stopAll();
   return true;
 }
@@ -96,9 +98,7 @@ QxCloseGuard::Answer QxCloseGuard::askAboutWriting()
   box.setDefaultButton(wait);
   box.exec();
   if (box.clickedButton() == wait) return Answer::Later;
-  if (box.clickedButton() != stop) return Answer::Stay;
-  m_files->queue()->stopAll();
-  return Answer::Close;
+  return box.clickedButton() == stop ? Answer::Close : Answer::Stay; // It is stopped when all is answered.
 }
 
 QxCloseGuard::Answer QxCloseGuard::askAboutUnsaved()
@@ -110,6 +110,7 @@ QxCloseGuard::Answer QxCloseGuard::askAboutUnsaved()
                   QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, m_window);
   box.setObjectName("unsavedPrompt");
   box.setInformativeText(namesOf(unsaved));
+  box.button(QMessageBox::Save)->setText(tr("&Save"));
   box.button(QMessageBox::Discard)->setText(tr("&Don't Save"));
   box.setDefaultButton(QMessageBox::Save);
   const int answer = box.exec();
@@ -117,7 +118,14 @@ QxCloseGuard::Answer QxCloseGuard::askAboutUnsaved()
   if (answer != QMessageBox::Save) return Answer::Stay;
   for (const auto& data : unsaved)
     if (!m_files->save(*data)) return Answer::Stay;
+  closePages(); // Everything has been asked; when the data are written it is not asked again.
   return Answer::Later;
+}
+
+void QxCloseGuard::closePages()
+{
+  for (int i = m_pages->count() - 1; i >= 0; --i)
+    if (auto* page = dynamic_cast<QxCentralPage*>(m_pages->widget(i))) page->closePage();
 }
 
 void QxCloseGuard::closeLater() { m_later.start(); }

@@ -11,8 +11,9 @@ class QxFileCommands;
 class QxWorkArea;
 class ZxSpatialData;
 
-/// Asks before the window closes: about work that goes on, unsaved work of editors, files being written and
-/// data that were not saved. Where closing has to wait, it closes the window by itself later.
+/// Asks before the window closes: about work that goes on, files being written, unsaved work of editors and
+/// data that were not saved. Only when all of it is answered are the editors closed. Where closing has to
+/// wait, it closes the window by itself later.
 class QxCloseGuard : public QObject {
   Q_OBJECT
 public:
@@ -27,6 +28,7 @@ private:
   Answer askPages();
   Answer askAboutWriting();
   Answer askAboutUnsaved();
+  void closePages();
   /// Closes the window as soon as nothing is in the way any more.
   void closeLater();
   void tryAgain();

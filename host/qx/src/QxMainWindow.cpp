@@ -34,6 +34,7 @@
 #include <QStatusBar>
 
 #include <algorithm>
+#include <cstdlib>
 #include <vector>
 
 namespace {
@@ -55,6 +56,20 @@ QWidget* firstInFocusOrder(QWidget* pane)
   return nullptr;
 }
 
+/// Dark themes that say nothing of placeholders leave them nearly as dark as their ground.
+void keepPlaceholdersReadable()
+{
+  constexpr int leastContrast = 64;
+  const QPalette theme = QApplication::palette();
+  const int ground = qGray(theme.color(QPalette::Base).rgb());
+  if (std::abs(qGray(theme.color(QPalette::PlaceholderText).rgb()) - ground) >= leastContrast) return;
+  QColor color = theme.color(QPalette::Text);
+  color.setAlpha(128);
+  QPalette mended; // Only this role: the rest keeps following the theme.
+  mended.setColor(QPalette::PlaceholderText, color);
+  QApplication::setPalette(mended);
+}
+
 } // namespace
 
 QxMainWindow::QxMainWindow(QWidget* parent)
@@ -62,6 +77,7 @@ QxMainWindow::QxMainWindow(QWidget* parent)
     m_fileQueue(new QxFileQueue(statusBar())), m_files(new QxFileCommands(m_fileQueue, this))
 {
   theMainWindow = this;
+  keepPlaceholdersReadable();
   setObjectName("mainWindow");
   setWindowIcon(ZxResource::readIcon("orvel.png"));
   setAcceptDrops(true);

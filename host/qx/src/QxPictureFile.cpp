@@ -10,21 +10,19 @@
 
 std::string qxWritePicture(const QImage& picture, const std::string& fileName)
 {
-  const auto problem = [&](const QString& reason) {
-    return fileName + " could not be written: " + reason.toStdString() + ".";
-  };
-  const QString name = QString::fromStdString(fileName);
+  const QString name = QFile::decodeName(fileName.c_str());
   // In memory first: encoders print words of their own where they cannot write.
   QByteArray encoded;
   QBuffer buffer(&encoded);
   QImageWriter writer(&buffer, QFileInfo(name).suffix().toLatin1());
-  if (!writer.write(picture)) return problem(writer.errorString());
+  if (!writer.write(picture)) return writer.errorString().toStdString();
+  // Not QSaveFile: it would put a file into the place of a device.
   QFile file(name);
   const bool isNew = !file.exists();
   if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
       zxWriteAll(file, {encoded.constData(), static_cast<std::size_t>(encoded.size())}))
     return {};
-  const QString reason = file.errorString();
+  const std::string reason = file.errorString().toStdString();
   if (isNew) file.remove();
-  return problem(reason);
+  return reason;
 }

@@ -147,8 +147,9 @@ void QxPoolActions::removeSelected()
 {
   std::vector<McHandle<ZxObject>> objects;
   for (ZxObject* object : m_panel->selectedObjects()) objects.emplace_back(object);
-  for (const McHandle<ZxObject>& object : objects)
-    if (!closePagesOf(*object)) return; // Their answers may change the data that are asked about next.
+  const QList<QPointer<QWidget>> pages = pagesOf(objects);
+  for (const QPointer<QWidget>& page : pages) // Their answers may change the data that are asked about next.
+    if (auto* asked = dynamic_cast<QxCentralPage*>(page.data()); asked && !asked->canClose()) return;
   QStringList unsaved;
   for (const McHandle<ZxObject>& object : objects)
     if (const auto* data = dynamic_cast<const ZxData*>(object.get()); data && data->isUnsaved())
@@ -159,20 +160,25 @@ void QxPoolActions::removeSelected()
       QMessageBox::question(m_window, tr("Remove"), question, QMessageBox::Yes | QMessageBox::Cancel,
                             QMessageBox::Cancel) != QMessageBox::Yes)
     return;
+  for (const QPointer<QWidget>& page : pages)
+    if (auto* closed = dynamic_cast<QxCentralPage*>(page.data())) closed->closePage();
   for (const McHandle<ZxObject>& object : objects) ZxObjectPool::getThePool().remove(object.get());
 }
 
-bool QxPoolActions::closePagesOf(const ZxObject& object)
+QList<QPointer<QWidget>> QxPoolActions::pagesOf(const std::vector<McHandle<ZxObject>>& objects) const
 {
+  const auto isAmongThem = [&](const ZxObject* object) {
+    return object && std::any_of(objects.begin(), objects.end(),
+                                 [object](const McHandle<ZxObject>& o) { return o.get() == object; });
+  };
+  QList<QPointer<QWidget>> pages;
   for (QWidget* widget : m_window->centralWidget()->findChildren<QWidget*>()) {
-    auto* page = dynamic_cast<QxCentralPage*>(widget);
+    const auto* page = dynamic_cast<const QxCentralPage*>(widget);
     const ZxObject* edited = page ? page->editedObject() : nullptr;
     const auto* module = dynamic_cast<const ZxModule*>(edited);
-    const bool isConcerned =
-        edited && (edited == &object || (module && module->portData.getSource() == &object));
-    if (isConcerned && !page->canClose()) return false;
+    if (isAmongThem(edited) || (module && isAmongThem(module->portData.getSource()))) pages << widget;
   }
-  return true;
+  return pages;
 }
 
 void QxPoolActions::renameSelected()

@@ -2,7 +2,10 @@
 
 #include "zx/ZxObject.h"
 
+#include <QList>
 #include <QObject>
+#include <QPointer>
+#include <QWidget>
 
 #include <vector>
 
@@ -43,8 +46,8 @@ private:
   QAction* makeAction(const char* name, const QString& text, const char* icon, void (QxPoolActions::*slot)());
   void attach(const McTypeInfo& moduleClass);
   void removeSelected();
-  /// Lets editors of an object ask about unsaved work. False: the object stays.
-  bool closePagesOf(const ZxObject& object);
+  /// The pages of the centre, each a QxCentralPage, that edit one of the objects or a module that reads one.
+  QList<QPointer<QWidget>> pagesOf(const std::vector<McHandle<ZxObject>>& objects) const;
   void renameSelected();
   void showSelected();
   void saveSelected();

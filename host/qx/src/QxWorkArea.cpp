@@ -125,8 +125,10 @@ bool QxWorkArea::mayReceive(QObject* watched, QEvent* event)
     return true; // Windows pass on to the widgets inside.
   if (dialog) return widget->window() == dialog || widget->window() == QApplication::activePopupWidget();
   const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
-  if (isKey && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) stop();
-  return false;
+  const int key = isKey ? static_cast<QKeyEvent*>(event)->key() : 0;
+  if (key == Qt::Key_Escape) stop();
+  // These do nothing by themselves; who missed them would take the next key for another one.
+  return key == Qt::Key_Control || key == Qt::Key_Shift;
 }
 
 bool QxWorkArea::eventFilter(QObject* watched, QEvent* event)

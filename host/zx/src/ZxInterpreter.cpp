@@ -6,6 +6,7 @@
 #include "ZxScriptRun.h"
 #include "zx/ZxModule.h"
 #include "zx/ZxObjectPool.h"
+#include "zx/ZxWorkArea.h"
 
 #include <tcl.h>
 
@@ -231,7 +232,8 @@ void ZxInterpreter::setArguments(const std::string& program, std::span<const std
 
 void ZxInterpreter::handleEvents()
 {
-  if (m_depth > 0) return;
+  // They wait for work that goes on, as what is typed at the prompt does: it may be about what they remove.
+  if (m_depth > 0 || ZxWorkArea::getTheWorkArea()->isBusy()) return;
   constexpr int atATime = 100; // What asks for itself again at once must not keep everything else waiting.
   run([](Tcl_Interp*) {
     for (int i = 0; i < atATime && Tcl_DoOneEvent(TCL_ALL_EVENTS | TCL_DONT_WAIT); ++i) {

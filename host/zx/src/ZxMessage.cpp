@@ -38,6 +38,7 @@ void ZxMessage::printf(const char* format, ...)
 
 void ZxMessage::memError(std::size_t bytes)
 {
+  ++m_memErrors;
   printf("Not enough memory: %zu bytes could not be allocated.", bytes);
 }
 

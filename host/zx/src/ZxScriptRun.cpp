@@ -49,9 +49,19 @@ void ZxScriptRun::tick()
     area->startWorking("Running a script");
     m_startedPhase = true;
   }
-  if (!m_stopped && area->wasInterrupted(1)) {
+  if (!m_stopped && wasInterrupted(*area)) {
     m_stopped = true;
     Tcl_CancelEval(m_interp, Tcl_NewStringObj("stopped by the user", -1), nullptr, TCL_CANCEL_UNWIND);
   }
   setNextTick();
+}
+
+bool ZxScriptRun::wasInterrupted(ZxWorkArea& area)
+{
+  // Events may run scripts of their own, to which a limit that has been reached would be a failure.
+  setNextTick();
+  Tcl_LimitTypeReset(m_interp, TCL_LIMIT_TIME);
+  const bool wasInterrupted = area.wasInterrupted(1);
+  Tcl_LimitTypeSet(m_interp, TCL_LIMIT_TIME);
+  return wasInterrupted;
 }

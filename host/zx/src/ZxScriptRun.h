@@ -1,5 +1,6 @@
 #pragma once
 
+class ZxWorkArea;
 struct Tcl_Interp;
 
 /// Keeps a running script stoppable: asks the work area now and then, in a working phase of its own when the
@@ -16,6 +17,7 @@ public:
 private:
   static void onTick(void* clientData, Tcl_Interp* interp);
   void tick();
+  bool wasInterrupted(ZxWorkArea& area);
   void setNextTick();
 
   Tcl_Interp* m_interp;

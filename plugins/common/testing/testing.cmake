@@ -18,6 +18,6 @@ function(plugin_add_test name)
   add_executable(${name} ${name}.cpp)
   target_link_libraries(${name} PRIVATE plugin_testing ${ARGN})
   target_compile_options(${name} PRIVATE -Wall -Wextra -Wpedantic -Wshadow)
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 600 PROPERTIES TIMEOUT 3600
     ENVIRONMENT "ZX_PACKAGE_PATH=$<TARGET_FILE_DIR:zxalign::package>")
 endfunction()

@@ -128,6 +128,9 @@ public:
   virtual double pairQuality(int lower) = 0;
   /// The same, counting only pixels that the connected mask includes in both slices.
   virtual double maskedPairQuality(int lower) = 0;
+  /// Whether what a method has said of a slice (bundle "AlignConfidence" of the input's parameters) is of the
+  /// slice as it lies now to the one that it was matched with; true where nothing was said.
+  virtual bool liesAsMatched(int slice) = 0;
 
   /// The smallest output size in pixels that holds every transformed slice whole.
   virtual void minimalSize(int& width, int& height) const = 0;

@@ -1,6 +1,6 @@
 #include "zxalign/PairQualities.h"
 
-#include "zx/ZxParamBundle.h"
+#include "zx/ZxMessage.h"
 #include "zx/ZxWorkArea.h"
 #include "zxalign/ZxAlignData.h"
 #include "zxalign/ZxAlignSlices.h"
@@ -9,27 +9,11 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 
 namespace {
 
 constexpr std::chrono::milliseconds watchInterval{200};
-
-/// The confidence with which a slice was matched with another one.
-std::optional<PairConfidence> confidenceOf(const ZxParamBundle& all, int slice, int other)
-{
-  char name[24];
-  std::snprintf(name, sizeof name, "slice%04d", slice);
-  const ZxParamBundle* own = all.findBundle(name);
-  PairConfidence confidence;
-  int reference = -1;
-  if (!own || !own->findNums("reference", 1, &reference) || reference != other ||
-      !own->findReals("confidence", 1, &confidence.value))
-    return std::nullopt;
-  own->findString("reason", confidence.reason);
-  return confidence;
-}
 
 } // namespace
 
@@ -70,6 +54,7 @@ void PairQualities::look()
     if (pair.key == key) continue;
     pair.key = key;
     pair.isUpToDate = false;
+    pair.hasMoved = true;
     m_last = -1; // What was changed is near the present pair.
   }
   if (isOther) Q_EMIT reset();
@@ -86,17 +71,30 @@ bool PairQualities::hasConfidences() const noexcept
 
 void PairQualities::lookAtConfidences()
 {
-  const ZxParamBundle* parameters = count() > 0 ? m_module.sliceData().getParameters() : nullptr;
-  const ZxParamBundle* all = parameters ? parameters->findBundle("AlignConfidence") : nullptr;
+  if (count() == 0) return;
+  const PairConfidences all(m_module.sliceData().getParameters(), m_module.sliceData().getDims());
   for (int lower = 0; lower < count(); ++lower) {
-    std::optional<PairConfidence> now;
-    if (all) now = confidenceOf(*all, lower + 1, lower);
-    if (all && !now) now = confidenceOf(*all, lower, lower + 1);
     Pair& pair = m_pairs[static_cast<std::size_t>(lower)];
-    if (pair.confidence == now) continue;
-    pair.confidence = std::move(now);
+    // A method leaves its outcome with the slice that it matched, the upper or the lower one.
+    std::optional<PairConfidence> upwards = all.find(lower + 1), downwards = all.find(lower);
+    if (upwards && upwards->reference != lower) upwards.reset();
+    if (downwards && downwards->reference != lower + 1) downwards.reset();
+    if (!pair.hasMoved && pair.upwards == upwards && pair.downwards == downwards) continue;
+    pair.hasMoved = false;
+    pair.upwards = std::move(upwards);
+    pair.downwards = std::move(downwards);
+    if (pair.confidence == standing(pair)) continue;
+    pair.confidence = standing(pair);
     Q_EMIT changed(lower);
   }
+}
+
+std::optional<PairConfidence> PairQualities::standing(const Pair& pair) const
+{
+  const ZxDims& dims = m_module.sliceData().getDims();
+  if (pair.upwards && pair.upwards->isOf(pair.key.upper, pair.key.lower, dims)) return pair.upwards;
+  if (pair.downwards && pair.downwards->isOf(pair.key.lower, pair.key.upper, dims)) return pair.downwards;
+  return std::nullopt;
 }
 
 void PairQualities::lookAtCurrent()
@@ -132,14 +130,14 @@ void PairQualities::computeNext()
   if (lower < 0) return;
   m_isComputing = true;
   m_pool.start([this, job = std::make_shared<PairQualityJob>(m_module, lower)]() mutable {
-    const float quality = job->run(m_buffers);
+    const std::optional<float> quality = job->run(m_buffers);
     // The job ends where it was made.
     QMetaObject::invokeMethod(
         this, [this, job = std::move(job), quality] { finish(*job, quality); }, Qt::QueuedConnection);
   });
 }
 
-void PairQualities::finish(const PairQualityJob& job, float quality)
+void PairQualities::finish(const PairQualityJob& job, std::optional<float> quality)
 {
   m_isComputing = false;
   const int lower = job.lower();
@@ -148,6 +146,9 @@ void PairQualities::finish(const PairQualityJob& job, float quality)
     Pair& pair = m_pairs[static_cast<std::size_t>(lower)];
     pair.quality = quality;
     pair.isUpToDate = pair.key == job.key();
+    if (!quality)
+      ZxMessage::getTheMsg()->printf("There is not enough memory for the quality of slices %d and %d.", lower,
+                                     lower + 1);
     findWorst();
     Q_EMIT changed(lower);
   }

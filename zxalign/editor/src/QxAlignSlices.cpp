@@ -221,7 +221,14 @@ void QxAlignSlices::setSliceInfo(const SliceInfo& info)
   if (hasPair()) m_drawArea->transform(info);
 }
 
-void QxAlignSlices::repaintSliceView() { m_drawArea->viewport()->repaint(); }
+void QxAlignSlices::repaintSliceView()
+{
+  // What nobody sees is painted only when it is asked for its picture.
+  if (m_drawArea->viewport()->isVisible())
+    m_drawArea->viewport()->repaint();
+  else
+    m_drawArea->viewport()->grab();
+}
 
 void QxAlignSlices::suspendUpdates() { m_drawArea->suppressUpdates(); }
 

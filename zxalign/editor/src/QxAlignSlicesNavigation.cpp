@@ -177,41 +177,62 @@ void QxAlignSlices::selectPair(const ZxAlignPair& pair)
 
 const ZxObject* QxAlignSlices::editedObject() const { return m_module; }
 
-bool QxAlignSlices::canClose() { return !m_module->isEditorOpen() || cancel(); }
+bool QxAlignSlices::canClose()
+{
+  if (!m_module->isEditorOpen()) return true;
+  if (m_asksToClose) return false; // The question is on the screen already.
+  const AlignModuleKeeper keeper(m_module);
+  return askToClose() != CloseAnswer::Stay;
+}
+
+void QxAlignSlices::closePage()
+{
+  if (m_module->isEditorOpen()) leave();
+}
 
 bool QxAlignSlices::cancel()
 {
-  if (m_asksToClose) return false; // The question is on the screen already.
+  if (m_asksToClose) return false;
   const AlignModuleKeeper keeper(m_module);
   const QPointer<QxAlignSlices> alive(this);
-  const bool closes = askAndClose();
-  if (alive && closes) m_module->editorClosed();
+  const CloseAnswer answer = askToClose();
+  if (alive && answer == CloseAnswer::Close) leave();
+  if (alive && answer == CloseAnswer::Undecided) m_module->editorClosed(); // The window stays where it is.
   ZxWorkArea::getTheWorkArea()->setProgressText("%s", "");
-  return closes;
+  return answer != CloseAnswer::Stay;
 }
 
-bool QxAlignSlices::askAndClose()
+QxAlignSlices::CloseAnswer QxAlignSlices::askToClose()
 {
+  m_discards = false;
   if (m_module->isRunning()) {
     ZxMessage::getTheMsg()->printf("Slices are being aligned: stop that before the editor is closed.");
-    return false;
+    return CloseAnswer::Stay;
   }
-  if (m_module->isModified() && hasPair()) {
-    m_asksToClose = true;
-    const QPointer<QxAlignSlices> alive(this);
-    const McHandle<ZxSpatialData> asked(m_module->sliceData().getSpatialData());
-    const QString name = QString::fromStdString(m_module->sliceData().getInputDataName().str());
-    const AlignSaveAnswer answer = askToSaveAlignment(this, name);
-    if (!alive) return true;
-    m_asksToClose = false;
-    if (answer == AlignSaveAnswer::Cancel) return false;
-    // Not an answer for another input that has come meanwhile.
-    if (m_module->sliceData().getSpatialData() != asked.get()) return false;
-    if (answer == AlignSaveAnswer::None) return true; // Nothing was decided: the window stays where it is.
-    if (answer == AlignSaveAnswer::Save) save();
-    if (answer == AlignSaveAnswer::Save && m_module->isModified()) return false; // A message says why.
-    if (answer == AlignSaveAnswer::DontSave) m_module->recovery().forget();
-  }
+  if (!m_module->isModified() || !hasPair()) return CloseAnswer::Close;
+  m_asksToClose = true;
+  const QPointer<QxAlignSlices> alive(this);
+  const McHandle<ZxSpatialData> asked(m_module->sliceData().getSpatialData());
+  const QString name = QString::fromStdString(m_module->sliceData().getInputDataName().str());
+  const AlignSaveAnswer answer = askToSaveAlignment(this, name);
+  if (!alive) return CloseAnswer::Undecided;
+  m_asksToClose = false;
+  // Not an answer for another input that has come meanwhile.
+  if (answer == AlignSaveAnswer::Cancel || m_module->sliceData().getSpatialData() != asked.get())
+    return CloseAnswer::Stay;
+  if (answer == AlignSaveAnswer::None) return CloseAnswer::Undecided;
+  if (answer == AlignSaveAnswer::Save) save();
+  if (answer == AlignSaveAnswer::Save && m_module->isModified())
+    return CloseAnswer::Stay; // A message says why.
+  m_discards = answer == AlignSaveAnswer::DontSave;
+  return CloseAnswer::Close;
+}
+
+void QxAlignSlices::leave()
+{
+  if (m_discards) m_module->recovery().forget();
+  m_discards = false;
   setActive(false);
-  return true;
+  m_module->editorClosed();
+  ZxWorkArea::getTheWorkArea()->setProgressText("%s", "");
 }

@@ -47,11 +47,12 @@ void QxAlignSlices::updateOrthogonalViews()
 std::string QxAlignSlices::snapshot(const std::string& fileName)
 {
   QList<QToolBar*> bars = findChildren<QToolBar*>(Qt::FindDirectChildrenOnly); // those of the panels as well
-  bars.removeIf([](const QToolBar* bar) { return !bar->isVisible(); });
+  bars.removeIf([](const QToolBar* bar) { return bar->isHidden(); }); // also in a window that nobody sees
   for (QToolBar* bar : bars) bar->hide();
   if (layout()) layout()->activate();
   // The fourth byte of what is on the screen says nothing; a picture is opaque.
   const QImage picture = grab().toImage().convertToFormat(QImage::Format_RGB32);
   for (QToolBar* bar : bars) bar->show();
-  return qxWritePicture(picture, fileName);
+  const std::string reason = qxWritePicture(picture, fileName);
+  return reason.empty() ? reason : fileName + " could not be written: " + reason + ".";
 }

@@ -153,7 +153,6 @@ int QxDrawAlignSlices::displayedSlice() const { return m->shown; }
 
 void QxDrawAlignSlices::setFixReference(bool fixed)
 {
-  m->hasFixedReference = fixed;
   if (m->shown != BothSlices) m->shown = fixed ? int{SecondSlice} : m->editableSlice;
 }
 

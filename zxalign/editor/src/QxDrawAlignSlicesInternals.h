@@ -61,7 +61,6 @@ struct QxDrawAlignSlices::Internals {
   int editableSlice = SecondSlice;
   int editMode = EditTransform;
   int alignMode = 0;
-  bool hasFixedReference = false;
   bool addPending = false;
   int selected = -1;
   int lastPlaced = -1;

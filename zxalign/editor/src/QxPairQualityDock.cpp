@@ -8,9 +8,13 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSortFilterProxyModel>
+#include <QStyle>
 #include <QTableView>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 QxPairQualityDock::QxPairQualityDock(QxAlignSlices& editor)
   : QDockWidget(tr("Pair quality"), &editor), m_editor(editor), m_qualities(editor.module()),
@@ -100,6 +104,26 @@ void QxPairQualityDock::showState()
   m_state->setText(text);
   m_worst->setEnabled(worst >= 0);
   m_table->setColumnHidden(PairQualityModel::ConfidenceColumn, !m_qualities.hasConfidences());
+  keepFiguresWhole();
+}
+
+void QxPairQualityDock::keepFiguresWhole()
+{
+  QFont bold = m_table->font(); // as the worst pair has it, and a mark before its quality
+  bold.setBold(true);
+  const QFontMetrics metrics(bold);
+  const int mark = style()->pixelMetric(QStyle::PM_SmallIconSize);
+  const int margins = 4 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1);
+  int widest = std::max(metrics.horizontalAdvance(PairQualityModel::qualityText(1.0f)) + mark,
+                        metrics.horizontalAdvance(PairQualityModel::slicesText(m_qualities.count())));
+  widest += margins;
+  QHeaderView& header = *m_table->horizontalHeader();
+  for (int column = 0; column < header.count(); ++column)
+    widest = std::max(widest, header.sectionSizeHint(column));
+  const int shown = header.count() - header.hiddenSectionCount();
+  header.setMinimumSectionSize(widest);
+  m_table->setMinimumWidth(shown * widest + m_table->verticalScrollBar()->sizeHint().width() +
+                           2 * m_table->frameWidth());
 }
 
 void QxPairQualityDock::showCurrent(int lower)

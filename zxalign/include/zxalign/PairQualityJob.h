@@ -4,6 +4,7 @@
 #include "zxalign/SliceXForm.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 class ZxAlignSlices;
@@ -42,11 +43,13 @@ public:
 
   int lower() const noexcept { return m_lower; }
   const Key& key() const noexcept { return m_key; }
-  /// 0 to 1, as the module shows it of a pair that is displayed normally, not as projections. Holds the
-  /// module's data mutex while voxels are read.
-  float run(Buffers& buffers) const;
+  /// 0 to 1, as the module shows it of a pair that is displayed normally, not as projections; none when there
+  /// is not enough memory. Holds the module's data mutex while voxels are read.
+  std::optional<float> run(Buffers& buffers) const;
 
 private:
+  float compute(Buffers& buffers) const;
+
   ZxAlignSlices& m_module;
   McHandle<ZxSpatialData> m_data; // keep alive what the mapping borrows
   McHandle<ZxData> m_mask;

@@ -176,6 +176,8 @@ public:
   void setTransform(int slice, const SliceXForm& xform);
   /// Takes away the transforms of the slices first to last, as a change that can be taken back.
   void resetTransforms(int first, int last);
+  /// Reads what is stored with the input and shows it, as a change that can be taken back.
+  void readTransformAgain();
 
   // Landmarks: every slice has the same number, each operation changes all slices. A file may have given some
   // slices fewer: those without a landmark of that index are left alone.
@@ -245,6 +247,7 @@ public:
                    int firstPair = 0);
   double pairQuality(int lower) override;
   double maskedPairQuality(int lower) override;
+  bool liesAsMatched(int slice) override;
   void minimalSize(int& width, int& height) const override { calcMinBox(&width, &height); }
   McHandle<ZxSpatialData> alignedVolume() override;
   McHandle<ZxSpatialData> alignedLabels() override;
@@ -261,6 +264,7 @@ private:
   bool computeData();
   bool acceptInput(ZxSpatialData* data, ZxLattice* lattice);
   void rejectInput();
+  void leaveInput();
   void checkAuxiliaryInputs(const ZxLattice& lattice);
   void initDataWindow(ZxLattice& lattice);
   void initTransforms();

@@ -7,8 +7,11 @@ class ZxObject;
 class QxCentralPage {
 public:
   virtual ~QxCentralPage() = default;
-  /// Asks the user, if need be, what becomes of unsaved work. False: everything stays open.
+  /// Asks the user, if need be, what becomes of unsaved work, and saves what is to be saved. The page stays
+  /// open for now: something else may still keep the window open. False: it has to stay.
   virtual bool canClose() = 0;
+  /// Closes the page after its canClose() has said true and nothing else was in the way.
+  virtual void closePage() {}
   /// The module or data that the page edits: it is asked before that is removed, too. Null: none.
   virtual const ZxObject* editedObject() const { return nullptr; }
 };

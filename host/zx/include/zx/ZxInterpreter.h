@@ -53,7 +53,7 @@ public:
   void setArguments(const std::string& program, std::span<const std::string> arguments);
   /// True while a script runs.
   bool isEvaluating() const noexcept { return m_depth > 0; }
-  /// Lets what scripts have asked for later (after, fileevent) happen if it is due.
+  /// Lets what scripts have asked for later (after, fileevent) happen if it is due and no work goes on.
   void handleEvents();
 
   /// False for a text with an open brace, bracket or quote: a prompt asks for more lines.

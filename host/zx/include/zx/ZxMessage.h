@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <string>
 
@@ -16,6 +17,8 @@ public:
   [[gnu::format(printf, 2, 3)]] void printf(const char* format, ...);
   /// Says that so many bytes could not be allocated.
   void memError(std::size_t bytes);
+  /// How often that has been said. Who runs what reports by messages alone compares it before and after.
+  int numMemErrors() const noexcept { return m_memErrors; }
 
   /// Replaces the sink and returns the one before. An empty sink means standard error.
   Sink setSink(Sink sink);
@@ -23,4 +26,5 @@ public:
 private:
   ZxMessage() = default;
   Sink m_sink;
+  std::atomic<int> m_memErrors{0};
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zxalign/PairConfidence.h"
 #include "zxalign/PairQualityJob.h"
 
 #include <QObject>
@@ -7,18 +8,9 @@
 #include <QTimer>
 
 #include <optional>
-#include <string>
 #include <vector>
 
 class ZxAlignSlices;
-
-/// How sure an automatic method was of a pair when it matched it last.
-struct PairConfidence {
-  double value = 0.0; ///< 0 to 1
-  std::string reason; ///< why the pair was left as it was, a clause; empty when it was aligned
-
-  bool operator==(const PairConfidence&) const = default;
-};
 
 /// The quality of every pair of neighbouring slices of a module, computed in the background.
 ///
@@ -37,10 +29,11 @@ public:
   void setActive(bool active);
   /// One less than there are slices.
   int count() const noexcept { return static_cast<int>(m_pairs.size()); }
-  /// 0 to 1; the one before, while it is being computed anew; none before it is known.
+  /// 0 to 1; the one before, while it is being computed anew; none before it is known, and when there was not
+  /// enough memory.
   std::optional<float> quality(int lower) const { return m_pairs[static_cast<std::size_t>(lower)].quality; }
-  /// What a method has left in the input's parameters, bundle "AlignConfidence"; none where it has not said
-  /// so.
+  /// What the method that matched the pair last has said of it; none where it has said nothing, or the pair
+  /// has been moved since.
   const std::optional<PairConfidence>& confidence(int lower) const
   {
     return m_pairs[static_cast<std::size_t>(lower)].confidence;
@@ -66,18 +59,22 @@ Q_SIGNALS:
 private:
   struct Pair {
     std::optional<float> quality;
-    std::optional<PairConfidence> confidence;
-    PairQualityJob::Key key; // that the quality is of
+    std::optional<PairConfidence> upwards; // said of the upper slice, of the lower one
+    std::optional<PairConfidence> downwards;
+    std::optional<PairConfidence> confidence; // the one that stands
+    PairQualityJob::Key key;                  // that the quality is of
     bool isUpToDate = false;
+    bool hasMoved = true; // since the confidence was looked at
   };
 
   void look();
   void lookAtCurrent();
   void lookAtConfidences();
+  std::optional<PairConfidence> standing(const Pair& pair) const;
   bool mayCompute() const;
   void computeNext();
   int nextOutdated() const;
-  void finish(const PairQualityJob& job, float quality);
+  void finish(const PairQualityJob& job, std::optional<float> quality);
   void findWorst();
 
   ZxAlignSlices& m_module;

@@ -100,8 +100,9 @@ public:
   std::string snapshot(const std::string& fileName) override;
 
   // QxCentralPage
-  /// As cancel(), while the editor is open.
+  /// Asks as cancel() does, while the editor is open, which it stays.
   bool canClose() override;
+  void closePage() override;
   const ZxObject* editedObject() const override;
 
   /// Shows transform and slice numbers in the toolbars, translations cut off to whole pixels.
@@ -251,7 +252,10 @@ private:
   void changeSide(int side);
   void selectPair(const ZxAlignPair& pair);
   void keepReferenceInStack();
-  bool askAndClose();
+  enum class CloseAnswer { Close, Stay, Undecided };
+  /// Asks what becomes of unsaved changes; saves them if that is the answer.
+  CloseAnswer askToClose();
+  void leave();
   void previewSize(int width, int height, bool automaticOrigin);
 
   ZxAlignSlices* m_module; // borrowed
@@ -271,4 +275,5 @@ private:
   bool m_showsFixedReference = false;
   bool m_showsMode = false;   // the toolbar is being told the align mode: its echo is no choice
   bool m_asksToClose = false; // the save prompt is open
+  bool m_discards = false;    // its answer was not to save
 };

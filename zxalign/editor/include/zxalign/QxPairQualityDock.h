@@ -34,6 +34,8 @@ private:
   QTableView* makeTable(QWidget* parent);
   void goToRow(const QModelIndex& index);
   void showState();
+  /// The table does not get narrower than what its columns say; the curve does.
+  void keepFiguresWhole();
   void showCurrent(int lower);
 
   QxAlignSlices& m_editor;
