@@ -6,8 +6,12 @@
 
 #include <QDockWidget>
 #include <QDoubleSpinBox>
+#include <QFile>
 #include <QImage>
 
+#include <sys/resource.h>
+
+#include <csignal>
 #include <fstream>
 #include <optional>
 #include <sstream>
@@ -246,6 +250,20 @@ TEST_F(AlignCommandsTest, ShowViewsAndWriteAPicture)
   EXPECT_EQ(editor->getVisibleToolbar().size(), 3) << "also when it fails";
   result("showYZView 0");
   EXPECT_FALSE(editor->getOrthoViewManager()->getSagittalView());
+}
+
+TEST_F(AlignCommandsTest, ASnapshotThatFindsNoRoomLeavesNothing)
+{
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  const rlimit small{1000, before.rlim_max}; // as on a full disk
+  auto* const handler = std::signal(SIGXFSZ, SIG_IGN);
+  setrlimit(RLIMIT_FSIZE, &small);
+  const std::string problem = failure("snapshot " + file("full.png"));
+  setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_NE(problem.find("full.png could not be written: File too large."), std::string::npos) << problem;
+  EXPECT_FALSE(QFile::exists(QString::fromStdString(file("full.png"))));
 }
 
 TEST_F(AlignCommandsTest, AlignResampleAndSet)

@@ -1,6 +1,5 @@
 #include "TiffDeflate.h"
 
-#include "Adler32.h"
 #include "PlainFile.h"
 
 #include <zlib.h>
@@ -111,14 +110,17 @@ std::uint32_t TiffDeflate::checksum(const TiffPage& page, const TiffPieces& piec
 {
   std::uint16_t predictor = PREDICTOR_NONE;
   TIFFGetFieldDefaulted(m_file.get(), TIFFTAG_PREDICTOR, &predictor);
-  Adler32 sum;
+  uLong sum = adler32_z(0, nullptr, 0);
+  const auto add = [&sum](std::span<const std::byte> bytes) {
+    sum = adler32_z(sum, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size());
+  };
   if (predictor == PREDICTOR_NONE && !TIFFIsByteSwapped(m_file.get())) {
-    sum.add(decoded);
-    return sum.value();
+    add(decoded);
+    return static_cast<std::uint32_t>(sum);
   }
   for (; !decoded.empty(); decoded = decoded.subspan(pieces.rowBytes))
-    sum.add(asPacked(page, predictor, decoded.first(pieces.rowBytes)));
-  return sum.value();
+    add(asPacked(page, predictor, decoded.first(pieces.rowBytes)));
+  return static_cast<std::uint32_t>(sum);
 }
 
 std::uint32_t TiffDeflate::storedChecksum(std::uint32_t index) const
